@@ -1,0 +1,5 @@
+set(ZELT_SANITIZE "" CACHE STRING "sanitizers, comma separated: address,undefined or thread")
+if(ZELT_SANITIZE)
+    add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${ZELT_SANITIZE})
+endif()

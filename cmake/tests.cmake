@@ -1,0 +1,17 @@
+enable_testing()
+
+# zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
+# One program per folder, its sources found by glob; a test that skips itself fails.
+function(zelt_add_test)
+    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(${ARG_NAME} ${sources})
+    target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
+        zelt_warnings)
+    add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
+    set_tests_properties(${ARG_NAME} PROPERTIES
+        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600)
+endfunction()
