@@ -1,0 +1,44 @@
+/// A mutex whose use clang checks at compile time, and the annotations for it.
+#pragma once
+
+#include <mutex>
+
+#if defined(__clang__)
+#define ZELT_THREAD_ANNOTATION(x) __attribute__((x))
+#else
+#define ZELT_THREAD_ANNOTATION(x)
+#endif
+
+/// Data that may only be touched with the mutex held.
+#define ZELT_GUARDED_BY(mutex) ZELT_THREAD_ANNOTATION(guarded_by(mutex))
+/// The caller must hold the mutex.
+#define ZELT_REQUIRES(...) ZELT_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+/// The caller must not hold the mutex.
+#define ZELT_EXCLUDES(...) ZELT_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
+
+namespace platform {
+
+class ZELT_THREAD_ANNOTATION(capability("mutex")) Mutex {
+  public:
+    void lock() ZELT_THREAD_ANNOTATION(acquire_capability()) { m_mutex.lock(); }
+    void unlock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+
+  private:
+    std::mutex m_mutex;
+};
+
+/// Holds a mutex for a scope.
+class ZELT_THREAD_ANNOTATION(scoped_lockable) MutexLock {
+  public:
+    explicit MutexLock(Mutex& mutex) ZELT_THREAD_ANNOTATION(acquire_capability(mutex)) : m_mutex(mutex) {
+        m_mutex.lock();
+    }
+    ~MutexLock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+    MutexLock(const MutexLock&) = delete;
+    MutexLock& operator=(const MutexLock&) = delete;
+
+  private:
+    Mutex& m_mutex;
+};
+
+}  // namespace platform
