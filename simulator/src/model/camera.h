@@ -1,0 +1,64 @@
+/// A camera as long as it has power: features, clock, and what its settings make of the sensor. Whether
+/// and by whom it is open is not its business.
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "camera_clock.h"
+#include "camera_row.h"
+#include "clock.h"
+#include "feature_table.h"
+#include "sensor.h"
+
+namespace simulator {
+
+/// Everything but `row` and `mutex` is covered by the mutex.
+class Camera {
+  public:
+    Camera(const CameraRow& row, Nanoseconds powerUp);
+
+    const CameraRow& row() const { return m_row; }
+    std::mutex& mutex() { return m_mutex; }
+
+    FeatureTable& features() { return m_features; }
+    const CameraClock& clock() const { return m_clock; }
+    const SensorSettings& sensor() const { return m_sensor; }
+
+    /// A value that the camera rounds to its own grid.
+    void round(const Feature& feature, FeatureValue& value) const;
+    /// Recomputes everything that depends on settings.
+    void settle();
+
+    bool isAcquiring() const { return m_acquiring; }
+    void setAcquiring(bool acquiring) { m_acquiring = acquiring; }
+
+    void resetClock(Nanoseconds now) { m_clock.reset(now); }
+    void latchClock(Nanoseconds now);
+    void adjustPacketSize();
+
+    /// An automatic function in mode Once has settled after some exposures.
+    void noteExposure();
+    /// The statistics of a new acquisition.
+    void resetStatistics();
+    void count(const char* statistic);
+    void noteStamp(std::uint64_t ticks);
+
+  private:
+    PictureShape shape() const;
+    void settleRanges();
+    void settleTiming(const PictureShape& shape);
+    TriggerKind trigger() const;
+    std::int64_t frameLimit() const;
+
+    const CameraRow& m_row;
+    std::mutex m_mutex;
+    FeatureTable m_features;
+    CameraClock m_clock;
+    SensorSettings m_sensor;
+    bool m_acquiring = false;
+    int m_exposuresInOnce = 0;
+    std::uint64_t m_lastTicks = 0;
+};
+
+}  // namespace simulator

@@ -1,0 +1,169 @@
+#include "camera_feature_rows.h"
+
+namespace simulator {
+namespace {
+
+const std::vector<EnumEntry> kOffOn = {{"Off", 0}, {"On", 1}};
+const std::vector<EnumEntry> kAutoModes = {{"Off", 1}, {"Continuous", 2}, {"Once", 3}};
+
+constexpr double kLongestExposureUs = 60'000'000;
+
+FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
+    return intRow(name, range, initial).of("%");
+}
+
+}  // namespace
+
+void addAcquisitionRows(FeatureRows& rows, const CameraRow& camera) {
+    const char* path = "/Acquisition";
+    rows.push_back(enumRow("AcquisitionMode",
+                           {{"Continuous", 1}, {"SingleFrame", 2}, {"MultiFrame", 3}, {"Recorder", 4}}, 1)
+                       .in(path)
+                       .whileIdle()
+                       .text("How many frames one start gives"));
+    rows.push_back(intRow("AcquisitionFrameCount", {1, 65'535, 1}, 1)
+                       .in(path)
+                       .text("Frames of one start in MultiFrame mode"));
+    rows.push_back(commandRow("AcquisitionStart").in(path).text("Starts the acquisition"));
+    rows.push_back(commandRow("AcquisitionStop").in(path).text("Ends it after the running frame"));
+    rows.push_back(commandRow("AcquisitionAbort").in(path).text("Ends it and drops the running frame"));
+    rows.push_back(floatRow("AcquisitionFrameRateAbs", {0.01, 1000}, camera.powerUpRate)
+                       .in(path)
+                       .of("Hz")
+                       .text("Rate of the frames, to whole microseconds of their period"));
+    rows.push_back(floatRow("AcquisitionFrameRateLimit", {0, 1e9}, 0)
+                       .in(path)
+                       .of("Hz")
+                       .readOnly()
+                       .text("Highest rate with the settings of now"));
+}
+
+void addTriggerRows(FeatureRows& rows) {
+    const char* path = "/Acquisition/Trigger";
+    const char* selector = "TriggerSelector";
+    const std::int64_t off = 0;
+    const std::int64_t on = 1;
+    rows.push_back(
+        enumRow(selector,
+                {{"FrameStart", 0}, {"AcquisitionStart", 3}, {"AcquisitionEnd", 4}, {"AcquisitionRecord", 6}},
+                0)
+            .in(path)
+            .affecting(
+                {"TriggerMode", "TriggerSource", "TriggerActivation", "TriggerDelayAbs", "TriggerOverlap"})
+            .text("Trigger that the other trigger features are about"));
+    rows.push_back(enumRow("TriggerMode", kOffOn, off)
+                       .in(path)
+                       .per(selector, {on, off, off, off})
+                       .text("Whether the trigger is used"));
+    rows.push_back(enumRow("TriggerSource",
+                           {{"Freerun", 0},
+                            {"Line1", 1},
+                            {"Line2", 2},
+                            {"Line3", 3},
+                            {"Line4", 4},
+                            {"FixedRate", 5},
+                            {"Software", 6}},
+                           0)
+                       .in(path)
+                       .per(selector)
+                       .text("Where the trigger comes from"));
+    rows.push_back(
+        enumRow("TriggerActivation",
+                {{"RisingEdge", 0}, {"FallingEdge", 1}, {"AnyEdge", 2}, {"LevelHigh", 3}, {"LevelLow", 4}}, 0)
+            .in(path)
+            .per(selector)
+            .text("What of a line's signal counts"));
+    rows.push_back(floatRow("TriggerDelayAbs", {0, 60'000'000}, 0.0)
+                       .in(path)
+                       .of("µs")
+                       .per(selector)
+                       .text("Delay from the line's signal"));
+    rows.push_back(enumRow("TriggerOverlap", {{"Off", 0}, {"PreviousFrame", 2}}, 0)
+                       .in(path)
+                       .per(selector)
+                       .text("What becomes of a signal that comes too early"));
+    rows.push_back(commandRow("TriggerSoftware").in(path).text("Triggers one frame"));
+}
+
+void addExposureRows(FeatureRows& rows, const CameraRow& camera) {
+    const char* path = "/Controls/Exposure";
+    const double shortest = camera.sensor.shortestExposureUs;
+    const IntRange autoRange{static_cast<std::int64_t>(shortest),
+                             static_cast<std::int64_t>(kLongestExposureUs), 1};
+    rows.push_back(enumRow("ExposureMode", {{"Timed", 1}}, 1).in(path).text("How the exposure ends"));
+    rows.push_back(floatRow("ExposureTimeAbs", {shortest, kLongestExposureUs}, 15'000.0)
+                       .in(path)
+                       .of("µs")
+                       .affecting({"AcquisitionFrameRateLimit", "AcquisitionFrameRateAbs"})
+                       .text("Exposure time in whole microseconds"));
+    rows.push_back(enumRow("ExposureAuto", kAutoModes, 1)
+                       .in(path)
+                       .affecting({"ExposureTimeAbs"})
+                       .text("Automatic exposure"));
+    rows.push_back(percentRow("ExposureAutoAdjustTol", {0, 50, 1}, 5)
+                       .in(path)
+                       .text("Dead band of the automatic exposure"));
+    rows.push_back(enumRow("ExposureAutoAlg", {{"Mean", 0}, {"FitRange", 1}}, 0)
+                       .in(path)
+                       .text("Algorithm of the automatic exposure"));
+    rows.push_back(
+        intRow("ExposureAutoMax", autoRange, 500'000).in(path).of("µs").text("Longest automatic exposure"));
+    rows.push_back(intRow("ExposureAutoMin", autoRange, autoRange.min)
+                       .in(path)
+                       .of("µs")
+                       .text("Shortest automatic exposure"));
+    rows.push_back(intRow("ExposureAutoOutliers", {0, 1000, 1}, 0)
+                       .in(path)
+                       .of("0.01 %")
+                       .text("Share of pixels that the automatic exposure ignores"));
+    rows.push_back(
+        percentRow("ExposureAutoRate", {1, 100, 1}, 100).in(path).text("Speed of the automatic exposure"));
+    rows.push_back(
+        percentRow("ExposureAutoTarget", {0, 100, 1}, 50).in(path).text("Aim of the automatic exposure"));
+}
+
+void addGainRows(FeatureRows& rows, const CameraRow& camera) {
+    const char* path = "/Controls/Gain";
+    const FloatRange gains{0, camera.hottestGain};
+    rows.push_back(enumRow("GainSelector", {{"All", 0}}, 0).in(path).text("Channel that the gain is for"));
+    rows.push_back(floatRow("Gain", gains, 0.0).in(path).of("dB").text("Gain"));
+    rows.push_back(enumRow("GainAuto", kAutoModes, 1).in(path).affecting({"Gain"}).text("Automatic gain"));
+    rows.push_back(
+        percentRow("GainAutoAdjustTol", {0, 50, 1}, 5).in(path).text("Dead band of the automatic gain"));
+    rows.push_back(
+        floatRow("GainAutoMax", gains, gains.max).in(path).of("dB").text("Highest automatic gain"));
+    rows.push_back(floatRow("GainAutoMin", gains, 0.0).in(path).of("dB").text("Lowest automatic gain"));
+    rows.push_back(intRow("GainAutoOutliers", {0, 1000, 1}, 0)
+                       .in(path)
+                       .of("0.01 %")
+                       .text("Share of pixels that the automatic gain ignores"));
+    rows.push_back(percentRow("GainAutoRate", {1, 100, 1}, 100).in(path).text("Speed of the automatic gain"));
+    rows.push_back(percentRow("GainAutoTarget", {0, 100, 1}, 50).in(path).text("Aim of the automatic gain"));
+    rows.push_back(floatRow("Gamma", {0.45, 1.0}, 1.0).in("/Controls").text("Gamma, 1 for none"));
+}
+
+void addColourRows(FeatureRows& rows) {
+    const char* path = "/Controls/Whitebalance";
+    rows.push_back(floatRow("Hue", {-40, 40}, 0.0).in("/Controls").of("°").text("Turn of the colours"));
+    rows.push_back(floatRow("Saturation", {0, 2}, 1.0).in("/Controls").text("Saturation of the colours"));
+    rows.push_back(enumRow("BalanceWhiteAuto", kAutoModes, 1)
+                       .in(path)
+                       .affecting({"BalanceRatioAbs"})
+                       .text("Automatic white balance"));
+    rows.push_back(percentRow("BalanceWhiteAutoAdjustTol", {0, 50, 1}, 5)
+                       .in(path)
+                       .text("Dead band of the automatic white balance"));
+    rows.push_back(percentRow("BalanceWhiteAutoRate", {1, 100, 1}, 100)
+                       .in(path)
+                       .text("Speed of the automatic white balance"));
+    rows.push_back(enumRow("BalanceRatioSelector", {{"Red", 0}, {"Blue", 1}}, 0)
+                       .in(path)
+                       .affecting({"BalanceRatioAbs"})
+                       .text("Colour that BalanceRatioAbs is for"));
+    rows.push_back(floatRow("BalanceRatioAbs", {0.8, 3.0}, 1.0)
+                       .in(path)
+                       .per("BalanceRatioSelector")
+                       .text("Gain of the colour against green"));
+}
+
+}  // namespace simulator

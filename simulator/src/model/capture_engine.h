@@ -1,0 +1,180 @@
+/// The frames of one open camera from exposure to callback, on a thread of their own.
+///
+/// Frames are pipelined: one may be exposed while an earlier one is read out or sent. Everything happens at
+/// the true time at which it is due, also when the thread comes late because a callback kept it: a frame
+/// then takes only a buffer that was queued by its own time.
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "camera.h"
+#include "clock.h"
+#include "faults.h"
+#include "frame_queue.h"
+#include "sensor.h"
+#include "test_picture.h"
+
+namespace simulator {
+
+/// A frame that came to its end, with all that the client's record is to say.
+struct FrameReport {
+    QueuedFrame frame;
+    std::int32_t status = 0;
+    std::uint32_t imageSize = 0;
+    PictureShape shape;
+    std::uint64_t id = 0;
+    std::uint64_t ticks = 0;
+};
+
+/// Hands frames to the client. [frame]
+class FrameOutlet {
+  public:
+    virtual void deliver(void* owner, const FrameReport& report) = 0;
+    /// [any thread] The library takes back the memory that it lent to a client's record.
+    virtual void takeBack(void* record) = 0;
+
+  protected:
+    ~FrameOutlet() = default;
+};
+
+/// Learns of acquisitions. The camera's mutex is held during each call.
+class AcquisitionListener {
+  public:
+    virtual void onAcquisitionStarted(std::uint64_t firstId, Nanoseconds at) = 0;
+    virtual void onAcquisitionEnded(std::uint64_t lastId, Nanoseconds at) = 0;
+    /// May frames of the acquisition that started last reach the client?
+    virtual bool isStartAnnounced() const = 0;
+
+  protected:
+    ~AcquisitionListener() = default;
+};
+
+/// All operations but start and join are called with the camera's mutex held.
+class CaptureEngine {
+  public:
+    using Lock = std::unique_lock<std::mutex>;
+
+    CaptureEngine(SimulatorClock& clock, Camera& camera, FrameFaults& faults, FrameOutlet& outlet,
+                  AcquisitionListener& listener);
+    ~CaptureEngine();
+
+    /// Starts the thread; `owner` is what callbacks get. Throws when the system refuses a thread.
+    void start(void* owner);
+    /// Nothing is exposed or delivered any more, queued frames stay; the thread lives on.
+    void halt();
+    /// Tells the thread to end.
+    void quit();
+    /// Waits for the thread; without the camera's mutex and not on that thread.
+    void join();
+    bool isOwnThread() const;
+
+    /// InvalidAccess when it runs already. Frame ids start at 1 again.
+    Result startCapture();
+    /// Empties the queue and waits for a running callback, unless it is called from it.
+    void endCapture(Lock& lock);
+
+    void startAcquisition();
+    void stopAcquisition();
+    void abortAcquisition();
+    void softwareTrigger();
+    void hold(bool hold);
+    /// Call after settings changed.
+    void settle();
+
+    FrameQueue& queue() { return m_queue; }
+    /// Also refuses, with InvalidCall, a frame that is being filled, and with BadHandle one that was revoked
+    /// during its callback.
+    Result enqueue(const QueuedFrame& frame);
+    std::size_t queuedCount() const;
+    /// For a record that was revoked (null: for all): gives up its transfer and waits until its memory is
+    /// not touched any more, unless it is called from the callback.
+    void withdraw(Lock& lock, const void* record);
+    /// Waits until no callback runs, unless it is called from it.
+    void waitUntilQuiet(Lock& lock);
+
+    /// Waits for that many callbacks since the start of capture; false at `deadline` or when halted.
+    bool waitForFrames(Lock& lock, std::uint64_t count, Nanoseconds deadline);
+    /// Waits until no stop is under way; false at `deadline`.
+    bool waitUntilStopped(Lock& lock, Nanoseconds deadline);
+    bool isHalted() const { return m_halted; }
+    /// Lets everyone look again who waits for something from outside.
+    void wake() { m_changed.notify_all(); }
+
+  private:
+    struct Exposure {
+        std::uint64_t id = 0;
+        Nanoseconds start = 0;
+        Nanoseconds transferAt = 0;
+        Nanoseconds dueAt = 0;
+        std::uint64_t ticks = 0;
+        PictureShape shape;
+        FrameFate fate;
+    };
+    enum class Stage { Drawing, Ready, Calling };
+    enum class Withdrawal { None, Drop, PutBack };
+    struct Transfer {
+        Exposure exposure;
+        QueuedFrame frame;
+        Stage stage = Stage::Drawing;
+        Withdrawal withdrawal = Withdrawal::None;
+    };
+    enum class Step { Deliver, Transfer, Expose };
+    struct Next {
+        Nanoseconds at;
+        Step step;
+    };
+    /// As many frames as the camera's memory holds.
+    static constexpr std::size_t kInFlight = 64;
+
+    void run();
+    std::optional<Next> next() const;
+    void step(Lock& lock, const Next& next);
+    void begin(Nanoseconds now);
+    void finishIfDone();
+    void expose(Nanoseconds start);
+    void beginTransfer(Lock& lock);
+    void draw(const Transfer& transfer);
+    void deliver(Lock& lock);
+    void giveUpTransfer(Withdrawal withdrawal);
+    bool isCalling() const { return m_transfer && m_transfer->stage == Stage::Calling; }
+    FrameReport report(const Transfer& transfer) const;
+
+    SimulatorClock& m_clock;
+    Camera& m_camera;
+    FrameFaults& m_faults;
+    FrameOutlet& m_outlet;
+    AcquisitionListener& m_listener;
+    void* m_owner = nullptr;
+    std::condition_variable m_changed;
+
+    FrameQueue m_queue;
+    ExposureAgenda m_agenda;
+    bool m_capturing = false;
+    bool m_restart = false;
+    bool m_halted = false;
+    bool m_quit = false;
+    std::uint64_t m_nextId = 1;
+    std::uint64_t m_lastSent = 0;  // id of the last frame that came to the end of its way
+    Nanoseconds m_linkFreeAt = 0;
+    Nanoseconds m_stoppedAt = 0;
+    std::uint64_t m_callbacks = 0;
+    std::uint64_t m_transfers = 0;
+
+    std::array<Exposure, kInFlight> m_inFlight;
+    std::size_t m_firstInFlight = 0;
+    std::size_t m_inFlightCount = 0;
+    std::optional<Transfer> m_transfer;
+
+    // Of the frame thread alone.
+    TestPicture m_picture;
+    std::vector<std::uint8_t> m_scratch;
+    std::thread m_thread;
+};
+
+}  // namespace simulator

@@ -1,0 +1,98 @@
+/// One row of a feature table: everything about a feature that does not change while a camera lives.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace simulator {
+
+/// Numbers as in the vendor's feature records.
+enum class FeatureType : std::uint32_t { Int = 1, Float = 2, Enum = 3, String = 4, Bool = 5, Command = 6 };
+
+/// Bits as in the vendor's feature records.
+enum FeatureFlags : std::uint32_t { kRead = 1, kWrite = 2, kVolatile = 8 };
+
+/// An enumeration feature holds its entry's number, or a text when that text is no entry.
+using FeatureValue = std::variant<std::int64_t, double, bool, std::string>;
+
+struct EnumEntry {
+    const char* name;
+    std::int64_t number;
+};
+
+struct IntRange {
+    std::int64_t min = 0;
+    std::int64_t max = 0;
+    std::int64_t increment = 1;
+};
+
+struct FloatRange {
+    double min = 0;
+    double max = 0;
+};
+
+/// Texts are literals: clients keep pointers to them.
+struct FeatureRow {
+    const char* name = "";
+    FeatureType type = FeatureType::Int;
+    std::uint32_t flags = kRead;
+    FeatureValue initial;
+    const char* category = "";
+    const char* unit = "";
+    IntRange intRange;
+    FloatRange floatRange;
+    std::vector<EnumEntry> entries;         ///< ascending by number
+    const char* selector = nullptr;         ///< the feature keeps one value per entry of this one
+    std::vector<FeatureValue> perSelector;  ///< initial values where they differ between those entries
+    bool locked = false;                    ///< not writable while the camera acquires
+    std::vector<const char*> affects;
+    const char* description = "";
+
+    FeatureRow&& in(const char* path) && {
+        category = path;
+        return std::move(*this);
+    }
+    FeatureRow&& of(const char* text) && {
+        unit = text;
+        return std::move(*this);
+    }
+    FeatureRow&& readOnly() && {
+        flags = kRead;
+        return std::move(*this);
+    }
+    FeatureRow&& changing() && {
+        flags |= kVolatile;
+        return std::move(*this);
+    }
+    FeatureRow&& whileIdle() && {
+        locked = true;
+        return std::move(*this);
+    }
+    FeatureRow&& per(const char* feature, std::vector<FeatureValue> values = {}) && {
+        selector = feature;
+        perSelector = std::move(values);
+        return std::move(*this);
+    }
+    FeatureRow&& affecting(std::vector<const char*> names) && {
+        affects = std::move(names);
+        return std::move(*this);
+    }
+    FeatureRow&& text(const char* sentence) && {
+        description = sentence;
+        return std::move(*this);
+    }
+};
+
+/// Rows that are writable; `.readOnly()` takes that away.
+FeatureRow intRow(const char* name, IntRange range, std::int64_t initial);
+FeatureRow floatRow(const char* name, FloatRange range, double initial);
+FeatureRow enumRow(const char* name, std::vector<EnumEntry> entries, std::int64_t initial);
+FeatureRow boolRow(const char* name, bool initial);
+FeatureRow commandRow(const char* name);
+/// Read only.
+FeatureRow textRow(const char* name, const char* initial);
+
+}  // namespace simulator

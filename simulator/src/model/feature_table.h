@@ -1,0 +1,72 @@
+/// The features of one camera, or of the library itself, and their values.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "feature_row.h"
+#include "result.h"
+
+namespace simulator {
+
+struct Feature {
+    FeatureRow row;
+    std::vector<FeatureValue> values;  ///< one, or one per entry of the selector
+    IntRange intRange;
+    FloatRange floatRange;
+    bool removed = false;  ///< the client sees no such feature
+    bool forced = false;   ///< the model no longer computes the value
+};
+
+/// Not synchronised: the owner's lock covers it.
+class FeatureTable {
+  public:
+    explicit FeatureTable(std::vector<FeatureRow> rows);
+
+    /// What a client sees: null for an unknown or removed name.
+    Feature* find(std::string_view name);
+    /// What the model sees: also removed features. The name must exist.
+    Feature& at(std::string_view name);
+    const Feature& at(std::string_view name) const;
+    bool has(std::string_view name) const { return m_features.find(name) != m_features.end(); }
+
+    /// The value that is selected now.
+    FeatureValue& value(Feature& feature);
+    const FeatureValue& value(const Feature& feature) const;
+    std::int64_t integer(std::string_view name) const;
+    double number(std::string_view name) const;
+    bool flag(std::string_view name) const;
+    /// Integer value under one entry of the selector, whatever is selected now.
+    std::int64_t integer(std::string_view name, std::string_view selectorEntry) const;
+
+    /// For values that the model computes: has no effect on a forced feature.
+    void compute(std::string_view name, FeatureValue value);
+    /// For values that an event brings.
+    void assign(std::string_view name, FeatureValue value);
+
+    /// Is the value within range and on the increment; an enumeration's text an entry? Turns that text into
+    /// its number.
+    static Result accept(const Feature& feature, FeatureValue& value);
+    /// Sets a value from its text form without any check but that the text has the form.
+    Result force(std::string_view name, std::string_view text);
+    /// From here on clients see no such feature.
+    Result remove(std::string_view name);
+
+    /// Features that clients see, by name in alphabetical order.
+    std::vector<const Feature*> visible() const;
+
+  private:
+    std::size_t slot(const Feature& feature) const;
+
+    std::map<std::string, Feature, std::less<>> m_features;
+};
+
+/// The name of an enumeration's value; a text of the library that stays valid.
+const char* entryName(const Feature& feature, const FeatureValue& value);
+
+/// A copy of the text that stays valid for good.
+const char* keptText(std::string_view text);
+
+}  // namespace simulator

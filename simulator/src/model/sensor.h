@@ -1,0 +1,90 @@
+/// When a sensor exposes, and how long a frame's way is.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "camera_row.h"
+#include "clock.h"
+
+namespace simulator {
+
+enum class TriggerKind {
+    FixedRate,  ///< at the set rate, or slower when the sensor cannot
+    Freerun,    ///< as fast as the sensor can
+    Software,
+    External,  ///< a line; nothing is exposed without its signal
+};
+
+/// Geometry of one picture. `format` carries the bits per pixel in its bits 16 to 23.
+struct PictureShape {
+    std::uint32_t width = 1;
+    std::uint32_t height = 1;
+    std::uint32_t offsetX = 0;
+    std::uint32_t offsetY = 0;
+    std::uint32_t format = 0;
+
+    std::uint64_t bitsPerPixel() const { return format >> 16 & 0xFF; }
+    std::uint64_t payload() const { return std::uint64_t{width} * height * bitsPerPixel() / 8; }
+    bool operator==(const PictureShape&) const = default;
+};
+
+/// What the camera's settings make of the next exposure; spans in true time.
+struct SensorSettings {
+    PictureShape shape;
+    TriggerKind trigger = TriggerKind::External;
+    Nanoseconds exposure = 0;
+    Nanoseconds readout = 0;
+    Nanoseconds transfer = 0;
+    Nanoseconds period = 0;          ///< of the set rate
+    Nanoseconds shortestPeriod = 0;  ///< that sensor, exposure and bandwidth permit
+    std::int64_t frameLimit = 0;     ///< frames per acquisition, 0 for no limit
+};
+
+/// Readout of a picture of `rows` rows.
+Nanoseconds readoutTime(const SensorRow& sensor, std::int64_t rows);
+
+/// Time that `payload` bytes need at `bytesPerSecond`; never zero.
+Nanoseconds transferTime(std::uint64_t payload, std::int64_t bytesPerSecond);
+
+/// Highest rate in Hz. `bytesPerSecond` 0: the network does not matter.
+double frameRateLimit(const SensorRow& sensor, const PictureShape& shape, double exposureUs,
+                      std::int64_t bytesPerSecond);
+
+/// Nearest rate whose period is a whole number of microseconds and that is not above `limit`.
+double rateOnGrid(double rate, double limit);
+
+/// The exposures of one acquisition, one after the other. Not synchronised.
+class ExposureAgenda {
+  public:
+    enum class State { Idle, Running, Stopping };
+
+    void start(Nanoseconds now);
+    /// No exposure starts at or after `now`; the acquisition ends with `finish`.
+    void stop(Nanoseconds now);
+    void finish() { m_state = State::Idle; }
+    /// Settings changed: what was not exposed before `now` is not made up for.
+    void settle(Nanoseconds now);
+    void hold(bool hold, Nanoseconds now);
+    void softwareTrigger(Nanoseconds now);
+
+    State state() const { return m_state; }
+    /// True start of the next exposure, if any is due without further signals.
+    std::optional<Nanoseconds> next(const SensorSettings& settings) const;
+    /// Takes the exposure that `next` announced.
+    void expose(Nanoseconds start, const SensorSettings& settings);
+
+  private:
+    /// Between the command and the first exposure.
+    static constexpr Nanoseconds kStartDelay = 4'200;
+
+    State m_state = State::Idle;
+    bool m_held = false;
+    Nanoseconds m_notBefore = 0;
+    Nanoseconds m_stopAt = 0;
+    std::optional<Nanoseconds> m_last;
+    std::optional<Nanoseconds> m_triggered;
+    std::int64_t m_exposed = 0;
+};
+
+}  // namespace simulator

@@ -1,0 +1,269 @@
+#include "simulation.h"
+
+#include <cstdio>
+#include <string_view>
+
+#include "thread_role.h"
+
+namespace simulator {
+
+Simulation::Simulation(SimulatorClock& clock, FrameOutlet& outlet, const std::string& scenario)
+    : m_clock(clock), m_outlet(outlet) {
+    if (const Scenario* known = findScenario(scenario)) {
+        fill(*known);
+    } else {
+        m_unknownScenario = scenario;
+        fill({"", {}});
+        m_scenario = nullptr;
+    }
+}
+
+void Simulation::fill(const Scenario& scenario) {
+    m_scenario = &scenario;
+    m_slots.clear();
+    for (const CameraRow& row : scenario.cameras) {
+        Slot slot;
+        slot.row = &row;
+        slot.faults = std::make_shared<FrameFaults>();
+        slot.camera = powerUp(slot);
+        m_slots.push_back(std::move(slot));
+    }
+    m_system = std::make_shared<SystemModule>(m_clock, [this] { return pluggedIds(); });
+    m_callFaults.clear();
+    m_journal.reset();
+}
+
+std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
+    auto camera = std::make_shared<Camera>(*slot.row, m_clock.now());
+    for (const std::string& feature : slot.removed) camera->features().remove(feature);
+    return camera;
+}
+
+Result Simulation::startup(void* systemHandle) {
+    if (isStarted()) return Result::Success;
+    // A callback must not wait for the shutdown that waits for it.
+    if (currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
+    const std::lock_guard lifecycle(m_lifecycle);
+    if (isStarted()) return Result::Success;
+    if (m_scenario == nullptr) {
+        std::fprintf(stderr, "%s names the scenario \"%s\", but the simulator knows only: %s.\n",
+                     kScenarioVariable, m_unknownScenario.c_str(), scenarioNames().c_str());
+        return Result::Other;
+    }
+    {
+        const Lock lock(m_mutex);
+        m_systemHandle = systemHandle;
+    }
+    m_system->start(systemHandle);
+    m_started = true;
+    return Result::Success;
+}
+
+void Simulation::shutdown() {
+    if (currentThreadRole() != ThreadRole::Host) return;
+    const std::lock_guard lifecycle(m_lifecycle);
+    if (!isStarted()) return;
+    m_started = false;
+    m_system->stop();
+    for (const auto& session : sessions()) session->close();
+    const Lock lock(m_mutex);
+    m_sessions.clear();
+    for (Slot& slot : m_slots) slot.session.reset();
+}
+
+const char* Simulation::scenarioName() const {
+    const Lock lock(m_mutex);
+    return m_scenario != nullptr ? m_scenario->name : "";
+}
+
+Result Simulation::loadScenario(const std::string& name) {
+    const Scenario* scenario = findScenario(name);
+    if (scenario == nullptr) return Result::NotFound;
+    if (isStarted() || currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
+    const std::lock_guard lifecycle(m_lifecycle);
+    if (isStarted()) return Result::InvalidCall;
+    // Dies behind the lock, since it takes its own, which is taken before this one elsewhere.
+    const std::shared_ptr<SystemModule> former = system();
+    const Lock lock(m_mutex);
+    fill(*scenario);
+    return Result::Success;
+}
+
+std::vector<const CameraRow*> Simulation::foundCameras() {
+    std::vector<const CameraRow*> cameras;
+    const std::vector<std::string> ids = system()->found();
+    const Lock lock(m_mutex);
+    for (const std::string& id : ids) {
+        if (const Slot* slot = find(id)) cameras.push_back(slot->row);
+    }
+    return cameras;
+}
+
+Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
+    const Lock lock(m_mutex);
+    Slot* slot = findToOpen(id);
+    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    if (slot->session != nullptr) return Result::InvalidAccess;
+    auto session = std::make_shared<CameraSession>(m_clock, slot->camera, slot->faults, m_outlet,
+                                                   mode == OpenMode::Full);
+    void* const fresh = reinterpret_cast<void*>(m_lastHandle + 0x10);
+    session->hold(slot->held);
+    session->start(fresh);
+    m_sessions.emplace(fresh, session);
+    m_lastHandle += 0x10;
+    slot->session = std::move(session);
+    handle = fresh;
+    return Result::Success;
+}
+
+Result Simulation::close(void* handle) {
+    std::shared_ptr<CameraSession> session = this->session(handle);
+    if (session == nullptr) return Result::BadHandle;
+    if (currentThreadRole() == ThreadRole::Frame || session->isOwnThread()) return Result::InvalidCall;
+    {
+        const Lock lock(m_mutex);
+        if (m_sessions.erase(handle) == 0) return Result::BadHandle;
+    }
+    const bool wasAlive = session->isAlive();
+    session->close();
+    const Lock lock(m_mutex);
+    for (Slot& slot : m_slots) {
+        if (slot.session == session) slot.session.reset();
+    }
+    return wasAlive ? Result::Success : Result::BadHandle;
+}
+
+std::shared_ptr<SystemModule> Simulation::system() const {
+    const Lock lock(m_mutex);
+    return m_system;
+}
+
+std::shared_ptr<FeatureModule> Simulation::module(void* handle) {
+    const Lock lock(m_mutex);
+    if (handle != nullptr && handle == m_systemHandle) return m_system;
+    const auto found = m_sessions.find(handle);
+    return found != m_sessions.end() ? found->second : nullptr;
+}
+
+std::shared_ptr<CameraSession> Simulation::session(void* handle) {
+    const Lock lock(m_mutex);
+    const auto found = m_sessions.find(handle);
+    return found != m_sessions.end() ? found->second : nullptr;
+}
+
+Result Simulation::session(const std::string& id, std::shared_ptr<CameraSession>& session) {
+    const Lock lock(m_mutex);
+    const Slot* slot = find(id);
+    if (slot == nullptr) return Result::NotFound;
+    session = slot->session;
+    return session != nullptr ? Result::Success : Result::DeviceNotOpen;
+}
+
+Simulation::Slot* Simulation::find(const std::string& id) {
+    for (Slot& slot : m_slots) {
+        if (id == slot.row->id) return &slot;
+    }
+    return nullptr;
+}
+
+Simulation::Slot* Simulation::findToOpen(const std::string& id) {
+    for (Slot& slot : m_slots) {
+        if (id == slot.row->serial || "DEV_" + id == slot.row->id) return &slot;
+    }
+    return find(id);
+}
+
+std::vector<std::string> Simulation::pluggedIds() {
+    const Lock lock(m_mutex);
+    std::vector<std::string> ids;
+    for (const Slot& slot : m_slots) {
+        if (slot.camera != nullptr) ids.emplace_back(slot.row->id);
+    }
+    return ids;
+}
+
+std::vector<std::shared_ptr<CameraSession>> Simulation::sessions() {
+    const Lock lock(m_mutex);
+    std::vector<std::shared_ptr<CameraSession>> all;
+    for (const auto& [handle, session] : m_sessions) all.push_back(session);
+    return all;
+}
+
+Result Simulation::plug(const std::string& id, bool plugged) {
+    std::shared_ptr<CameraSession> cut;
+    {
+        const Lock lock(m_mutex);
+        Slot* slot = find(id);
+        if (slot == nullptr) return Result::NotFound;
+        if (plugged == (slot->camera != nullptr)) return Result::Success;
+        slot->camera = plugged ? powerUp(*slot) : nullptr;
+        cut = std::move(slot->session);
+        slot->session.reset();
+    }
+    if (cut != nullptr) cut->disconnect();
+    system()->onCabling();
+    return Result::Success;
+}
+
+Result Simulation::raiseDiscovery(const std::string& event, const std::string& ident) {
+    if (!isStarted()) return Result::ApiNotStarted;
+    system()->raise(event, ident);
+    return Result::Success;
+}
+
+Result Simulation::removeFeature(const char* id, const std::string& feature) {
+    if (id == nullptr) return system()->remove(feature);
+    const Lock lock(m_mutex);
+    Slot* slot = find(id);
+    if (slot == nullptr) return Result::NotFound;
+    const std::shared_ptr<Camera> camera = slot->camera != nullptr ? slot->camera : powerUp(*slot);
+    const Lock cameraLock(camera->mutex());
+    const Result removed = camera->features().remove(feature);
+    if (removed == Result::Success) slot->removed.insert(feature);
+    return removed;
+}
+
+Result Simulation::forceFeature(const char* id, const std::string& feature, const std::string& text) {
+    if (id == nullptr) return system()->force(feature, text);
+    const Lock lock(m_mutex);
+    const Slot* slot = find(id);
+    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    {
+        const Lock cameraLock(slot->camera->mutex());
+        const Result forced = slot->camera->features().force(feature, text);
+        if (forced != Result::Success) return forced;
+        slot->camera->settle();
+    }
+    if (slot->session != nullptr) slot->session->settle();
+    return Result::Success;
+}
+
+Result Simulation::holdSensor(const std::string& id, bool hold) {
+    const Lock lock(m_mutex);
+    Slot* slot = find(id);
+    if (slot == nullptr) return Result::NotFound;
+    slot->held = hold;
+    if (slot->session != nullptr) slot->session->hold(hold);
+    return Result::Success;
+}
+
+std::shared_ptr<FrameFaults> Simulation::frameFaults(const std::string& id) {
+    const Lock lock(m_mutex);
+    const Slot* slot = find(id);
+    return slot != nullptr ? slot->faults : nullptr;
+}
+
+void Simulation::clearFaults() {
+    m_callFaults.clear();
+    const Lock lock(m_mutex);
+    for (Slot& slot : m_slots) slot.faults->clear();
+}
+
+Result Simulation::waitForEvents(Nanoseconds deadline) {
+    if (currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
+    bool idle = system()->events().waitUntilIdle(deadline);
+    for (const auto& session : sessions()) idle = session->waitForEvents(deadline) && idle;
+    return idle ? Result::Success : Result::Timeout;
+}
+
+}  // namespace simulator

@@ -1,0 +1,49 @@
+// Listing, opening and closing cameras.
+#include "vendor_call.h"
+
+using namespace simulator;
+
+namespace {
+
+VmbCameraInfo_t cameraInfo(const CameraRow* row) {
+    VmbCameraInfo_t info{};
+    info.cameraIdString = row->id;
+    info.cameraName = row->model;
+    info.modelName = row->model;
+    info.serialString = row->serial;
+    info.permittedAccess = VmbAccessModeFull | VmbAccessModeRead;
+    info.interfaceIdString = row->interfaceId;
+    return info;
+}
+
+Result open(Simulation& all, const char* id, VmbAccessMode_t mode, VmbHandle_t* handle) {
+    if (currentThreadRole() == ThreadRole::Frame) return Result::InvalidCall;
+    const bool oneBit = mode != 0 && (mode & (mode - 1)) == 0 && mode <= VmbAccessModeLite;
+    if (!oneBit) return Result::BadParameter;
+    if (mode != VmbAccessModeFull && mode != VmbAccessModeRead) return Result::InvalidAccess;
+    return all.open(id, mode == VmbAccessModeFull ? OpenMode::Full : OpenMode::Read, *handle);
+}
+
+}  // namespace
+
+VmbError_t VmbCamerasList(VmbCameraInfo_t* array, VmbUint32_t length, VmbUint32_t* found,
+                          VmbUint32_t sizeofInfo) {
+    return vendorCall("VmbCamerasList", {length, sizeofInfo}, {found}, [&] {
+        const Given given{found != nullptr, array == nullptr || sizeofInfo == sizeof *array};
+        return withLibrary(given, [&](Simulation& all) {
+            return fillList(all.foundCameras(), array, length, found, cameraInfo);
+        });
+    });
+}
+
+VmbError_t VmbCameraOpen(const char* id, VmbAccessMode_t accessMode, VmbHandle_t* handle) {
+    return vendorCall("VmbCameraOpen", {id, accessMode}, {handle}, [&] {
+        return withLibrary({id != nullptr && handle != nullptr},
+                           [&](Simulation& all) { return open(all, id, accessMode, handle); });
+    });
+}
+
+VmbError_t VmbCameraClose(const VmbHandle_t handle) {
+    return vendorCall("VmbCameraClose", {handle}, {},
+                      [&] { return withLibrary({}, [&](Simulation& all) { return all.close(handle); }); });
+}

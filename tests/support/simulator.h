@@ -1,0 +1,53 @@
+/// The camera simulator in the hands of a test. Header only: a test that uses it links the simulator.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "vimba_simulator.h"
+
+namespace test_support {
+
+inline constexpr const char* kColourCamera = "DEV_000F31A10001";
+inline constexpr const char* kMonochromeCamera = "DEV_000F31A10002";
+
+/// Long enough that only a hang runs into it.
+inline constexpr std::uint32_t kPatienceMs = 30'000;
+
+/// Loads a scenario afresh. To be made before the library is started and destroyed after it was shut down.
+class Simulator {
+  public:
+    explicit Simulator(const char* scenario = "two-cameras") { VmbSimLoadScenario(scenario); }
+    ~Simulator() {
+        VmbSimJournalStop();
+        VmbSimClearFaults();
+    }
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
+
+    /// The journal's lines of one thread kind ("host", "frame", "event", "discovery"), without the bracket.
+    static std::vector<std::string> journal(const std::string& thread = "host") {
+        std::string text(VmbSimJournalText(nullptr, 0), '\0');
+        VmbSimJournalText(text.data(), text.size());
+        std::vector<std::string> lines;
+        std::istringstream stream(text.c_str());
+        const std::string bracket = "[" + thread + "] ";
+        for (std::string line; std::getline(stream, line);) {
+            if (line.rfind(bracket, 0) == 0) lines.push_back(line.substr(bracket.size()));
+        }
+        return lines;
+    }
+
+    /// Vendor functions of the journal's host lines, in order.
+    static std::vector<std::string> calledFunctions() {
+        std::vector<std::string> functions = journal();
+        for (std::string& line : functions) line.resize(line.find('('));
+        return functions;
+    }
+};
+
+}  // namespace test_support
