@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config_item_constraints.h"
+#include "config_item_variant.h"
+
+namespace channel_config {
+
+/// One channel as the host sees it: its settings by key. Shared by reference count; it may outlive the
+/// plug-in, and then answers from its last known values.
+///
+/// [host threads] Change callbacks come on host threads, one call per key, with no lock of the plug-in's
+/// held but the plug-in mutex: from one the host may use channel configurations, not plug-in operations.
+class IfChannelConfig {
+  public:
+    using ChangeCallback = std::function<void(const std::string& key)>;
+
+    virtual ~IfChannelConfig() = default;
+    /// Keys of the settings available now, in registration order. The reference stays valid as long as the
+    /// channel; a later change makes a new list.
+    virtual const std::vector<std::string>& getKeys() = 0;
+    /// An event of the host; without effect.
+    virtual void onHostEvent(const void* event) = 0;
+    virtual bool hasKey(const std::string& key) = 0;
+    /// The setting's value; an InvalidConfigItem for an unknown key or a value that cannot be had, with the
+    /// reason as its text.
+    virtual config_items::ConfigItemVariant getItem(const std::string& key) = 0;
+    /// What a value must satisfy, built anew on each call; empty for an unknown key.
+    virtual std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>> getConstraints(
+        const std::string& key) = 0;
+    /// Sets a value; false when the key is unknown or the value was not accepted.
+    virtual bool setItem(const std::string& key, const config_items::ConfigItemVariant& value) = 0;
+    /// Sets the callback that is told of changed settings; returns the previous one. Empty switches it off.
+    virtual ChangeCallback setChangeCallback(ChangeCallback callback) = 0;
+};
+
+}  // namespace channel_config

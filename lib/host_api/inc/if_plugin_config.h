@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "config_item_constraints.h"
+#include "config_item_variant.h"
+
+namespace zelt {
+
+/// Plug-in-wide settings by key.
+class IfPluginConfig {
+  public:
+    virtual ~IfPluginConfig() = default;
+    /// Stores a value under a known key; false for an unknown one.
+    virtual bool setItem(const std::string& key, const config_items::ConfigItemVariant& value) = 0;
+    /// The value; an InvalidConfigItem for an unknown key.
+    virtual config_items::ConfigItemVariant getItem(const std::string& key) = 0;
+    virtual bool hasItem(const std::string& key) = 0;
+    virtual std::vector<std::string> getKeys() = 0;
+    /// What the value must satisfy; empty for an unknown key. Nothing here enforces it.
+    virtual std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>> getConstraints(
+        const std::string& key) = 0;
+    /// The value that a set request would store.
+    virtual config_items::ConfigItemVariant adaptItem(const std::string& key,
+                                                      const config_items::ConfigItemVariant& value) = 0;
+};
+
+}  // namespace zelt
