@@ -1,0 +1,180 @@
+/// Options: the settings of a channel, each answering whether it is available, what its value is, whether it
+/// takes a new one, and which constraints apply.
+///
+/// Options do not lock. What they are given (callables, flags) guards its own data.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "channel_config_types.h"
+#include "config_item_constraints.h"
+#include "config_item_variant.h"
+#include "if_channel_config.h"
+#include "mutex.h"
+
+namespace zelt::plugin_util {
+
+/// A change callback shared between a configuration and its options; null for none.
+using SharedChangeCallback = std::shared_ptr<const channel_config::IfChannelConfig::ChangeCallback>;
+
+/// Base of all options. The slot order of the virtual operations is part of the contract.
+class ChannelConfigOption {
+  public:
+    using Constraints = std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>>;
+
+    explicit ChannelConfigOption(std::string key);
+    ChannelConfigOption(const ChannelConfigOption&) = delete;
+    ChannelConfigOption& operator=(const ChannelConfigOption&) = delete;
+
+    virtual bool isAvailable() const = 0;
+    virtual config_items::ConfigItemVariant getItem() const = 0;
+    /// True when the value was accepted.
+    virtual bool setItem(const config_items::ConfigItemVariant& value) = 0;
+    /// Built anew on each call.
+    virtual Constraints getConstraints() const = 0;
+    virtual ~ChannelConfigOption();
+
+    const std::string& getKey() const { return m_key; }
+
+    /// Replaces the change callback. [any thread]
+    void connect(SharedChangeCallback callback);
+    /// Tells the host through the callback connected that this setting changed, on the calling thread; what
+    /// the callback throws passes on. [host] To be called with no lock held. No option calls it by itself.
+    void notifyChanged() const;
+
+  private:
+    const std::string m_key;
+    mutable platform::Mutex m_mutex;
+    SharedChangeCallback m_callback ZELT_GUARDED_BY(m_mutex);
+};
+
+/// The item alternative that carries a value of type T.
+template <class T>
+struct OptionItem {
+    using Type = config_items::SingleValueConfigItem<T>;
+};
+template <>
+struct OptionItem<config_items::ScalarConfigItem> {
+    using Type = config_items::ScalarConfigItem;
+};
+template <>
+struct OptionItem<config_items::ConfigItemVariant> {
+    using Type = config_items::ConfigItemVariant;
+};
+
+/// A setting computed and applied by callables. T: bool, std::string, ScalarConfigItem or ConfigItemVariant.
+template <class T>
+class GenericOption : public ChannelConfigOption {
+  public:
+    /// Each may be empty. They run on host threads.
+    struct Callables {
+        /// Empty: always available.
+        std::function<bool()> isAvailable = {};
+        /// A standard exception, also that of calling an empty getter, becomes an InvalidConfigItem with its
+        /// text. Any other exception would reach the host and must not be thrown.
+        std::function<T()> get = {};
+        /// Empty: no value is accepted. Whatever it throws counts as refused.
+        std::function<bool(const T&)> set = {};
+        /// Empty: no constraints.
+        std::function<Constraints()> getConstraints = {};
+    };
+
+    GenericOption(std::string key, Callables callables);
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    /// Accepts only the alternative of T; for the union every alternative reaches the setter.
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+    Constraints getConstraints() const override;
+
+  private:
+    const Callables m_callables;
+};
+
+extern template class GenericOption<bool>;
+extern template class GenericOption<std::string>;
+extern template class GenericOption<config_items::ScalarConfigItem>;
+extern template class GenericOption<config_items::ConfigItemVariant>;
+
+/// A fixed value, read-only. T: std::string, bool or an enumeration.
+template <class T>
+class ConstantGenericOption : public ChannelConfigOption {
+  public:
+    ConstantGenericOption(std::string key, T value);
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+    Constraints getConstraints() const override;
+
+  private:
+    const T m_value;
+};
+
+extern template class ConstantGenericOption<std::string>;
+extern template class ConstantGenericOption<bool>;
+extern template class ConstantGenericOption<channel_config::DAQChannelType>;
+extern template class ConstantGenericOption<channel_config::SampleOccurrenceType>;
+extern template class ConstantGenericOption<channel_config::DAQSampleResolution>;
+
+/// The channel's "used" switch. Current value first among the choices.
+class ChannelUsedOption : public ChannelConfigOption {
+  public:
+    /// `used` is the channel's flag and must outlive the option. A locked switch accepts its current value
+    /// only. The listener, if any, is told of every change after the flag was written; when it throws the
+    /// flag stays and the value counts as refused.
+    ChannelUsedOption(std::string key, std::atomic<bool>& used, bool locked,
+                      std::function<void(bool)> listener = {});
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+    Constraints getConstraints() const override;
+
+  private:
+    std::atomic<bool>& m_used;
+    const bool m_locked;
+    const std::function<void(bool)> m_listener;
+};
+
+/// Base of options that hold their value: two properties, reported as constraints in this order.
+class SimpleOptionBase : public ChannelConfigOption {
+  public:
+    SimpleOptionBase(std::string key, bool readOnly, bool configurableDuringAcquisition);
+
+    Constraints getConstraints() const override;
+
+  protected:
+    bool isReadOnly() const { return m_read_only; }
+
+  private:
+    const bool m_read_only;
+    const bool m_configurable_during_acquisition;
+};
+
+/// A stored text. The value is not guarded: only one that is read-only may be read while others set.
+class SimpleStringOption : public SimpleOptionBase {
+  public:
+    using Listener = std::function<void(const std::string& key, const std::string& value)>;
+
+    /// An empty availability callable: always available. The listener, if any, is told of every value set,
+    /// after it was stored; when it throws the value stays and counts as refused.
+    SimpleStringOption(std::string key, std::string value, bool readOnly, bool configurableDuringAcquisition,
+                       std::function<bool()> availability = {}, Listener listener = {});
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    /// Refuses when read-only.
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+
+  private:
+    std::string m_value;
+    const std::function<bool()> m_availability;
+    const Listener m_listener;
+};
+
+}  // namespace zelt::plugin_util

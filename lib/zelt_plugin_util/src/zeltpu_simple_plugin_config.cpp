@@ -1,0 +1,55 @@
+#include "zeltpu_simple_plugin_config.h"
+
+#include <utility>
+
+#include "assertion.h"
+
+namespace zelt::plugin_util {
+namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_plugin_config";
+constexpr const char* kUnknownKey = "key not found. config item does not exist.";
+
+}  // namespace
+
+using config_items::ConfigItemVariant;
+
+void SimplePluginConfig::addItem(const std::string& key, ConfigItemVariant item, Constraints constraints) {
+    if (!hasItem(key)) m_keys.push_back(key);
+    m_items[key] = std::move(item);
+    m_constraints[key] = std::move(constraints);
+}
+
+bool SimplePluginConfig::setItem(const std::string& key, const ConfigItemVariant& value) {
+    const auto it = m_items.find(key);
+    ZELT_ASSERT_AS(it != m_items.end(), "it != m_items.end()", kSourcePath, "%s", kUnknownKey);
+    if (it == m_items.end()) return false;
+    it->second = adaptItem(key, value);
+    return true;
+}
+
+ConfigItemVariant SimplePluginConfig::getItem(const std::string& key) {
+    const auto it = m_items.find(key);
+    ZELT_ASSERT_AS(it != m_items.end(), "it != m_items.end()", kSourcePath, "%s", kUnknownKey);
+    if (it == m_items.end()) return config_items::InvalidConfigItem();
+    return it->second;
+}
+
+bool SimplePluginConfig::hasItem(const std::string& key) {
+    return m_items.contains(key);
+}
+
+std::vector<std::string> SimplePluginConfig::getKeys() {
+    return m_keys;
+}
+
+SimplePluginConfig::Constraints SimplePluginConfig::getConstraints(const std::string& key) {
+    const auto it = m_constraints.find(key);
+    return it != m_constraints.end() ? it->second : Constraints();
+}
+
+ConfigItemVariant SimplePluginConfig::adaptItem(const std::string&, const ConfigItemVariant& value) {
+    return value;
+}
+
+}  // namespace zelt::plugin_util
