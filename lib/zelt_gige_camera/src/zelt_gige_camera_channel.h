@@ -1,0 +1,124 @@
+/// One camera as the host sees it.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "clocks.h"
+#include "if_channel_messages.h"
+#include "zelt_gige_camera_api.h"
+#include "zelt_gige_camera_channel_capture.h"
+#include "zelt_gige_camera_channel_frame_receiver.h"
+#include "zelt_gige_camera_channel_messages.h"
+#include "zelt_gige_camera_channel_settings.h"
+#include "zelt_gige_channel_owner.h"
+#include "zeltpu_simple_channel_config.h"
+
+namespace zelt_gige_camera {
+
+/// A camera's settings, its lifecycle from open to close, and the reception of its frames: a façade over the
+/// zelt_gige_camera_channel_... pieces, and the only holder of the channel's mutex.
+///
+/// The mutex guards the state, every feature access and the delivery of frames. It is not held over calls
+/// that may wait for a camera callback (open, close, start and end of capture, start and abort of the
+/// acquisition), nor while the host is told of a change or a message.
+///
+/// States: closed; open; capturing (after prepareAndStartCapture); acquiring (after startAcquisition). A
+/// camera that vanished stays in its state until it is stopped and closed.
+class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
+                            public zelt_gige_api::IfCameraCallback,
+                            public zelt::IfChannelMessages {
+  public:
+    /// Opens the camera; when that fails, the failure is reported and the channel stays closed. `hostValue`
+    /// is the host's and not interpreted. `counter` must outlive the channel.
+    CameraChannel(channel_config::ChannelID id, const zelt_gige_api::CameraInfo& camera,
+                  std::shared_ptr<IfChannelOwner> owner, std::shared_ptr<zelt_gige_api::CameraApi> api,
+                  std::uint64_t hostValue,
+                  platform::PerformanceCounter& counter = platform::systemPerformanceCounter());
+    ~CameraChannel() override;
+
+    const std::string& getCameraId() const { return m_identity.cameraId; }
+    bool isUsed() const { return m_used; }
+    bool isConnected() const { return m_connected; }
+    /// Bytes per second; 0 when not used. [any thread] Takes no lock.
+    std::uint64_t getRequiredBandwidth() const { return m_required_bandwidth; }
+
+    /// [host] Opens the camera if need be, configures it and starts capture. True for a channel that is not
+    /// used. Throws exception_manager::Exception when the camera cannot be opened; any other failure is
+    /// reported and gives false.
+    bool prepareAndStartCapture();
+    /// [host] Starts the acquisition of a prepared camera. Nothing happens in a channel that is not used.
+    /// Throws exception_manager::Exception.
+    void startAcquisition();
+    /// [host] Stops the camera's acquisition; capture goes on. Throws CameraApiError.
+    void stopAcquisition();
+    /// [host] Ends capture, if it runs.
+    void stopCapture();
+    /// [host] Closes the camera, if it is open, whatever state it is in. Never throws.
+    void close() noexcept;
+    /// [host] Closes for good: the channel leaves the plug-in, even in the middle of an acquisition.
+    void retire() noexcept;
+    /// [host] The host's acquisition was prepared (true) or has finished (false).
+    void setAcquisitionStarted(bool started);
+
+    /// [host] The sink is not owned; null for none. After this returned, the old one is not called again.
+    void setSink(zelt::IfChannelSink* sink);
+    /// [host] The host's time base, empty for none.
+    void setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock);
+    /// [discovery] The camera is gone. Takes neither the plug-in's nor the channel's mutex.
+    void onDisconnected() noexcept;
+
+    void onAcquisitionStarted(zelt_gige_api::CameraHandle handle, std::uint64_t timestamp,
+                              std::uint64_t frameid) override;
+    void onAcquisitionEnded(zelt_gige_api::CameraHandle handle, std::uint64_t timestamp,
+                            std::uint64_t frameid) override;
+    void onFrameReceived(zelt_gige_api::CameraHandle handle,
+                         const zelt_gige_api::CameraFrame& frame) override;
+
+    bool getLastMessage(exception_manager::Exception& out) override;
+    void setMessageListener(MessageListener listener) override;
+
+  private:
+    using Keys = std::vector<std::string>;
+
+    void open();
+    void configureOpened(zelt_gige_api::CameraHandle handle);
+    void openAgainIfNeeded();
+    void applyConfiguration(Keys& changed) ZELT_REQUIRES(m_state.mutex);
+    void writePendingFormat() ZELT_REQUIRES(m_state.mutex);
+    void writeBandwidthShare() ZELT_REQUIRES(m_state.mutex);
+    void updateCaches(Keys& changed) ZELT_REQUIRES(m_state.mutex);
+    void updateBandwidth() ZELT_REQUIRES(m_state.mutex);
+    bool programTrigger(Keys& changed);
+    bool startCapture();
+    void setCaptureFailed(bool failed);
+    void beginAcquisition();
+    void endStreaming();
+
+    zelt_gige_api::CameraHandle deviceHandle();
+    exception_manager::Exception report(const std::string& messageTemplate, const std::string& detail = {});
+    bool reportNotConfigured(const char* logPrefix, const std::string& detail);
+    void notify(const Keys& keys);
+
+    const ChannelIdentity m_identity;
+    const std::shared_ptr<IfChannelOwner> m_owner;
+    const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
+    [[maybe_unused]] const std::uint64_t m_host_value;
+    platform::PerformanceCounter& m_counter;
+
+    std::atomic<bool> m_used{true};
+    std::atomic<bool> m_connected{false};
+    std::atomic<bool> m_acquisition_started{false};
+    std::atomic<std::uint64_t> m_required_bandwidth{0};
+    CameraCapture m_capture;
+    ChannelMessages m_messages;
+
+    GuardedState m_state;
+    zelt_gige_api::CameraHandle m_device_handle ZELT_GUARDED_BY(m_state.mutex) = 0;
+    FrameReceiver m_receiver ZELT_GUARDED_BY(m_state.mutex);
+    double m_clock_rate ZELT_GUARDED_BY(m_state.mutex);
+};
+
+}  // namespace zelt_gige_camera

@@ -1,0 +1,145 @@
+// Construction of a channel, its dealings with the host, and the camera's callbacks.
+#include <limits>
+#include <utility>
+
+#include "assertion.h"
+#include "zelt_gige_camera_channel.h"
+#include "zelt_gige_camera_channel_bandwidth.h"
+#include "zelt_gige_log.h"
+
+namespace zelt_gige_camera {
+namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_host";
+constexpr const char* kMessageSource = "ZELT_GIGE_CAMERA";
+
+/// Model and serial number, so that messages about two cameras of one model can be told apart.
+std::string cameraName(const zelt_gige_api::CameraInfo& camera) {
+    if (camera.modelName.empty() && camera.serialNumber.empty()) return camera.cameraId;
+    if (camera.serialNumber.empty()) return camera.modelName;
+    return camera.modelName + " (" + camera.serialNumber + ")";
+}
+
+ChannelIdentity identityOf(channel_config::ChannelID id, const zelt_gige_api::CameraInfo& camera) {
+    return {id, camera.cameraId, cameraName(camera),
+            camera.vendor + "/" + camera.modelName + "/" + camera.serialNumber};
+}
+
+}  // namespace
+
+CameraChannel::CameraChannel(channel_config::ChannelID id, const zelt_gige_api::CameraInfo& camera,
+                             std::shared_ptr<IfChannelOwner> owner,
+                             std::shared_ptr<zelt_gige_api::CameraApi> api, std::uint64_t hostValue,
+                             platform::PerformanceCounter& counter)
+    : m_identity(identityOf(id, camera)),
+      m_owner(std::move(owner)),
+      m_api(std::move(api)),
+      m_host_value(hostValue),
+      m_counter(counter),
+      m_capture(*m_api, m_identity.name),
+      m_receiver(counter),
+      m_clock_rate(std::numeric_limits<double>::quiet_NaN()) {
+    GIGE_LOG(Detail) << "Initializing camera '" << m_identity.name << "' with path '" << m_identity.path
+                     << "'";
+    const auto usedChanged = [this](bool) {
+        const platform::MutexLock lock(m_state.mutex);
+        updateBandwidth();
+    };
+    for (auto& option : makeChannelOptions(m_identity, m_state, m_used, usedChanged)) {
+        addOption(std::move(option));
+    }
+    try {
+        open();
+    } catch (const exception_manager::Exception&) {
+        // Reported. One camera that is busy must not hide the others; prepare tries again.
+    }
+}
+
+CameraChannel::~CameraChannel() {
+    retire();
+}
+
+void CameraChannel::setAcquisitionStarted(bool started) {
+    const platform::MutexLock lock(m_state.mutex);
+    m_acquisition_started = started;
+}
+
+void CameraChannel::setSink(zelt::IfChannelSink* sink) {
+    const platform::MutexLock lock(m_state.mutex);
+    m_receiver.setSink(sink);
+}
+
+void CameraChannel::setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock) {
+    const platform::MutexLock lock(m_state.mutex);
+    m_clock_rate = clock != nullptr ? clock->getRate() : std::numeric_limits<double>::quiet_NaN();
+    m_receiver.setMasterClock(std::move(clock));
+}
+
+void CameraChannel::onDisconnected() noexcept {
+    m_connected = false;
+    try {
+        report("Camera %1 is no longer connected");
+    } catch (...) {
+        // Nobody on the discovery thread could do anything about it.
+    }
+}
+
+void CameraChannel::updateBandwidth() {
+    ChannelState& state = m_state.values;
+    state.bandwidthLimitedFrameRate = bandwidthLimitedFrameRate(state.streamBytesPerSecond, state.payload());
+    const double rate = state.triggerModeIsAux ? 0.0 : state.frameRate;
+    m_required_bandwidth = m_used ? requiredBandwidth(state.payload(), rate) : 0;
+}
+
+void CameraChannel::onAcquisitionStarted(zelt_gige_api::CameraHandle handle, std::uint64_t timestamp,
+                                         std::uint64_t frameid) {
+    GIGE_LOG(Detail) << "Camera " << m_identity.name << " received onAcquisitionStarted at " << timestamp
+                     << " with frame #" << frameid;
+    const platform::MutexLock lock(m_state.mutex);
+    ZELT_ASSERT_AS(handle == m_device_handle, "handle == m_device_handle", kSourcePath,
+                   "handle !=m_device_handle");
+    m_receiver.setReference(timestamp, frameid);
+}
+
+void CameraChannel::onAcquisitionEnded(zelt_gige_api::CameraHandle, std::uint64_t timestamp, std::uint64_t) {
+    GIGE_LOG(Debug) << "Camera " << m_identity.name << " received onAcquisitionEnded at " << timestamp;
+    const platform::MutexLock lock(m_state.mutex);
+    m_receiver.stop();
+}
+
+void CameraChannel::onFrameReceived(zelt_gige_api::CameraHandle, const zelt_gige_api::CameraFrame& frame) {
+    const std::int64_t arrived = m_counter.now();
+    try {
+        const platform::MutexLock lock(m_state.mutex);
+        m_receiver.receive(frame, arrived);
+    } catch (const std::exception& error) {
+        GIGE_LOG(Error) << "Camera " << m_identity.name << " lost frame #" << frame.frameid << ": "
+                        << error.what();
+    } catch (...) {
+        GIGE_LOG(Error) << "Camera " << m_identity.name << " lost frame #" << frame.frameid;
+    }
+}
+
+bool CameraChannel::getLastMessage(exception_manager::Exception& out) {
+    return m_messages.getLast(out);
+}
+
+void CameraChannel::setMessageListener(MessageListener listener) {
+    m_messages.setListener(std::move(listener));
+}
+
+exception_manager::Exception CameraChannel::report(const std::string& messageTemplate,
+                                                   const std::string& detail) {
+    GIGE_LOG(Error) << messageTemplate;
+    exception_manager::Exception message(0, messageTemplate, kMessageSource);
+    message.addArgument("Camera Name", m_identity.name);
+    if (!detail.empty()) message.addArgument("Exception Argument", detail);
+    m_messages.post(message);
+    return message;
+}
+
+void CameraChannel::notify(const Keys& keys) {
+    for (const std::string& key : keys) notifyChanged(key);
+}
+
+}  // namespace zelt_gige_camera

@@ -1,0 +1,88 @@
+/// The one object through which the host drives the whole library.
+#pragma once
+
+#include <atomic>
+#include <exception>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "mutex.h"
+#include "zelt_gige_camera_api.h"
+#include "zelt_gige_channel_map.h"
+#include "zeltpu_daq_plugin_base.h"
+#include "zeltpu_service_factory.h"
+#include "zeltpu_simple_plugin_config.h"
+
+namespace zelt_gige_camera {
+
+/// Owns the camera API and one channel per camera, and passes every host request on to the channels. See
+/// zelt::IfDAQPlugin for what each operation promises.
+///
+/// The plug-in mutex serialises all work on the channel map. The discovery callbacks and findChannelId walk
+/// the published snapshot instead, since they may come while a host call holds it.
+class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
+                           public zelt_gige_api::IfDiscoveryCallback {
+  public:
+    /// `api` may be empty; then initialize fails.
+    CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api);
+    /// Stops, closes and shuts down whatever is still running; never throws.
+    ~CameraPlugin() override;
+
+    const char* getDisplayName() override;
+    boost::uuids::uuid getPluginId() override;
+    bool createServices() override;
+    bool initialize() override;
+    bool isSupported() override;
+    void terminate() override;
+    std::shared_ptr<zelt::IfPluginConfig> getPluginConfig() override;
+    void onHostEvent(const void* event) override;
+    void enumerateDevices() override;
+    plugin_api::IfServiceFactory* getServiceFactory() override;
+    void setHostValue(std::uint64_t value) override;
+    void setChannelSink(std::uint32_t channelId, zelt::IfChannelSink* sink) override;
+    void clearChannelSinks() override;
+    std::set<std::uint32_t> getChannelIds() override;
+    std::uint32_t findChannelId(const std::string& key) override;
+    bool prepareAcquisition() override;
+    bool isAcquiring() override;
+    bool isReadyForAcquisition() override;
+    bool startAcquisition() override;
+    bool stopAcquisition() override;
+    bool onAcquisitionPrepared() override;
+    bool onAcquisitionFinished() override;
+    bool processAcquisition() override;
+    std::shared_ptr<channel_config::IfChannelConfig> getChannelConfig(std::uint32_t channelId) override;
+    void setSharedAcquisitionObject(std::shared_ptr<zelt::IfMasterClock> clock) override;
+    bool checkChannelSettings(const std::vector<std::uint32_t>& channelIds, bool flag) override;
+    std::shared_ptr<channel_config::IfChannelConfig> getChannel(std::uint32_t channelId) override;
+    double getNominalRate() override;
+
+    void onCameraAdded(const std::string& cameraId) override;
+    void onCameraRemoved(const std::string& cameraId) override;
+
+  private:
+    void publish() ZELT_REQUIRES(m_mutex);
+    void removeVanished(const std::vector<zelt_gige_api::CameraInfo>& cameras) ZELT_REQUIRES(m_mutex);
+    void addNew(const std::vector<zelt_gige_api::CameraInfo>& cameras, std::uint32_t nextId)
+        ZELT_REQUIRES(m_mutex);
+    void warnOfFrameCounters();
+    std::exception_ptr stopChannels() ZELT_REQUIRES(m_mutex);
+    void undoStart(const std::vector<std::shared_ptr<CameraChannel>>& started) ZELT_REQUIRES(m_mutex);
+    void closeChannels() ZELT_REQUIRES(m_mutex);
+    std::shared_ptr<CameraChannel> findChannel(std::uint32_t channelId) ZELT_REQUIRES(m_mutex);
+
+    const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
+    platform::Mutex m_mutex;
+    ChannelMap m_channels ZELT_GUARDED_BY(m_mutex);
+    std::atomic<bool> m_acquiring{false};
+    std::atomic<bool> m_initialized{false};
+    std::shared_ptr<zelt::IfMasterClock> m_master_clock ZELT_GUARDED_BY(m_mutex);
+    const std::shared_ptr<zelt::plugin_util::SimplePluginConfig> m_config;
+    zeltpu::ServiceFactory* m_service_factory ZELT_GUARDED_BY(m_mutex) = nullptr;
+    std::atomic<std::uint64_t> m_host_value{0};
+    const std::shared_ptr<PublishedChannels> m_published = std::make_shared<PublishedChannels>();
+};
+
+}  // namespace zelt_gige_camera

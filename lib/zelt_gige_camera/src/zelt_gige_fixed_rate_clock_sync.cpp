@@ -1,0 +1,54 @@
+#include "zelt_gige_fixed_rate_clock_sync.h"
+
+#include "assertion.h"
+
+namespace zelt_gige_camera {
+namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_fixed_rate_clock_sync";
+
+std::int64_t roundToNearest(const Rational& value) {
+    const std::int64_t whole = value.numerator() / value.denominator();
+    const Rational rest = value - whole;
+    if (rest >= Rational(1, 2)) return whole + 1;
+    if (rest <= Rational(-1, 2)) return whole - 1;
+    return whole;
+}
+
+}  // namespace
+
+FixedRateClockSync::FixedRateClockSync(Rational tickFrequency, double rate)
+    : ClockSyncBase(tickFrequency, rate), m_resync_interval(roundToNearest(tickFrequency)) {}
+
+std::int64_t FixedRateClockSync::computeTimestamp(const zelt_gige_api::CameraFrame& frame,
+                                                  std::int64_t cameraTime, std::int64_t hostTime) {
+    ZELT_ASSERT_AS(cameraTime >= static_cast<std::int64_t>(frame.timestamp), "camera_time >= frame.timestamp",
+                   kSourcePath);
+    if (isSynchronized()) return timestampFromSync(frame);
+    const double unitsPerTick = m_rate / boost::rational_cast<double>(m_tick_frequency);
+    if (hostTime != 0) {
+        const auto age = signedDifference(static_cast<std::uint64_t>(cameraTime), frame.timestamp);
+        return truncateToTimestamp(static_cast<double>(static_cast<std::uint64_t>(hostTime)) -
+                                   static_cast<double>(age) * unitsPerTick);
+    }
+    const auto sinceStart = signedDifference(frame.timestamp, getReferenceTimestamp());
+    return truncateToTimestamp(static_cast<double>(sinceStart) * unitsPerTick);
+}
+
+std::int64_t FixedRateClockSync::timestampFromSync(const zelt_gige_api::CameraFrame& frame) {
+    if (isSynchronized()) return truncateToTimestamp(estimate(frame.timestamp));
+    ZELT_ASSERT_AS(false, "isSynchronized()", kSourcePath,
+                   "Cannot compute timestamp without reference before synchronization");
+    return 0;
+}
+
+bool FixedRateClockSync::needsSyncPoint(const zelt_gige_api::CameraFrame& frame) const {
+    return !isSynchronized() || signedDifference(frame.timestamp, m_last_sync_timestamp) > m_resync_interval;
+}
+
+void FixedRateClockSync::addSyncPoint(std::int64_t cameraTime, std::int64_t hostTime, double quality) {
+    ClockSyncBase::addSyncPoint(cameraTime, hostTime, quality);
+    m_last_sync_timestamp = static_cast<std::uint64_t>(cameraTime);
+}
+
+}  // namespace zelt_gige_camera

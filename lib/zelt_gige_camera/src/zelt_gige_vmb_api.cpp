@@ -1,0 +1,154 @@
+// Start and stop of the vendor library, and discovery.
+#include "zelt_gige_vmb_api.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include "assertion.h"
+#include "zelt_gige_vmb_call.h"
+
+namespace zelt_gige_api {
+namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_vmb_api";
+constexpr const char* kDiscoveryEvent = "DiscoveryCameraEvent";
+// The library reports no vendor.
+constexpr const char* kVendor = "Allied Vision Technologies";
+
+void discoveryEventThunk(const VmbHandle_t handle, const char* name, void* context) {
+    atVendorBorder("discovery", [=] {
+        static_cast<VimbaCameraApi*>(context)->handleDiscoveryEvent(fromVmb(handle), name);
+    });
+}
+
+std::string textOrEmpty(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+CameraInfo toCameraInfo(const VmbCameraInfo_t& record) {
+    CameraInfo info;
+    info.cameraId = textOrEmpty(record.cameraIdString);
+    info.modelName = textOrEmpty(record.modelName);
+    info.vendor = kVendor;
+    info.serialNumber = textOrEmpty(record.serialString);
+    info.deviceId = deviceIdOf(info.cameraId);
+    return info;
+}
+
+/// Counts a running call for as long as it lives.
+class RunningCall {
+  public:
+    explicit RunningCall(std::atomic<unsigned>& count) : m_count(count) { ++m_count; }
+    ~RunningCall() {
+        --m_count;
+        m_count.notify_all();
+    }
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+
+  private:
+    std::atomic<unsigned>& m_count;
+};
+
+}  // namespace
+
+VimbaCameraApi::VimbaCameraApi(platform::PageAllocator& pages) : m_pages(pages) {}
+
+VimbaCameraApi::~VimbaCameraApi() {
+    VimbaCameraApi::shutdown();
+}
+
+bool VimbaCameraApi::startup() {
+    if (m_started) return true;
+    VmbVersionInfo_t version{};
+    VmbError_t result = VmbVersionQuery(&version, sizeof version);
+    if (result != VmbErrorSuccess) {
+        GIGE_LOG(Error) << "Not able to query Vimba version: " << errorText(result);
+        return false;
+    }
+    result = VmbStartup();
+    if (result != VmbErrorSuccess) {
+        GIGE_LOG(Error) << "Not able to initialize Vimba GIGE Camera API: " << errorText(result);
+        return false;
+    }
+    m_started = true;
+    return true;
+}
+
+void VimbaCameraApi::shutdown() {
+    if (!m_started) return;
+    VmbShutdown();
+    m_started = false;
+}
+
+std::string VimbaCameraApi::getVersion() {
+    VmbVersionInfo_t version{};
+    if (VmbVersionQuery(&version, sizeof version) != VmbErrorSuccess) return "Vimba API unknown version";
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "Vimba API %u.%u.%u", version.major, version.minor,
+                  version.patch);
+    return text.data();
+}
+
+bool VimbaCameraApi::isGigeTransportLayerPresent() {
+    if (!m_started) throw CameraApiError("API not initialized");
+    return getBoolFeature(kSystemHandle, "GeVTLIsPresent");
+}
+
+void VimbaCameraApi::registerDiscoveryCallback(IfDiscoveryCallback* callback) {
+    IfDiscoveryCallback* none = nullptr;
+    if (!m_discovery_callback.compare_exchange_strong(none, callback)) {
+        throw CameraApiError("Device monitor callback already registered");
+    }
+    // A failure leaves the callback stored on purpose: a second attempt is refused.
+    check(VmbFeatureInvalidationRegister(toVmb(kSystemHandle), kDiscoveryEvent, &discoveryEventThunk, this),
+          "Could not register callbacks: ");
+    runCommand(kSystemHandle, "GeVDiscoveryAllAuto");
+}
+
+void VimbaCameraApi::unregisterDiscoveryCallback() {
+    if (m_discovery_callback.load() == nullptr) return;
+    check(VmbFeatureInvalidationUnregister(toVmb(kSystemHandle), kDiscoveryEvent, &discoveryEventThunk),
+          "Could not unregister callbacks: ");
+    m_discovery_callback = nullptr;
+    // The library does not promise that a running call has ended, and the callback may die next.
+    for (unsigned running = m_running_discovery_calls; running != 0; running = m_running_discovery_calls) {
+        m_running_discovery_calls.wait(running);
+    }
+    runCommand(kSystemHandle, "GeVDiscoveryAllOff");
+}
+
+void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name) {
+    ZELT_ASSERT(boost::equals(name, "DiscoveryCameraEvent"));
+    const RunningCall running(m_running_discovery_calls);
+    IfDiscoveryCallback* const callback = m_discovery_callback;
+    if (callback == nullptr) return;
+    const std::string event = getEnumFeature(handle, kDiscoveryEvent);
+    const std::string ident = getStringFeature(handle, "DiscoveryCameraIdent");
+    if (event == "Missing") {
+        callback->onCameraRemoved(ident);
+    } else if (event == "Detected") {
+        callback->onCameraAdded(ident);
+    }
+}
+
+std::vector<CameraInfo> VimbaCameraApi::listCameras() {
+    constexpr const char* kFailed = "Could not retrieve the camera list: ";
+    VmbUint32_t count = 0;
+    check(VmbCamerasList(nullptr, 0, &count, sizeof(VmbCameraInfo_t)), kFailed);
+    if (count == 0) return {};
+    std::vector<VmbCameraInfo_t> records(count);
+    const VmbError_t result = VmbCamerasList(records.data(), count, &count, sizeof(VmbCameraInfo_t));
+    // A camera that came between the two calls is found the next time.
+    if (result != VmbErrorMoreData) check(result, kFailed);
+    records.resize(std::min<std::size_t>(count, records.size()));
+    std::vector<CameraInfo> cameras;
+    cameras.reserve(records.size());
+    for (const VmbCameraInfo_t& record : records) cameras.push_back(toCameraInfo(record));
+    return cameras;
+}
+
+}  // namespace zelt_gige_api

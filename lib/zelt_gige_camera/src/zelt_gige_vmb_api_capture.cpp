@@ -1,0 +1,200 @@
+// Frame buffers, capture, and the callbacks of a capturing camera.
+#include <limits>
+#include <string_view>
+
+#include "assertion.h"
+#include "zelt_gige_vmb_api.h"
+#include "zelt_gige_vmb_call.h"
+
+namespace zelt_gige_api {
+namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_vmb_api_capture";
+constexpr const char* kStartEvent = "EventAcquisitionStart";
+constexpr const char* kEndEvent = "EventAcquisitionEnd";
+
+void frameThunk(const VmbHandle_t handle, VmbFrame_t* frame) {
+    atVendorBorder("frame", [=] { VimbaCameraApi::handleFrame(fromVmb(handle), frame); });
+}
+
+void cameraEventThunk(const VmbHandle_t handle, const char* name, void* context) {
+    atVendorBorder("event",
+                   [=] { static_cast<VimbaCameraApi*>(context)->handleCameraEvent(fromVmb(handle), name); });
+}
+
+/// Gives the buffer back to the camera however the scope is left; a lost buffer never comes back.
+class Requeue {
+  public:
+    Requeue(CameraHandle handle, VmbFrame_t* frame) : m_handle(handle), m_frame(frame) {}
+    ~Requeue() { VmbCaptureFrameQueue(toVmb(m_handle), m_frame, &frameThunk); }
+    Requeue(const Requeue&) = delete;
+    Requeue& operator=(const Requeue&) = delete;
+
+  private:
+    CameraHandle m_handle;
+    VmbFrame_t* m_frame;
+};
+
+CameraFrame toCameraFrame(const VmbFrame_t& record) {
+    CameraFrame frame;
+    frame.timestamp = record.timestamp;
+    frame.frameid = record.frameID;
+    frame.width = record.width;
+    frame.height = record.height;
+    frame.offsetX = record.offsetX;
+    frame.offsetY = record.offsetY;
+    frame.buffer = record.buffer;
+    frame.imageSize = record.imageSize;
+    return frame;
+}
+
+/// For tear-down, which must go on whatever the log's sinks do.
+void logFailure(VmbError_t result, const char* prefix) noexcept {
+    if (result == VmbErrorSuccess) return;
+    try {
+        GIGE_LOG(Warning) << prefix << errorText(result);
+    } catch (...) {
+    }
+}
+
+}  // namespace
+
+/// Finds the callback of a camera and holds off its removal while the call runs.
+class VimbaCameraApi::RunningEventCall {
+  public:
+    RunningEventCall(VimbaCameraApi& api, CameraHandle handle) : m_api(api), m_handle(handle) {
+        const platform::MutexLock lock(api.m_maps_mutex);
+        const auto entry = api.m_camera_callbacks.find(handle);
+        if (entry == api.m_camera_callbacks.end() || entry->second.callback == nullptr) return;
+        m_callback = entry->second.callback;
+        ++entry->second.runningCalls;
+    }
+    ~RunningEventCall() {
+        if (m_callback == nullptr) return;
+        const platform::MutexLock lock(m_api.m_maps_mutex);
+        --m_api.m_camera_callbacks.at(m_handle).runningCalls;
+        m_api.m_event_call_ended.notify_all();
+    }
+    RunningEventCall(const RunningEventCall&) = delete;
+    RunningEventCall& operator=(const RunningEventCall&) = delete;
+
+    IfCameraCallback* callback() const { return m_callback; }
+
+  private:
+    VimbaCameraApi& m_api;
+    CameraHandle m_handle;
+    IfCameraCallback* m_callback = nullptr;
+};
+
+void VimbaCameraApi::startCapture(CameraHandle handle, unsigned frameCount) {
+    runCommand(handle, "GVSPAdjustPacketSize");
+    for (const char* event : {"AcquisitionStart", "AcquisitionEnd"}) {
+        setEnumFeature(handle, "EventSelector", event);
+        setEnumFeature(handle, "EventNotification", "On");
+    }
+    check(VmbFeatureInvalidationRegister(toVmb(handle), kStartEvent, &cameraEventThunk, this),
+          "Cannot register the start event handler: ");
+    check(VmbFeatureInvalidationRegister(toVmb(handle), kEndEvent, &cameraEventThunk, this),
+          "Cannot register the end event handler: ");
+    try {
+        announceFrames(handle, frameCount);
+        check(VmbCaptureStart(toVmb(handle)), "VmbCaptureStart failed: ");
+        queueFrames(handle);
+    } catch (...) {
+        releaseFramesLogged(handle);
+        throw;
+    }
+}
+
+void VimbaCameraApi::announceFrames(CameraHandle handle, unsigned frameCount) {
+    const std::int64_t payload = getPayloadSize(handle);
+    dropForgottenFrames(handle);
+    std::vector<VmbFrame_t>& frames = framesOf(handle);
+    frames.assign(frameCount, VmbFrame_t{});
+    const bool fits = payload > 0 && payload <= std::numeric_limits<VmbUint32_t>::max();
+    for (VmbFrame_t& frame : frames) frame.context[0] = this;
+    for (VmbFrame_t& frame : frames) {
+        ZELT_ASSERT(frame.buffer == nullptr);
+        if (fits) frame.buffer = m_pages.allocate(static_cast<std::size_t>(payload));
+        if (frame.buffer == nullptr) throw CameraApiError("Could not allocate frame memory.");
+        frame.bufferSize = static_cast<VmbUint32_t>(payload);
+        check(VmbFrameAnnounce(toVmb(handle), &frame, sizeof frame), "Could not announce frame buffer: ");
+    }
+}
+
+/// Buffers of a capture that was never ended must be neither announced twice nor leaked.
+void VimbaCameraApi::dropForgottenFrames(CameraHandle handle) {
+    const std::vector<VmbFrame_t>& frames = framesOf(handle);
+    ZELT_ASSERT(frames.empty());
+    if (frames.empty()) return;
+    endEngine(handle);
+    releaseFramesLogged(handle);
+}
+
+void VimbaCameraApi::queueFrames(CameraHandle handle) {
+    IfCameraCallback* const callback = findCameraCallback(handle);
+    std::vector<VmbFrame_t>& frames = framesOf(handle);
+    for (VmbFrame_t& frame : frames) frame.context[1] = callback;
+    for (VmbFrame_t& frame : frames) VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
+}
+
+void VimbaCameraApi::endCapture(CameraHandle handle) {
+    endEngine(handle);
+    releaseFramesLogged(handle);
+    VmbFeatureInvalidationUnregister(toVmb(handle), kStartEvent, &cameraEventThunk);
+    VmbFeatureInvalidationUnregister(toVmb(handle), kEndEvent, &cameraEventThunk);
+}
+
+void VimbaCameraApi::endEngine(CameraHandle handle) {
+    logFailure(VmbCaptureEnd(toVmb(handle)), "Cannot end capture: ");
+    logFailure(VmbCaptureQueueFlush(toVmb(handle)), "Cannot flush the capture queue: ");
+}
+
+std::vector<VmbFrame_t>& VimbaCameraApi::framesOf(CameraHandle handle) {
+    const platform::MutexLock lock(m_maps_mutex);
+    return m_frames[handle];
+}
+
+VmbError_t VimbaCameraApi::releaseFrames(CameraHandle handle) {
+    const VmbError_t result = VmbFrameRevokeAll(toVmb(handle));
+    const auto frames = [&] {
+        const platform::MutexLock lock(m_maps_mutex);
+        return m_frames.extract(handle);
+    }();
+    if (frames.empty()) return result;
+    for (const VmbFrame_t& frame : frames.mapped()) {
+        if (frame.buffer != nullptr) m_pages.release(frame.buffer, frame.bufferSize);
+    }
+    return result;
+}
+
+void VimbaCameraApi::releaseFramesLogged(CameraHandle handle) {
+    logFailure(releaseFrames(handle), "Cannot deallocate buffers: ");
+}
+
+void VimbaCameraApi::handleFrame(CameraHandle handle, VmbFrame_t* frame) {
+    if (frame == nullptr) return;
+    const Requeue requeue(handle, frame);
+    if (frame->receiveStatus != VmbFrameStatusComplete) return;
+    ZELT_ASSERT(frame->receiveFlags & (VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp));
+    auto* const callback = static_cast<IfCameraCallback*>(frame->context[1]);
+    if (callback != nullptr) callback->onFrameReceived(handle, toCameraFrame(*frame));
+}
+
+void VimbaCameraApi::handleCameraEvent(CameraHandle handle, const char* name) {
+    const RunningEventCall call(*this, handle);
+    if (call.callback() == nullptr) return;
+    const std::string_view event(name);
+    const auto value = [&](const char* feature) {
+        return static_cast<std::uint64_t>(getIntFeature(handle, feature));
+    };
+    if (event == kStartEvent) {
+        const std::uint64_t timestamp = value("EventAcquisitionStartTimestamp");
+        call.callback()->onAcquisitionStarted(handle, timestamp, value("EventAcquisitionStartFrameID"));
+    } else if (event == kEndEvent) {
+        const std::uint64_t timestamp = value("EventAcquisitionEndTimestamp");
+        call.callback()->onAcquisitionEnded(handle, timestamp, value("EventAcquisitionEndFrameID"));
+    }
+}
+
+}  // namespace zelt_gige_api

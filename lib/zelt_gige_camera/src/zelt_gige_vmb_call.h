@@ -1,0 +1,47 @@
+/// What the sources over the vendor's library share: handle conversion, result checks, and the wrapper that
+/// keeps exceptions away from the vendor's C frames.
+#pragma once
+
+#include <exception>
+#include <string>
+
+#include "vimba_c.h"
+#include "zelt_gige_camera_api.h"
+#include "zelt_gige_log.h"
+
+namespace zelt_gige_api {
+
+inline VmbHandle_t toVmb(CameraHandle handle) {
+    return reinterpret_cast<VmbHandle_t>(handle);
+}
+inline CameraHandle fromVmb(VmbHandle_t handle) {
+    return reinterpret_cast<CameraHandle>(handle);
+}
+
+/// Throws CameraApiError with the prefix and the code's text unless the call succeeded.
+inline void check(VmbError_t result, const char* prefix) {
+    if (result != VmbErrorSuccess) throw CameraApiError(prefix + errorText(result), result);
+}
+
+/// Throws UnsupportedFeature unless the call succeeded.
+inline void checkFeature(VmbError_t result, const char* feature) {
+    if (result != VmbErrorSuccess) throw UnsupportedFeature(feature, result);
+}
+
+/// Runs a callback's steps at the C border: logs what they throw and returns.
+template <typename Steps>
+void atVendorBorder(const char* where, Steps&& steps) noexcept {
+    try {
+        try {
+            steps();
+        } catch (const std::exception& error) {
+            GIGE_LOG(Error) << "Exception in the " << where << " handler: " << error.what();
+        } catch (...) {
+            GIGE_LOG(Error) << "Unknown exception in the " << where << " handler";
+        }
+    } catch (...) {
+        // A log sink that throws must not take the host down either.
+    }
+}
+
+}  // namespace zelt_gige_api

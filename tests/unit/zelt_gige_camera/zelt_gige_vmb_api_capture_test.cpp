@@ -1,0 +1,421 @@
+// Frame buffers, capture, frame and event handlers.
+#include <array>
+
+#include "vmb_api_fixture.h"
+
+namespace {
+
+using test_support::AssertionCapture;
+using test_support::CameraCall;
+using test_support::kColourCamera;
+using test_support::kPatienceMs;
+using test_support::LogCapture;
+using test_support::RecordingCamera;
+using test_support::Simulator;
+using test_support::VmbApiTest;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+using zelt_gige_api::CameraApiError;
+using zelt_gige_api::CameraHandle;
+using zelt_gige_api::UnsupportedFeature;
+
+const std::string kId = kColourCamera;
+
+/// The vendor calls of a startCapture with two frames.
+std::vector<std::string> startCalls() {
+    return {"VmbFeatureCommandRun(" + kId + ", \"GVSPAdjustPacketSize\") = 0",
+            "VmbFeatureEnumSet(" + kId + ", \"EventSelector\", \"AcquisitionStart\") = 0",
+            "VmbFeatureEnumSet(" + kId + ", \"EventNotification\", \"On\") = 0",
+            "VmbFeatureEnumSet(" + kId + ", \"EventSelector\", \"AcquisitionEnd\") = 0",
+            "VmbFeatureEnumSet(" + kId + ", \"EventNotification\", \"On\") = 0",
+            "VmbFeatureInvalidationRegister(" + kId + ", \"EventAcquisitionStart\") = 0",
+            "VmbFeatureInvalidationRegister(" + kId + ", \"EventAcquisitionEnd\") = 0",
+            "VmbFeatureIntGet(" + kId + ", \"PayloadSize\") = 0, 322752",
+            "VmbFrameAnnounce(" + kId + ", frame 1, 104) = 0",
+            "VmbFrameAnnounce(" + kId + ", frame 2, 104) = 0",
+            "VmbCaptureStart(" + kId + ") = 0",
+            "VmbCaptureFrameQueue(" + kId + ", frame 1) = 0",
+            "VmbCaptureFrameQueue(" + kId + ", frame 2) = 0"};
+}
+
+class Capture : public VmbApiTest {
+  protected:
+    Capture() : camera(open()) {
+        api.setPixelFormat(camera, "Mono8");
+        api.registerCameraCallback(camera, &callback);
+    }
+
+    static std::uint32_t announced() { return counts().first; }
+    static std::uint32_t queued() { return counts().second; }
+    static std::pair<std::uint32_t, std::uint32_t> counts() {
+        std::uint32_t announcedFrames = 0;
+        std::uint32_t queuedFrames = 0;
+        VmbSimFrameCounts(kColourCamera, &announcedFrames, &queuedFrames);
+        return {announcedFrames, queuedFrames};
+    }
+    void waitForFrames(std::uint64_t count) {
+        ASSERT_EQ(VmbSimWaitForFrames(kColourCamera, count, kPatienceMs), VmbErrorSuccess);
+    }
+
+    CameraHandle camera;
+    RecordingCamera callback;
+};
+
+TEST_F(Capture, StartsInTheFixedOrder) {
+    VmbSimJournalStart();
+    api.startCapture(camera, 2);
+    EXPECT_THAT(Simulator::journal(), ElementsAreArray(startCalls()));
+    EXPECT_EQ(pages.held, 2);
+    EXPECT_THAT(pages.sizes, ElementsAre(656u * 492u));
+    EXPECT_EQ(queued(), 2u);
+    api.endCapture(camera);
+}
+
+TEST_F(Capture, EndsInTheFixedOrder) {
+    api.startCapture(camera, 5);
+    VmbSimJournalStart();
+    api.endCapture(camera);
+    EXPECT_THAT(Simulator::journal(),
+                ElementsAre("VmbCaptureEnd(" + kId + ") = 0", "VmbCaptureQueueFlush(" + kId + ") = 0",
+                            "VmbFrameRevokeAll(" + kId + ") = 0",
+                            "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionStart\") = 0",
+                            "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionEnd\") = 0"));
+    EXPECT_EQ(pages.held, 0);
+    EXPECT_EQ(announced(), 0u);
+}
+
+struct StartFailure {
+    const char* function;
+    const char* argument;  ///< null for any
+    int nth;
+    const char* message;
+    bool handlersStay;
+};
+
+class FailingStart : public Capture, public ::testing::WithParamInterface<StartFailure> {};
+
+TEST_P(FailingStart, ThrowsItsMessageAndLeavesNoBuffer) {
+    const StartFailure& failure = GetParam();
+    VmbSimFailCall(failure.function, failure.argument, failure.nth, VmbErrorOther);
+    std::int32_t code = 0;
+    EXPECT_EQ(messageOf([&] { api.startCapture(camera, 3); }, &code), failure.message);
+    EXPECT_EQ(code, -13);
+    EXPECT_EQ(pages.held, 0);
+    EXPECT_EQ(announced(), 0u);
+    EXPECT_EQ(queued(), 0u);
+    // Handlers stay until endCapture: what was registered can be unregistered now.
+    VmbSimJournalStart();
+    api.endCapture(camera);
+    const std::string start = "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionStart\") = ";
+    EXPECT_THAT(Simulator::journal(), Contains(start + (failure.handlersStay ? "0" : "-3")));
+    api.startCapture(camera, 3);
+    EXPECT_EQ(pages.held, 3);
+    api.endCapture(camera);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AtEachCall, FailingStart,
+    ::testing::Values(
+        StartFailure{"VmbFeatureCommandRun", "GVSPAdjustPacketSize", 1,
+                     "The feature 'GVSPAdjustPacketSize' is not supported", false},
+        StartFailure{"VmbFeatureEnumSet", "EventSelector", 1, "The feature 'EventSelector' is not supported",
+                     false},
+        StartFailure{"VmbFeatureEnumSet", "EventNotification", 1,
+                     "The feature 'EventNotification' is not supported", false},
+        StartFailure{"VmbFeatureEnumSet", "EventSelector", 2, "The feature 'EventSelector' is not supported",
+                     false},
+        StartFailure{"VmbFeatureEnumSet", "EventNotification", 2,
+                     "The feature 'EventNotification' is not supported", false},
+        StartFailure{"VmbFeatureInvalidationRegister", "EventAcquisitionStart", 1,
+                     "Cannot register the start event handler: Other error", false},
+        StartFailure{"VmbFeatureInvalidationRegister", "EventAcquisitionEnd", 1,
+                     "Cannot register the end event handler: Other error", true},
+        StartFailure{"VmbFeatureIntGet", "PayloadSize", 1, "The feature 'PayloadSize' is not supported",
+                     true},
+        StartFailure{"VmbFrameAnnounce", nullptr, 1, "Could not announce frame buffer: Other error", true},
+        StartFailure{"VmbFrameAnnounce", nullptr, 2, "Could not announce frame buffer: Other error", true},
+        StartFailure{"VmbFrameAnnounce", nullptr, 3, "Could not announce frame buffer: Other error", true},
+        StartFailure{"VmbCaptureStart", nullptr, 1, "VmbCaptureStart failed: Other error", true}));
+
+TEST_F(Capture, WithoutAFeatureItNeedsFailsBeforeAnyBufferExists) {
+    VmbSimRemoveFeature(kColourCamera, "GVSPAdjustPacketSize");
+    EXPECT_THROW(api.startCapture(camera, 5), UnsupportedFeature);
+    EXPECT_THAT(pages.sizes, IsEmpty());
+}
+
+TEST_F(Capture, DoesNotLookAtTheResultsOfQueueing) {
+    VmbSimFailCall("VmbCaptureFrameQueue", nullptr, 1, VmbErrorOther);
+    api.startCapture(camera, 3);
+    EXPECT_EQ(queued(), 2u);
+    api.endCapture(camera);
+}
+
+TEST_F(Capture, FailsWithoutFrameMemoryAtEachFrameAndLeavesNone) {
+    for (int frame = 0; frame < 3; ++frame) {
+        pages.refuseAfter = frame;
+        std::int32_t code = -1;
+        EXPECT_EQ(messageOf([&] { api.startCapture(camera, 3); }, &code), "Could not allocate frame memory.");
+        EXPECT_EQ(code, 0);
+        EXPECT_EQ(pages.held, 0);
+        EXPECT_EQ(announced(), 0u);
+        pages.refuseAfter = -1;
+        api.endCapture(camera);
+    }
+}
+
+TEST_F(Capture, FailsWithAPayloadThatNoBufferCanHave) {
+    for (const char* payload : {"0", "-1", "4294967296"}) {
+        VmbSimForceFeature(kColourCamera, "PayloadSize", payload);
+        EXPECT_EQ(messageOf([&] { api.startCapture(camera, 3); }), "Could not allocate frame memory.");
+        EXPECT_EQ(pages.held, 0);
+        api.endCapture(camera);
+    }
+}
+
+TEST_F(Capture, LogsWhenTheCleanUpCannotRevoke) {
+    const LogCapture log(UniLogSeverityLevel::Warning);
+    VmbSimFailCall("VmbCaptureStart", nullptr, 1, VmbErrorOther);
+    VmbSimFailCall("VmbFrameRevokeAll", nullptr, 1, VmbErrorTimeout);
+    EXPECT_THROW(api.startCapture(camera, 3), CameraApiError);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Warning),
+                ElementsAre("Cannot deallocate buffers: Timeout during wait"));
+    EXPECT_EQ(pages.held, 0);
+    api.endCapture(camera);
+}
+
+TEST_F(Capture, EndGoesOnThroughEveryFailureAndLogsThree) {
+    api.startCapture(camera, 5);
+    for (const char* function : {"VmbCaptureEnd", "VmbCaptureQueueFlush", "VmbFrameRevokeAll"}) {
+        VmbSimFailCall(function, nullptr, 1, VmbErrorOther);
+    }
+    VmbSimFailCall("VmbFeatureInvalidationUnregister", nullptr, 1, VmbErrorOther);
+    const LogCapture log(UniLogSeverityLevel::Warning);
+    VmbSimJournalStart();
+    api.endCapture(camera);
+    EXPECT_THAT(Simulator::calledFunctions(),
+                ElementsAre("VmbCaptureEnd", "VmbCaptureQueueFlush", "VmbFrameRevokeAll",
+                            "VmbFeatureInvalidationUnregister", "VmbFeatureInvalidationUnregister"));
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Warning),
+                ElementsAre("Cannot end capture: Other error", "Cannot flush the capture queue: Other error",
+                            "Cannot deallocate buffers: Other error"));
+    EXPECT_EQ(pages.held, 0);
+}
+
+TEST_F(Capture, EndOfACameraThatIsGoneLogsAndReturns) {
+    VmbSimUnplugCamera(kColourCamera);
+    const LogCapture log(UniLogSeverityLevel::Warning);
+    api.endCapture(camera);
+    EXPECT_THAT(
+        log.texts(UniLogSeverityLevel::Warning),
+        ElementsAre("Cannot end capture: Error code -4", "Cannot flush the capture queue: Error code -4",
+                    "Cannot deallocate buffers: Error code -4"));
+}
+
+TEST_F(Capture, ASecondStartWithoutEndIsAProgrammingErrorAndLosesNoBuffer) {
+    api.startCapture(camera, 5);
+    const AssertionCapture assertions;
+    api.startCapture(camera, 4);
+    EXPECT_THAT(assertions.expressions(), ElementsAre("frames.empty()"));
+    EXPECT_EQ(pages.held, 4);
+    EXPECT_EQ(announced(), 4u);
+    api.endCapture(camera);
+    EXPECT_EQ(pages.held, 0);
+}
+
+TEST_F(Capture, DeliversCompleteFramesWithTheirRecord) {
+    api.startCapture(camera, 5);
+    api.acquisitionStart(camera);
+    waitForFrames(7);
+    api.endCapture(camera);
+    const std::vector<CameraCall> frames = callback.calls("frame");
+    ASSERT_GE(frames.size(), 7u);
+    for (std::size_t at = 0; at < frames.size(); ++at) {
+        EXPECT_EQ(frames[at].frameid, at + 1);
+        EXPECT_TRUE(at == 0 || frames[at].timestamp > frames[at - 1].timestamp);
+    }
+    EXPECT_EQ(callback.lastFrame.width, 656u);
+    EXPECT_EQ(callback.lastFrame.height, 492u);
+    EXPECT_EQ(callback.lastFrame.imageSize, 656u * 492u);
+}
+
+TEST_F(Capture, QueuesAnIncompleteFrameAgainWithoutACallback) {
+    api.startCapture(camera, 5);
+    VmbSimBreakFrames(kColourCamera, 8, VmbFrameStatusIncomplete);
+    api.acquisitionStart(camera);
+    waitForFrames(10);
+    api.endCapture(camera);
+    ASSERT_FALSE(callback.calls("frame").empty());
+    EXPECT_EQ(callback.calls("frame").front().frameid, 9u);
+}
+
+TEST_F(Capture, ACameraWithoutACallbackConsumesItsFrames) {
+    api.unregisterCameraCallback(camera);
+    api.startCapture(camera, 2);
+    api.acquisitionStart(camera);
+    waitForFrames(5);
+    api.endCapture(camera);
+    EXPECT_THAT(callback.calls("frame"), IsEmpty());
+}
+
+TEST_F(Capture, DeliversTheAcquisitionEventsWithTheirValues) {
+    api.startCapture(camera, 5);
+    api.acquisitionStart(camera);
+    waitForFrames(2);
+    api.acquisitionStop(camera);
+    VmbSimWaitForEvents(kPatienceMs);
+    const std::int64_t startTicks = api.getIntFeature(camera, "EventAcquisitionStartTimestamp");
+    const std::int64_t startId = api.getIntFeature(camera, "EventAcquisitionStartFrameID");
+    const std::int64_t endTicks = api.getIntFeature(camera, "EventAcquisitionEndTimestamp");
+    const std::int64_t endId = api.getIntFeature(camera, "EventAcquisitionEndFrameID");
+    api.endCapture(camera);
+    ASSERT_EQ(callback.calls("started").size(), 1u);
+    EXPECT_EQ(callback.calls("started")[0].timestamp, static_cast<std::uint64_t>(startTicks));
+    EXPECT_EQ(callback.calls("started")[0].frameid, static_cast<std::uint64_t>(startId));
+    EXPECT_EQ(startId, 1);
+    ASSERT_EQ(callback.calls("ended").size(), 1u);
+    EXPECT_EQ(callback.calls("ended")[0].timestamp, static_cast<std::uint64_t>(endTicks));
+    EXPECT_EQ(callback.calls("ended")[0].frameid, static_cast<std::uint64_t>(endId));
+}
+
+TEST_F(Capture, EventStepsReadTheTimestampThenTheFrameId) {
+    VmbSimForceFeature(kColourCamera, "EventAcquisitionEndTimestamp", "4711");
+    VmbSimForceFeature(kColourCamera, "EventAcquisitionEndFrameID", "12");
+    VmbSimJournalStart();
+    api.handleCameraEvent(camera, "EventAcquisitionEnd");
+    EXPECT_THAT(Simulator::journal(),
+                ElementsAre("VmbFeatureIntGet(" + kId + ", \"EventAcquisitionEndTimestamp\") = 0, 4711",
+                            "VmbFeatureIntGet(" + kId + ", \"EventAcquisitionEndFrameID\") = 0, 12"));
+    ASSERT_EQ(callback.calls("ended").size(), 1u);
+    EXPECT_EQ(callback.calls("ended")[0].timestamp, 4711u);
+    EXPECT_EQ(callback.calls("ended")[0].frameid, 12u);
+}
+
+TEST_F(Capture, EventStepsIgnoreOtherNames) {
+    VmbSimJournalStart();
+    api.handleCameraEvent(camera, "EventAcquisitionStartTimestamp");
+    api.handleCameraEvent(camera, "eventacquisitionstart");
+    EXPECT_THAT(Simulator::journal(), IsEmpty());
+    EXPECT_THAT(callback.calls("started"), IsEmpty());
+}
+
+TEST_F(Capture, EventStepsReadNothingForACameraWithoutACallback) {
+    api.unregisterCameraCallback(camera);
+    VmbSimJournalStart();
+    api.handleCameraEvent(camera, "EventAcquisitionStart");
+    EXPECT_THAT(Simulator::journal(), IsEmpty());
+}
+
+TEST_F(Capture, EventStepsCatchNothingAndReleaseTheCallback) {
+    VmbSimFailCall("VmbFeatureIntGet", "EventAcquisitionStartFrameID", 1, VmbErrorOther);
+    EXPECT_THROW(api.handleCameraEvent(camera, "EventAcquisitionStart"), UnsupportedFeature);
+    api.unregisterCameraCallback(camera);
+}
+
+TEST_F(Capture, FrameStepsIgnoreANullRecord) {
+    VmbSimJournalStart();
+    zelt_gige_api::VimbaCameraApi::handleFrame(camera, nullptr);
+    EXPECT_THAT(Simulator::journal(), IsEmpty());
+}
+
+/// Frames in the hands of the test: the sensor is held, the test calls the registered callback itself.
+class FrameByHand : public Capture {
+  protected:
+    FrameByHand() {
+        VmbSimHoldSensor(kColourCamera, true);
+        api.startCapture(camera, 2);
+        VmbSimTakeQueuedFrame(kColourCamera, &handle, &frame, &registered);
+        frame->receiveStatus = VmbFrameStatusComplete;
+        frame->receiveFlags =
+            VmbFrameFlagsDimension | VmbFrameFlagsOffset | VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp;
+        frame->timestamp = 1000;
+        frame->frameID = 7;
+        frame->width = 64;
+        frame->height = 48;
+        frame->offsetX = 3;
+        frame->offsetY = 4;
+        frame->imageSize = 3072;
+    }
+    ~FrameByHand() override { api.endCapture(camera); }
+
+    VmbHandle_t handle = nullptr;
+    VmbFrame_t* frame = nullptr;
+    VmbFrameCallback registered = nullptr;
+};
+
+TEST_F(FrameByHand, CarriesTheApiAndTheCallbackInItsContext) {
+    EXPECT_EQ(frame->context[0], &api);
+    EXPECT_EQ(frame->context[1], static_cast<zelt_gige_api::IfCameraCallback*>(&callback));
+    EXPECT_EQ(frame->context[2], nullptr);
+    EXPECT_EQ(frame->bufferSize, 656u * 492u);
+}
+
+TEST_F(FrameByHand, BecomesACameraFrameAndIsQueuedAgain) {
+    EXPECT_EQ(queued(), 1u);
+    registered(handle, frame);
+    EXPECT_EQ(queued(), 2u);
+    const zelt_gige_api::CameraFrame& got = callback.lastFrame;
+    EXPECT_EQ(got.timestamp, 1000u);
+    EXPECT_EQ(got.frameid, 7u);
+    EXPECT_EQ(got.width, 64u);
+    EXPECT_EQ(got.height, 48u);
+    EXPECT_EQ(got.offsetX, 3u);
+    EXPECT_EQ(got.offsetY, 4u);
+    EXPECT_EQ(got.reserved, 0u);
+    EXPECT_EQ(got.buffer, frame->buffer);
+    EXPECT_EQ(got.imageSize, 3072u);
+}
+
+TEST_F(FrameByHand, IsQueuedOnlyAfterTheCallbackReturned) {
+    std::uint32_t during = 99;
+    callback.beforeReturn = [&](const CameraCall&) { during = queued(); };
+    registered(handle, frame);
+    EXPECT_EQ(during, 1u);
+    EXPECT_EQ(queued(), 2u);
+}
+
+TEST_F(FrameByHand, IsQueuedAgainWhenTheCallbackThrows) {
+    callback.beforeReturn = [](const CameraCall&) { throw std::runtime_error("host trouble"); };
+    EXPECT_THROW(zelt_gige_api::VimbaCameraApi::handleFrame(camera, frame), std::runtime_error);
+    EXPECT_EQ(queued(), 2u);
+}
+
+TEST_F(FrameByHand, WhatItsCallbackThrowsIsLoggedAndGoesNoFurther) {
+    const LogCapture log(UniLogSeverityLevel::Error);
+    callback.beforeReturn = [](const CameraCall&) { throw std::runtime_error("host trouble"); };
+    registered(handle, frame);
+    EXPECT_EQ(queued(), 2u);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
+                ElementsAre("Exception in the frame handler: host trouble"));
+}
+
+TEST_F(FrameByHand, WithAnotherStatusIsOnlyQueuedAgain) {
+    for (const VmbFrameStatus_t status : {-1, -2, -3, -4, 1}) {
+        frame->receiveStatus = status;
+        registered(handle, frame);
+        EXPECT_EQ(queued(), 2u);
+        VmbSimTakeQueuedFrame(kColourCamera, &handle, &frame, &registered);
+    }
+    EXPECT_THAT(callback.calls("frame"), IsEmpty());
+}
+
+TEST_F(FrameByHand, WithoutIdAndTimestampIsAProgrammingError) {
+    const AssertionCapture assertions;
+    frame->receiveFlags = VmbFrameFlagsDimension;
+    registered(handle, frame);
+    EXPECT_THAT(assertions.expressions(),
+                ElementsAre("frame->receiveFlags & (VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp)"));
+    EXPECT_EQ(callback.calls("frame").size(), 1u);
+}
+
+TEST_F(FrameByHand, WithEitherIdOrTimestampIsFine) {
+    const AssertionCapture assertions;
+    frame->receiveFlags = VmbFrameFlagsFrameID;
+    zelt_gige_api::VimbaCameraApi::handleFrame(camera, frame);
+    frame->receiveFlags = VmbFrameFlagsTimestamp;
+    zelt_gige_api::VimbaCameraApi::handleFrame(camera, frame);
+    EXPECT_THAT(assertions.failures(), IsEmpty());
+}
+
+}  // namespace
