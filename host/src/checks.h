@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "exit_codes.h"
+#include "recording_report.h"
+
+namespace host {
+
+/// One condition of a trustworthy recording, worded as it turned out.
+struct Check {
+    bool passed = true;
+    std::string sentence;
+};
+
+/// Frames that a channel should have recorded; empty when its rate is not known.
+std::optional<double> expectedFrames(const ChannelReport& channel, double seconds);
+
+/// All checks of a recording. One that was cut short is not asked for its number of frames.
+std::vector<Check> makeChecks(const RecordingReport& report);
+
+bool allPassed(const std::vector<Check>& checks);
+
+ExitCode exitCode(const RecordingReport& report, const std::vector<Check>& checks);
+
+/// The sentence for the error stream; empty when there is nothing to complain about.
+std::string failureSentence(const RecordingReport& report, const std::vector<Check>& checks);
+
+}  // namespace host

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace host {
+
+/// Makes the directory if needed. Throws HostFailure when that fails or it holds a recording already.
+void prepareOutputDirectory(const std::filesystem::path& directory);
+
+/// Writes a whole text file; empty on success, else the system's reason.
+std::string writeTextFile(const std::filesystem::path& file, const std::string& text);
+
+}  // namespace host

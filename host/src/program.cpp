@@ -1,0 +1,57 @@
+#include <algorithm>
+#include <string>
+
+#include "commands.h"
+#include "host_failure.h"
+#include "host_platform.h"
+#include "plugin_handle.h"
+#include "report_json.h"
+
+namespace host {
+namespace {
+
+ExitCode fail(Console& console, bool json, ExitCode code, const std::string& sentence) {
+    console.tell("zelt_host: " + sentence);
+    if (json) console.print(failureJson(code, sentence));
+    return code;
+}
+
+ExitCode runCommand(const CommandLine& line, Console& console) {
+    if (line.command == Command::Help) {
+        console.print(line.helpText);
+        return ExitCode::Ok;
+    }
+    if (!line.json && platform::isTerminal(platform::Stream::Out)) console.setProgressStream(stdout);
+    if (!line.json && !platform::isTerminal(platform::Stream::Out) &&
+        platform::isTerminal(platform::Stream::Error)) {
+        console.setProgressStream(stderr);
+    }
+    const LogConsole log(console, line.logLevel);
+    const AssertionMonitor assertions(console);
+    return line.command == Command::Record ? runRecord(line, console, assertions) : runDevices(line, console);
+}
+
+ExitCode runGuarded(int argc, const char* const* argv, Console& console) {
+    // Looked for by hand, so that a program gets its answer to a wrong command line too.
+    const bool json =
+        std::any_of(argv, argv + argc, [](const char* arg) { return arg == std::string("--json"); });
+    try {
+        return runCommand(parseCommandLine(argc, argv), console);
+    } catch (const HostFailure& failure) {
+        return fail(console, json, failure.code(), failure.what());
+    } catch (const std::exception& failure) {
+        return fail(console, json, ExitCode::Unexpected,
+                    std::string("Unexpected failure: ") + failure.what() +
+                        "; run again with --log-level info and report what it shows.");
+    }
+}
+
+}  // namespace
+
+int runProgram(int argc, const char* const* argv) {
+    platform::makeWriteErrorsReturn();
+    Console console(stdout, stderr, platform::showsUtf8());
+    return static_cast<int>(runGuarded(argc, argv, console));
+}
+
+}  // namespace host

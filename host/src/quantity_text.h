@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace host {
+
+/// "1.50": fixed number of decimals, with a point in every locale.
+std::string decimals(double value, int digits);
+
+/// "37.02 ms", "41 µs", "1.500 s": a time in nanoseconds in the unit that suits it.
+std::string duration(std::int64_t nanoseconds);
+
+/// "1 frame", "250 frames"
+std::string frameCount(std::uint64_t count);
+
+}  // namespace host

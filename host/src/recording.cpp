@@ -1,0 +1,214 @@
+#include "recording.h"
+
+#include <algorithm>
+#include <cmath>
+#include <thread>
+#include <utility>
+
+#include "host_failure.h"
+#include "output_directory.h"
+#include "picture_files.h"
+
+namespace host {
+namespace {
+
+constexpr auto kRedraw = std::chrono::milliseconds(100);
+constexpr auto kProcess = std::chrono::seconds(1);
+constexpr double kUnknownRate = 50;
+
+std::chrono::nanoseconds toNanoseconds(double seconds) {
+    return std::chrono::nanoseconds(std::llround(seconds * 1e9));
+}
+
+std::string knownIds(const std::map<std::uint32_t, ChannelInfo>& channels) {
+    std::string text;
+    for (const auto& [id, channel] : channels) text += (text.empty() ? "" : ", ") + std::to_string(id);
+    return text;
+}
+
+}  // namespace
+
+Recording::Recording(Session& session, RecordingOptions options, RecordingHooks hooks)
+    : m_session(session),
+      m_options(std::move(options)),
+      m_hooks(std::move(hooks)),
+      m_writer(session.vendor().stampReader()) {}
+
+Recording::~Recording() {
+    m_session.plugin().cancelAcquisition();
+    if (!m_has_recorded) m_writer.discard();
+}
+
+RecordingReport Recording::run() {
+    selectChannels();
+    prepareOutputDirectory(m_options.directory);
+    attachSinks();
+    prepare();
+    makeFiles();
+    startCameras();
+    m_has_recorded = true;
+
+    RecordingReport report;
+    report.outcome = waitForEnd();
+    report.recordedSeconds = std::chrono::duration<double>(Clock::now() - m_started).count();
+    stopCameras(report);
+    finishReport(report);
+    return report;
+}
+
+void Recording::selectChannels() {
+    const auto known = m_session.readChannels();
+    for (const std::uint32_t id : m_options.channels) {
+        if (known.contains(id)) continue;
+        throw HostFailure(ExitCode::UnknownChannel, "There is no channel " + std::to_string(id) +
+                                                        "; the channels are " + knownIds(known) + ".");
+    }
+    for (const auto& [id, channel] : known) {
+        const bool used = m_options.channels.empty() || m_options.channels.contains(id);
+        if (!setUsed(*m_session.config(id), used)) {
+            failCamera("Channel " + std::to_string(id) + " cannot be switched " + (used ? "on" : "off"), "");
+        }
+        if (used) m_channels.emplace(id, channel);
+    }
+}
+
+void Recording::attachSinks() {
+    for (const auto& [id, channel] : m_channels) {
+        auto sink = std::make_unique<RecordingSink>(toNanoseconds(m_options.seconds).count(),
+                                                    [this] { m_writer.wake(); });
+        m_session.plugin().setChannelSink(id, sink.get());
+        m_sinks.emplace(id, std::move(sink));
+    }
+}
+
+void Recording::failCamera(const std::string& what, const std::string& reason) {
+    std::vector<std::string> reasons = m_session.messages().take();
+    // What a camera throws it has usually reported too.
+    if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {
+        reasons.push_back(reason);
+    }
+    std::string sentence = what;
+    for (std::size_t i = 0; i < reasons.size(); ++i) sentence += (i == 0 ? ": " : "; ") + reasons[i];
+    while (sentence.ends_with('.')) sentence.pop_back();
+    throw HostFailure(ExitCode::CameraFailed,
+                      sentence + "; check the camera and its settings, --log-level info tells more.");
+}
+
+void Recording::prepare() {
+    const std::string what = "The cameras could not be prepared";
+    try {
+        if (!m_session.plugin().prepareAcquisition()) failCamera(what, "");
+    } catch (const PluginError& failure) {
+        failCamera(what, failure.what());
+    }
+    tellMessages();
+}
+
+void Recording::makeFiles() {
+    const auto now = m_session.readChannels();  // preparing may have changed format and size
+    for (auto& [id, channel] : m_channels) {
+        channel = now.at(id);
+        const std::uint64_t bytes = channel.pictureBytes();
+        m_sinks.at(id)->makeRing(ringSlots(channel.rate.value_or(kUnknownRate), bytes), bytes);
+        m_writer.addChannel(channel, *m_sinks.at(id), m_options.directory);
+    }
+    m_writer.start();
+}
+
+void Recording::startCameras() {
+    const std::string what = "The cameras could not be started";
+    try {
+        m_session.plugin().onAcquisitionPrepared();
+        m_started = Clock::now();
+        if (!m_session.plugin().startAcquisition()) failCamera(what, "");
+    } catch (const PluginError& failure) {
+        failCamera(what, failure.what());
+    }
+}
+
+std::chrono::nanoseconds Recording::patience() const {
+    double longestPeriod = 0;
+    for (const auto& [id, channel] : m_channels) {
+        if (channel.rate) longestPeriod = std::max(longestPeriod, 1 / *channel.rate);
+    }
+    // The first frame comes up to a period after the start, the one that marks the end up to one after it.
+    return toNanoseconds(m_options.seconds + 2 * longestPeriod) + m_options.grace;
+}
+
+bool Recording::isOver(Clock::time_point deadline) const {
+    return Clock::now() >= deadline || std::all_of(m_sinks.begin(), m_sinks.end(), [](const auto& entry) {
+               return entry.second->isPastEnd();
+           });
+}
+
+Outcome Recording::waitForEnd() {
+    const auto deadline = m_started + patience();
+    auto nextProcess = m_started + kProcess;
+    while (!isOver(deadline)) {
+        if (m_hooks.isInterrupted()) return Outcome::Interrupted;
+        if (m_writer.hasFailed()) return Outcome::WriteFailed;
+        poll(Clock::now(), nextProcess);
+        std::this_thread::sleep_for(kRedraw);
+    }
+    return Outcome::Complete;
+}
+
+void Recording::poll(Clock::time_point now, Clock::time_point& nextProcess) {
+    tellMessages();
+    if (now >= nextProcess) {
+        nextProcess += kProcess;
+        try {
+            m_session.plugin().processAcquisition();
+        } catch (const PluginError& failure) {
+            m_hooks.tell(failure.what());
+        }
+    }
+    m_hooks.showProgress(progress(now));
+}
+
+void Recording::stopCameras(RecordingReport& report) {
+    try {
+        m_session.plugin().stopAcquisition();
+    } catch (const PluginError& failure) {
+        report.stopFailure = failure.what();
+    }
+    // Nothing may call the sinks any more before the writer writes the rest.
+    m_session.plugin().cancelAcquisition();
+    m_writer.finish();
+    tellMessages();
+}
+
+void Recording::finishReport(RecordingReport& report) {
+    if (m_writer.hasFailed()) report.outcome = Outcome::WriteFailed;
+    report.writeFailure = m_writer.failure();
+    report.title = m_session.title();
+    report.plugin = m_session.plugin().name();
+    report.vendorVersion = m_session.vendor().version();
+    report.scenario = m_session.vendor().scenario();
+    report.seconds = m_options.seconds;
+    report.directory = m_options.directory.string();
+    report.channels = m_writer.reports();
+    report.messages = m_messages;
+    const auto files = m_writer.files();
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const auto pictures = writePictures(report.channels[i].channel, *files[i]);
+        report.pictureFiles.insert(report.pictureFiles.end(), pictures.begin(), pictures.end());
+    }
+    Progress last = progress(Clock::now());
+    if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;
+    m_hooks.showProgress(last);
+}
+
+void Recording::tellMessages() {
+    for (const std::string& message : m_session.messages().take()) {
+        m_hooks.tell(message);
+        m_messages.push_back(message);
+    }
+}
+
+Progress Recording::progress(Clock::time_point now) const {
+    return {m_options.seconds, std::chrono::duration<double>(now - m_started).count(), m_writer.frames(),
+            m_writer.lost(), m_options.directory.string()};
+}
+
+}  // namespace host

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "progress.h"
+#include "recording_writer.h"
+#include "session.h"
+
+namespace host {
+
+struct RecordingOptions {
+    double seconds = 0;
+    std::filesystem::path directory;
+    std::set<std::uint32_t> channels;  ///< empty for all
+    /// How long after its end a recording waits for a channel that has not got there.
+    std::chrono::nanoseconds grace = std::chrono::seconds(3);
+};
+
+/// What a recording tells while it runs. [main thread]
+struct RecordingHooks {
+    std::function<bool()> isInterrupted = [] { return false; };
+    std::function<void(const Progress&)> showProgress = [](const Progress&) {};
+    std::function<void(const std::string&)> tell = [](const std::string&) {};
+};
+
+/// One acquisition of a session's channels, from preparing the cameras to the files on disk. Whatever
+/// happens, the plug-in holds none of its sinks afterwards. [main thread]
+class Recording {
+  public:
+    Recording(Session& session, RecordingOptions options, RecordingHooks hooks);
+    ~Recording();
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+
+    /// Runs once. Throws HostFailure when nothing was recorded; everything later stands in the report.
+    RecordingReport run();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void selectChannels();
+    void attachSinks();
+    void prepare();
+    void makeFiles();
+    void startCameras();
+    Outcome waitForEnd();
+    bool isOver(Clock::time_point deadline) const;
+    void poll(Clock::time_point now, Clock::time_point& nextProcess);
+    void stopCameras(RecordingReport& report);
+    void finishReport(RecordingReport& report);
+    std::chrono::nanoseconds patience() const;
+    void tellMessages();
+    [[noreturn]] void failCamera(const std::string& what, const std::string& reason);
+    Progress progress(Clock::time_point now) const;
+
+    Session& m_session;
+    RecordingOptions m_options;
+    RecordingHooks m_hooks;
+    std::map<std::uint32_t, ChannelInfo> m_channels;
+    std::map<std::uint32_t, std::unique_ptr<RecordingSink>> m_sinks;
+    RecordingWriter m_writer;
+    bool m_has_recorded = false;
+    Clock::time_point m_started;
+    std::vector<std::string> m_messages;
+};
+
+}  // namespace host

@@ -1,0 +1,57 @@
+/// What came of a recording, as plain data.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "channel_info.h"
+
+namespace host {
+
+/// Host time of a frame minus the true start of its exposure, over a whole recording.
+struct TimeError {
+    std::int64_t constantNs = 0;   ///< median
+    std::int64_t wayNs = 0;        ///< median of the nominal time from exposure to delivery
+    std::int64_t delayNs = 0;      ///< median of what the delivery took beyond that
+    std::int64_t spreadP99Ns = 0;  ///< 99 % of the frames lie within this distance of the median
+    std::int64_t spreadMaxNs = 0;  ///< all of them do
+};
+
+struct ChannelReport {
+    ChannelInfo channel;
+    std::uint64_t frames = 0;
+    std::uint64_t lost = 0;        ///< missing between or behind the frames recorded
+    std::uint64_t lostInHost = 0;  ///< of these: found the host's memory full
+    std::uint64_t doubled = 0;     ///< came with a number that was there already
+    bool stamped = false;          ///< pictures carry stamps, so the three below hold
+    std::uint64_t matches = 0;
+    std::uint64_t mismatches = 0;
+    std::optional<TimeError> timeError;
+    bool silent = false;  ///< did not reach the end of the recording
+};
+
+enum class Outcome { Complete, Interrupted, WriteFailed };
+
+struct RecordingReport {
+    std::string title;
+    std::string plugin;
+    std::string vendorVersion;
+    std::string scenario;  ///< of the simulator; empty with the vendor's own library
+    double seconds = 0;
+    std::string directory;
+    Outcome outcome = Outcome::Complete;
+    std::string writeFailure;  ///< reason, with Outcome::WriteFailed
+    double recordedSeconds = 0;
+    std::vector<ChannelReport> channels;
+    std::uint64_t assertionFailures = 0;
+    std::vector<std::string> messages;      ///< of the cameras, as sentences
+    std::string stopFailure;                ///< empty when the cameras stopped properly
+    std::vector<std::string> pictureFiles;  ///< written besides raw, CSV and summary
+};
+
+std::uint64_t totalFrames(const RecordingReport& report);
+std::uint64_t totalLost(const RecordingReport& report);
+
+}  // namespace host

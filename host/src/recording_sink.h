@@ -1,0 +1,46 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include "frame_ring.h"
+#include "if_channel_sink.h"
+
+namespace host {
+
+/// Receives a channel's frames and keeps those of the recording: all whose time lies in [first, first +
+/// length), `first` being the time of the channel's first frame. Copies and returns, never waits.
+class RecordingSink final : public zelt::IfChannelSink {
+  public:
+    /// `lengthNs` of recording; `wake` is called when there is something to do for the writer, on the frame
+    /// path.
+    RecordingSink(std::int64_t lengthNs, std::function<void()> wake)
+        : m_length(lengthNs), m_wake(std::move(wake)) {}
+
+    /// Takes the memory. Before this no frame is kept. [host, no acquisition under way]
+    void makeRing(std::size_t slots, std::size_t slotBytes) {
+        m_ring = std::make_unique<FrameRing>(slots, slotBytes);
+    }
+    FrameRing* ring() { return m_ring.get(); }
+
+    void addSample(std::int64_t time, const void* data, std::uint64_t size) override;
+
+    /// A frame at or past the end has come. [any thread]
+    bool isPastEnd() const { return m_past_end.load(std::memory_order_acquire); }
+    /// From now on nothing is kept. [any thread]
+    void close() { m_closed.store(true, std::memory_order_relaxed); }
+
+  private:
+    static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::min();
+
+    std::int64_t m_length;
+    std::function<void()> m_wake;
+    std::unique_ptr<FrameRing> m_ring;
+    std::int64_t m_first = kNone;
+    std::atomic<bool> m_past_end{false};
+    std::atomic<bool> m_closed{false};
+};
+
+}  // namespace host

@@ -1,0 +1,98 @@
+#include "recording_writer.h"
+
+#include <chrono>
+#include <utility>
+
+namespace host {
+
+void RecordingWriter::addChannel(const ChannelInfo& channel, RecordingSink& sink,
+                                 const std::filesystem::path& directory) {
+    const bool stamped = m_reader != nullptr;
+    m_channels.push_back({channel, &sink, ChannelFiles(directory, channel.id, stamped),
+                          RecordingStatistics(stamped, channel.rate)});
+}
+
+void RecordingWriter::start() {
+    m_thread = std::thread([this] { run(); });
+}
+
+void RecordingWriter::run() {
+    // A wake-up that comes between looking and waiting is missed; the time limit makes up for it, so that
+    // the frame path never needs the mutex.
+    constexpr auto kPatience = std::chrono::milliseconds(20);
+    while (!m_stop.load(std::memory_order_acquire)) {
+        drain();
+        std::unique_lock lock(m_mutex);
+        m_work.wait_for(lock, kPatience);
+    }
+    drain();
+}
+
+void RecordingWriter::drain() {
+    for (bool more = true; more && !hasFailed();) {
+        more = false;
+        for (Channel& channel : m_channels) more = writeOne(channel) || more;
+    }
+    std::uint64_t lost = 0;
+    for (const Channel& channel : m_channels) {
+        lost += channel.statistics.lost(channel.sink->ring()->lost());
+    }
+    m_lost.store(lost, std::memory_order_relaxed);
+}
+
+bool RecordingWriter::writeOne(Channel& channel) {
+    RingFrame frame;
+    if (hasFailed() || !channel.sink->ring()->front(frame)) return false;
+    StampReading reading;
+    if (m_reader != nullptr) {
+        reading.result = m_reader->read(frame.bytes.data(), frame.bytes.size(), reading.stamp);
+    }
+    if (channel.files.append(frame, reading)) {
+        channel.statistics.add(frame, reading);
+        m_frames.fetch_add(1, std::memory_order_relaxed);
+    } else {
+        fail(channel.files.failure());
+    }
+    channel.sink->ring()->pop();
+    return true;
+}
+
+void RecordingWriter::fail(const std::string& why) {
+    if (m_failure.empty()) m_failure = why;
+    for (Channel& channel : m_channels) channel.sink->close();
+    m_failed.store(true, std::memory_order_release);
+}
+
+void RecordingWriter::finish() {
+    if (!m_thread.joinable()) return;
+    m_stop.store(true, std::memory_order_release);
+    m_work.notify_one();
+    m_thread.join();
+    for (Channel& channel : m_channels) {
+        if (!channel.files.close()) fail(channel.files.failure());
+    }
+}
+
+void RecordingWriter::discard() {
+    finish();
+    for (Channel& channel : m_channels) channel.files.remove();
+}
+
+std::vector<ChannelReport> RecordingWriter::reports() const {
+    std::vector<ChannelReport> reports;
+    for (const Channel& channel : m_channels) {
+        ChannelReport report = channel.statistics.report(channel.sink->ring()->lost());
+        report.channel = channel.info;
+        report.silent = !channel.sink->isPastEnd();
+        reports.push_back(std::move(report));
+    }
+    return reports;
+}
+
+std::vector<const ChannelFiles*> RecordingWriter::files() const {
+    std::vector<const ChannelFiles*> files;
+    for (const Channel& channel : m_channels) files.push_back(&channel.files);
+    return files;
+}
+
+}  // namespace host

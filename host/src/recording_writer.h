@@ -1,0 +1,70 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "channel_files.h"
+#include "recording_sink.h"
+
+namespace host {
+
+/// Writes the frames of all channels from one thread of its own.
+class RecordingWriter {
+  public:
+    /// `reader` null: pictures carry no stamps.
+    explicit RecordingWriter(const IfStampReader* reader) : m_reader(reader) {}
+    ~RecordingWriter() { finish(); }
+    RecordingWriter(const RecordingWriter&) = delete;
+    RecordingWriter& operator=(const RecordingWriter&) = delete;
+
+    /// Adds a channel; its sink has its ring and outlives the writing. Throws HostFailure when the files
+    /// cannot be made. [before start]
+    void addChannel(const ChannelInfo& channel, RecordingSink& sink, const std::filesystem::path& directory);
+    void start();
+    /// Tells the thread that there are frames. Never waits. [any thread]
+    void wake() { m_work.notify_one(); }
+    /// Writes what is left, ends the thread and closes the files. May be called again.
+    void finish();
+    /// Ends the thread and removes the files, so that the directory can be used again.
+    void discard();
+
+    std::uint64_t frames() const { return m_frames.load(std::memory_order_relaxed); }  ///< [any thread]
+    std::uint64_t lost() const { return m_lost.load(std::memory_order_relaxed); }      ///< [any thread]
+    bool hasFailed() const { return m_failed.load(std::memory_order_acquire); }        ///< [any thread]
+
+    /// Reason of the failure. [after finish]
+    const std::string& failure() const { return m_failure; }
+    /// Reports in the order in which the channels were added. [after finish]
+    std::vector<ChannelReport> reports() const;
+    /// Files of the channels in the same order. [after finish]
+    std::vector<const ChannelFiles*> files() const;
+
+  private:
+    struct Channel {
+        ChannelInfo info;
+        RecordingSink* sink;
+        ChannelFiles files;
+        RecordingStatistics statistics;
+    };
+
+    void run();
+    void drain();
+    bool writeOne(Channel& channel);
+    void fail(const std::string& why);
+
+    const IfStampReader* m_reader;
+    std::vector<Channel> m_channels;
+    std::mutex m_mutex;
+    std::condition_variable m_work;
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_failed{false};
+    std::atomic<std::uint64_t> m_frames{0};
+    std::atomic<std::uint64_t> m_lost{0};
+    std::string m_failure;
+    std::thread m_thread;
+};
+
+}  // namespace host

@@ -1,0 +1,112 @@
+#include "report_json.h"
+
+#include <nlohmann/json.hpp>
+
+namespace host {
+namespace {
+
+using nlohmann::ordered_json;
+
+// Texts come from cameras too; a broken one must not cost the whole result.
+std::string dump(const ordered_json& json) {
+    return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
+}
+
+ordered_json orNull(const std::string& text) {
+    return text.empty() ? ordered_json(nullptr) : ordered_json(text);
+}
+
+ordered_json orNull(const std::optional<double>& value) {
+    return value ? ordered_json(*value) : ordered_json(nullptr);
+}
+
+ordered_json vendorJson(const std::string& version, const std::string& scenario) {
+    return {{"version", orNull(version)}, {"simulator", orNull(scenario)}};
+}
+
+ordered_json channelJson(const ChannelInfo& channel) {
+    return {{"id", channel.id},
+            {"name", channel.name},
+            {"short_id", channel.shortId},
+            {"type", orNull(channel.type)},
+            {"format", orNull(channel.format)},
+            {"width", channel.width},
+            {"height", channel.height},
+            {"rate_fps", orNull(channel.rate)}};
+}
+
+ordered_json timeErrorJson(const std::optional<TimeError>& error) {
+    if (!error) return nullptr;
+    return {{"constant_ns", error->constantNs},
+            {"way_ns", error->wayNs},
+            {"delay_ns", error->delayNs},
+            {"spread_p99_ns", error->spreadP99Ns},
+            {"spread_max_ns", error->spreadMaxNs}};
+}
+
+ordered_json recordedJson(const ChannelReport& channel, double seconds) {
+    ordered_json json = channelJson(channel.channel);
+    json["frames"] = channel.frames;
+    json["frames_expected"] = orNull(expectedFrames(channel, seconds));
+    json["lost"] = channel.lost;
+    json["lost_in_host"] = channel.lostInHost;
+    json["silent"] = channel.silent;
+    json["doubled"] = channel.stamped ? ordered_json(channel.doubled) : ordered_json(nullptr);
+    json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
+    json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
+    json["time_error"] = timeErrorJson(channel.timeError);
+    return json;
+}
+
+const char* outcomeText(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::Complete:
+            return "complete";
+        case Outcome::Interrupted:
+            return "interrupted";
+        case Outcome::WriteFailed:
+            return "write failed";
+    }
+    return "";
+}
+
+}  // namespace
+
+std::string devicesJson(const std::string& plugin, const VendorDescription& vendor,
+                        const std::map<std::uint32_t, ChannelInfo>& channels) {
+    ordered_json list = ordered_json::array();
+    for (const auto& [id, channel] : channels) list.push_back(channelJson(channel));
+    return dump({{"exit_code", 0},
+                 {"plugin", plugin},
+                 {"vendor_library", vendorJson(vendor.version, vendor.scenario)},
+                 {"channels", list}});
+}
+
+std::string recordingJson(const RecordingReport& report, const std::vector<Check>& checks) {
+    ordered_json channels = ordered_json::array();
+    for (const ChannelReport& channel : report.channels) {
+        channels.push_back(recordedJson(channel, report.seconds));
+    }
+    ordered_json list = ordered_json::array();
+    for (const Check& check : checks) list.push_back({{"passed", check.passed}, {"text", check.sentence}});
+    const std::string sentence = failureSentence(report, checks);
+    return dump({{"exit_code", static_cast<int>(exitCode(report, checks))},
+                 {"error", orNull(sentence)},
+                 {"plugin", report.plugin},
+                 {"vendor_library", vendorJson(report.vendorVersion, report.scenario)},
+                 {"directory", report.directory},
+                 {"seconds", report.seconds},
+                 {"outcome", outcomeText(report.outcome)},
+                 {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},
+                 {"channels", channels},
+                 {"checks", list},
+                 {"assertion_failures", report.assertionFailures},
+                 {"messages", report.messages},
+                 {"pictures", report.pictureFiles}});
+}
+
+std::string failureJson(ExitCode code, const std::string& sentence) {
+    return dump({{"exit_code", static_cast<int>(code)}, {"error", sentence}});
+}
+
+}  // namespace host

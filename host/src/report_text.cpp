@@ -1,0 +1,84 @@
+#include "report_text.h"
+
+#include <algorithm>
+
+#include "quantity_text.h"
+#include "text_table.h"
+
+namespace host {
+namespace {
+
+std::string orUnknown(const std::string& text) {
+    return text.empty() ? "n/a" : text;
+}
+
+std::string timeErrorText(const ChannelReport& channel) {
+    if (!channel.timeError) return "n/a";
+    const TimeError& error = *channel.timeError;
+    return duration(error.constantNs) + " (" + duration(error.wayNs) + ") / " + duration(error.spreadP99Ns) +
+           " / " + duration(error.spreadMaxNs);
+}
+
+std::vector<std::string> recordingRow(const ChannelReport& channel) {
+    const std::string matches =
+        channel.stamped ? std::to_string(channel.matches) + " of " + std::to_string(channel.frames) : "n/a";
+    return {std::to_string(channel.channel.id), std::to_string(channel.frames), std::to_string(channel.lost),
+            matches, timeErrorText(channel)};
+}
+
+std::string counted(std::size_t count, const std::string& what) {
+    return std::to_string(count) + ' ' + what;
+}
+
+std::string filesText(const RecordingReport& report) {
+    return "wrote " + counted(report.channels.size(), "raw + CSV") + ", " +
+           counted(report.pictureFiles.size(), "PNG") + ", summary.json\n";
+}
+
+std::string verdict(const RecordingReport& report, const std::vector<Check>& checks) {
+    const auto failed = static_cast<std::size_t>(
+        std::count_if(checks.begin(), checks.end(), [](const Check& check) { return !check.passed; }));
+    std::string text;
+    for (const Check& check : checks) {
+        if (!check.passed) text += "check failed: " + check.sentence + '\n';
+    }
+    if (failed != 0) {
+        return text + std::to_string(failed) + " of " + std::to_string(checks.size()) +
+               " checks failed: the recording cannot be trusted\n";
+    }
+    if (report.outcome != Outcome::Complete) {
+        return "the recording was cut short; what is there passed all " + std::to_string(checks.size()) +
+               " checks\n";
+    }
+    return "all " + std::to_string(checks.size()) + " checks passed: the recording can be trusted\n";
+}
+
+}  // namespace
+
+std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels) {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& [id, channel] : channels) {
+        rows.push_back({std::to_string(id), channel.name, orUnknown(channel.type), orUnknown(channel.format),
+                        std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height),
+                        channel.rate ? decimals(*channel.rate, 2) + " fps" : "n/a"});
+    }
+    return formatTable({{"id", true}, {"camera"}, {"type"}, {"format"}, {"size"}, {"rate", true}}, rows);
+}
+
+std::string recordingText(const RecordingReport& report, const std::vector<Check>& checks) {
+    std::vector<std::vector<std::string>> rows;
+    for (const ChannelReport& channel : report.channels) rows.push_back(recordingRow(channel));
+    std::string text = formatTable({{"id", true},
+                                    {"frames", true},
+                                    {"lost", true},
+                                    {"picture matches stamp"},
+                                    {"time error: constant (way) / spread p99 / spread max"}},
+                                   rows);
+    text += filesText(report);
+    if (report.assertionFailures != 0) {
+        text += counted(report.assertionFailures, "assertions of the plug-in failed\n");
+    }
+    return text + verdict(report, checks);
+}
+
+}  // namespace host

@@ -1,0 +1,17 @@
+/// Results for people.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "checks.h"
+
+namespace host {
+
+/// Table of the channels.
+std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels);
+
+/// Table of a recording, what was written, and whether it can be trusted.
+std::string recordingText(const RecordingReport& report, const std::vector<Check>& checks);
+
+}  // namespace host

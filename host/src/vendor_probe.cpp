@@ -1,0 +1,59 @@
+#include "vendor_probe.h"
+
+#include <bit>
+
+namespace host {
+namespace {
+
+template <class Function>
+Function* find(const platform::Library& library, const char* name) {
+    return std::bit_cast<Function*>(library.symbol(name));
+}
+
+class SimulatorStampReader : public IfStampReader {
+  public:
+    using Function = decltype(VmbSimReadStamp);
+    explicit SimulatorStampReader(Function* function) : m_function(function) {}
+
+    VmbError_t read(const void* image, std::uint64_t size, VmbSimFrameStamp& stamp) const override {
+        return m_function(image, size, &stamp);
+    }
+
+  private:
+    Function* m_function;
+};
+
+std::string versionOf(const platform::Library& library) {
+    auto* query = find<decltype(VmbVersionQuery)>(library, "VmbVersionQuery");
+    VmbVersionInfo_t info{};
+    if (query == nullptr || query(&info, sizeof info) != VmbErrorSuccess) return {};
+    return std::to_string(info.major) + '.' + std::to_string(info.minor) + '.' + std::to_string(info.patch);
+}
+
+std::string scenarioOf(const platform::Library& library) {
+    auto* name = find<decltype(VmbSimScenarioName)>(library, "VmbSimScenarioName");
+    const char* text = name != nullptr ? name() : nullptr;
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+VendorProbe::VendorProbe() : VendorProbe(platform::findLoadedLibrary(platform::kVendorFileName)) {}
+
+VendorProbe::VendorProbe(std::shared_ptr<platform::Library> library) : m_library(std::move(library)) {
+    if (!m_library) return;
+    m_version = versionOf(*m_library);
+    m_scenario = scenarioOf(*m_library);
+    if (auto* read = find<decltype(VmbSimReadStamp)>(*m_library, "VmbSimReadStamp"); read != nullptr) {
+        m_reader = std::make_unique<SimulatorStampReader>(read);
+    }
+}
+
+std::string VendorProbe::describe() const {
+    std::string text =
+        "vendor library " + (m_version.empty() ? std::string("of unknown version") : m_version);
+    if (!m_scenario.empty()) text += " (simulator: " + m_scenario + ")";
+    return text;
+}
+
+}  // namespace host

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host_platform.h"
+#include "vimba_simulator.h"
+
+namespace host {
+
+/// Reads the truth that a simulated camera wrote into a picture.
+class IfStampReader {
+  public:
+    virtual ~IfStampReader() = default;
+    /// As VmbSimReadStamp.
+    virtual VmbError_t read(const void* image, std::uint64_t size, VmbSimFrameStamp& stamp) const = 0;
+};
+
+/// The camera vendor's library as the plug-in loaded it. Keeps it loaded.
+class VendorProbe {
+  public:
+    /// Looks at the vendor library of this process.
+    VendorProbe();
+    explicit VendorProbe(std::shared_ptr<platform::Library> library);
+
+    /// "1.9.1"; empty when the library does not tell.
+    const std::string& version() const { return m_version; }
+    /// The simulator's scenario; empty with the vendor's own library.
+    const std::string& scenario() const { return m_scenario; }
+    /// Null with the vendor's own library.
+    const IfStampReader* stampReader() const { return m_reader.get(); }
+    /// "vendor library 1.9.1 (simulator: two-cameras)"
+    std::string describe() const;
+
+  private:
+    std::shared_ptr<platform::Library> m_library;
+    std::string m_version;
+    std::string m_scenario;
+    std::unique_ptr<IfStampReader> m_reader;
+};
+
+}  // namespace host

@@ -1,0 +1,61 @@
+#include "recording_sink.h"
+
+#include <gtest/gtest.h>
+
+using host::RecordingSink;
+using host::RingFrame;
+
+namespace {
+
+class RecordingSinkTest : public testing::Test {
+  protected:
+    std::vector<std::int64_t> times() {
+        std::vector<std::int64_t> times;
+        for (RingFrame frame; m_sink.ring()->front(frame); m_sink.ring()->pop()) times.push_back(frame.time);
+        return times;
+    }
+    void add(std::int64_t time) { m_sink.addSample(time, "ab", 2); }
+
+    int m_wakes = 0;
+    RecordingSink m_sink{1000, [this] { ++m_wakes; }};
+};
+
+TEST_F(RecordingSinkTest, KeepsFramesFromTheFirstUpToTheEndWithoutIt) {
+    m_sink.makeRing(10, 2);
+    for (const std::int64_t time : {500, 900, 1499}) add(time);
+    EXPECT_FALSE(m_sink.isPastEnd());
+    add(1500);
+    EXPECT_TRUE(m_sink.isPastEnd());
+    EXPECT_EQ(times(), (std::vector<std::int64_t>{500, 900, 1499}));
+    EXPECT_EQ(m_wakes, 4);
+}
+
+TEST_F(RecordingSinkTest, KeepsNothingAfterTheEnd) {
+    m_sink.makeRing(10, 2);
+    for (const std::int64_t time : {0, 1000, 999, 1001}) add(time);
+    EXPECT_EQ(times(), (std::vector<std::int64_t>{0}));
+    EXPECT_EQ(m_sink.ring()->lost(), 0u);
+}
+
+TEST_F(RecordingSinkTest, StartsAtAnyTimeAlsoBeforeZero) {
+    m_sink.makeRing(10, 2);
+    for (const std::int64_t time : {-700, 299, 300}) add(time);
+    EXPECT_EQ(times(), (std::vector<std::int64_t>{-700, 299}));
+}
+
+TEST_F(RecordingSinkTest, KeepsNothingWithoutMemory) {
+    add(0);
+    m_sink.makeRing(10, 2);
+    add(5000);
+    EXPECT_EQ(times(), (std::vector<std::int64_t>{5000}));
+}
+
+TEST_F(RecordingSinkTest, KeepsNothingOnceClosed) {
+    m_sink.makeRing(10, 2);
+    add(0);
+    m_sink.close();
+    add(1);
+    EXPECT_EQ(times(), (std::vector<std::int64_t>{0}));
+}
+
+}  // namespace

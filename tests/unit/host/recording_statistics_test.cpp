@@ -1,0 +1,137 @@
+#include "recording_statistics.h"
+
+#include <numeric>
+
+#include <gtest/gtest.h>
+
+using host::ChannelReport;
+using host::RecordingStatistics;
+using host::StampReading;
+
+namespace {
+
+StampReading stamp(std::uint64_t id, std::uint64_t exposureNs, std::uint64_t wayNs = 0,
+                   VmbError_t result = VmbErrorSuccess) {
+    StampReading reading;
+    reading.result = result;
+    reading.stamp.frameId = id;
+    reading.stamp.exposureStartNs = exposureNs;
+    reading.stamp.wayNs = wayNs;
+    return reading;
+}
+
+TEST(Median, IsTheMiddleOrTheMeanOfTheTwoInTheMiddle) {
+    EXPECT_EQ(host::median({}), 0);
+    EXPECT_EQ(host::median({7}), 7);
+    EXPECT_EQ(host::median({9, 1, 5}), 5);
+    EXPECT_EQ(host::median({10, 1, 4, 9}), 6);  // (4 + 9) / 2 = 6.5, towards the smaller
+    EXPECT_EQ(host::median({-3, -8}), -6);
+}
+
+TEST(Percentile, IsTheSmallestValueThatEnoughValuesDoNotExceed) {
+    std::vector<std::int64_t> hundred(100);
+    std::iota(hundred.begin(), hundred.end(), 1);
+    EXPECT_EQ(host::percentile(hundred, 99), 99);
+    hundred.push_back(101);  // 99 % of 101 are 99.99, so 100 values are needed
+    EXPECT_EQ(host::percentile(hundred, 99), 100);
+    EXPECT_EQ(host::percentile({3, 1, 2}, 99), 3);
+    EXPECT_EQ(host::percentile({}, 99), 0);
+}
+
+TEST(RecordingStatistics, SplitsTheTimeErrorIntoConstantPartAndSpread) {
+    RecordingStatistics statistics(true, 50.0);
+    // Errors 100, 104, 97, 101, 99: median 100, distances 0, 4, 3, 1, 1.
+    statistics.add(1100, 0, stamp(1, 1000, 90));
+    statistics.add(2104, 0, stamp(2, 2000, 95));
+    statistics.add(3097, 0, stamp(3, 3000, 95));
+    statistics.add(4101, 0, stamp(4, 4000, 97));
+    statistics.add(5099, 0, stamp(5, 5000, 99));
+    const ChannelReport report = statistics.report(0);
+    ASSERT_TRUE(report.timeError);
+    EXPECT_EQ(report.timeError->constantNs, 100);
+    EXPECT_EQ(report.timeError->wayNs, 95);
+    EXPECT_EQ(report.timeError->spreadMaxNs, 4);
+    EXPECT_EQ(report.timeError->spreadP99Ns, 4);
+    EXPECT_EQ(report.frames, 5u);
+    EXPECT_EQ(report.matches, 5u);
+    EXPECT_EQ(report.mismatches, 0u);
+}
+
+TEST(RecordingStatistics, CountsTheSpreadToBothSides) {
+    RecordingStatistics statistics(true, 50.0);
+    for (const std::int64_t error : {100, 100, 40}) statistics.add(1000 + error, 0, stamp(1, 1000));
+    EXPECT_EQ(statistics.report(0).timeError->spreadMaxNs, 60);
+}
+
+TEST(RecordingStatistics, LeavesTheRarestFramesOutOfTheNinetyNinePercent) {
+    RecordingStatistics statistics(true, 50.0);
+    for (std::uint64_t id = 0; id < 199; ++id) statistics.add(10, 0, stamp(id, 10));
+    statistics.add(510, 0, stamp(199, 10));
+    EXPECT_EQ(statistics.report(0).timeError->spreadP99Ns, 0);
+    EXPECT_EQ(statistics.report(0).timeError->spreadMaxNs, 500);
+}
+
+TEST(RecordingStatistics, CountsGapsAndDoublesInTheFrameNumbers) {
+    RecordingStatistics statistics(true, 50.0);
+    for (const std::uint64_t id : {7, 8, 11, 11, 10, 12, 14}) statistics.add(0, 0, stamp(id, 0));
+    const ChannelReport report = statistics.report(0);
+    EXPECT_EQ(report.lost, 3u);     // 9, 10 and 13
+    EXPECT_EQ(report.doubled, 2u);  // the second 11, and 10 behind 11
+}
+
+TEST(RecordingStatistics, CountsPicturesThatDifferOrHaveNoStamp) {
+    RecordingStatistics statistics(true, 50.0);
+    statistics.add(0, 0, stamp(1, 0));
+    statistics.add(0, 0, stamp(2, 0, 0, VmbErrorIncomplete));
+    statistics.add(0, 0, stamp(0, 0, 0, VmbErrorNotFound));
+    statistics.add(0, 0, stamp(3, 0));
+    const ChannelReport report = statistics.report(0);
+    EXPECT_EQ(report.matches, 2u);
+    EXPECT_EQ(report.mismatches, 2u);
+    EXPECT_EQ(report.lost, 0u);
+}
+
+TEST(RecordingStatistics, TakesFramesRefusedByTheHostForPartOfTheGap) {
+    RecordingStatistics statistics(true, 50.0);
+    statistics.add(0, 0, stamp(1, 0));
+    statistics.add(0, 2, stamp(5, 0));  // 2, 3, 4 missing, two of them in the host
+    const ChannelReport report = statistics.report(2);
+    EXPECT_EQ(report.lost, 3u);
+    EXPECT_EQ(report.lostInHost, 2u);
+}
+
+TEST(RecordingStatistics, AddsFramesRefusedBehindTheLast) {
+    RecordingStatistics statistics(true, 50.0);
+    statistics.add(0, 0, stamp(1, 0));
+    EXPECT_EQ(statistics.lost(4), 4u);
+    EXPECT_EQ(statistics.report(4).lost, 4u);
+}
+
+TEST(RecordingStatistics, TellsLossesFromTheTimeWithoutStamps) {
+    RecordingStatistics statistics(false, 50.0);  // a period of 20 ms
+    for (const std::int64_t ms : {0, 20, 40, 69, 128}) statistics.add(ms * 1'000'000, 0, {});
+    // 29 ms are 1.45 periods, 59 ms are 2.95: two missing.
+    const ChannelReport report = statistics.report(0);
+    EXPECT_EQ(report.lost, 2u);
+    EXPECT_FALSE(report.stamped);
+    EXPECT_FALSE(report.timeError);
+    EXPECT_EQ(report.mismatches, 0u);
+}
+
+TEST(RecordingStatistics, CountsOnePeriodAndAHalfAsNoLoss) {
+    RecordingStatistics statistics(false, 50.0);
+    statistics.add(0, 0, {});
+    statistics.add(30'000'000, 0, {});
+    EXPECT_EQ(statistics.report(0).lost, 0u);
+    statistics.add(60'000'001, 0, {});
+    EXPECT_EQ(statistics.report(0).lost, 1u);
+}
+
+TEST(RecordingStatistics, KnowsOnlyTheHostsLossesWithoutStampsAndRate) {
+    RecordingStatistics statistics(false, std::nullopt);
+    statistics.add(0, 0, {});
+    statistics.add(1'000'000'000, 3, {});
+    EXPECT_EQ(statistics.report(4).lost, 4u);
+}
+
+}  // namespace
