@@ -4,7 +4,10 @@
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define ZELT_SANITIZED
-#include <sanitizer/allocator_interface.h>
+
+// Offered by the sanitizers' run-time libraries; the compiler package does not install their header.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, std::size_t),
+                                                         void (*freed)(const volatile void*));
 #endif
 
 namespace {

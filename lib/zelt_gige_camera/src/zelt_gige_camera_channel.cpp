@@ -47,25 +47,34 @@ void CameraChannel::open() {
         throw report("Cannot open camera '%1': %2", error.what());
     }
     GIGE_LOG(Detail) << "Camera " << m_identity.name << " opened successfully.";
+    Keys changed;
     try {
-        configureOpened(handle);
+        configureOpened(handle, changed);
     } catch (const CameraApiError& error) {
-        {
-            const platform::MutexLock lock(m_state.mutex);
-            m_device_handle = kNoCamera;
-        }
-        try {
-            m_api->closeCamera(handle);
-        } catch (const CameraApiError&) {
-            // The first failure is the one to report.
-        }
+        abandon(handle);
         GIGE_LOG(Error) << kCannotConfigure << error.what();
         throw report("Cannot configure camera '%1': %2", error.what());
+    } catch (...) {
+        abandon(handle);
+        throw;
+    }
+    notify(changed);
+}
+
+/// Closes a camera that could not be configured; the reason for it is the failure to report.
+void CameraChannel::abandon(CameraHandle handle) noexcept {
+    m_connected = false;
+    {
+        const platform::MutexLock lock(m_state.mutex);
+        m_device_handle = kNoCamera;
+    }
+    try {
+        m_api->closeCamera(handle);
+    } catch (...) {
     }
 }
 
-void CameraChannel::configureOpened(CameraHandle handle) {
-    Keys changed;
+void CameraChannel::configureOpened(CameraHandle handle, Keys& changed) {
     {
         const platform::MutexLock lock(m_state.mutex);
         m_device_handle = handle;
@@ -76,7 +85,6 @@ void CameraChannel::configureOpened(CameraHandle handle) {
         updateBandwidth();
     }
     m_api->registerCameraCallback(handle, this);
-    notify(changed);
 }
 
 void CameraChannel::updateCaches(Keys& changed) {

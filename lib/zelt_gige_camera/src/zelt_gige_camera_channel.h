@@ -84,7 +84,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     using Keys = std::vector<std::string>;
 
     void open();
-    void configureOpened(zelt_gige_api::CameraHandle handle);
+    void configureOpened(zelt_gige_api::CameraHandle handle, Keys& changed);
+    void abandon(zelt_gige_api::CameraHandle handle) noexcept;
     void openAgainIfNeeded();
     void applyConfiguration(Keys& changed) ZELT_REQUIRES(m_state.mutex);
     void writePendingFormat() ZELT_REQUIRES(m_state.mutex);

@@ -64,7 +64,6 @@ bool CameraPlugin::createServices() {
     if (m_service_factory != nullptr) return true;
     m_service_factory = new zeltpu::ServiceFactory;
     m_service_factory->addRef();
-    GIGE_LOG(Warning) << "This version offers no topology and no Sync Out AUX service";
     return true;
 }
 

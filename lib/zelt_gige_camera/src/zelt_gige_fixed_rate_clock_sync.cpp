@@ -1,5 +1,7 @@
 #include "zelt_gige_fixed_rate_clock_sync.h"
 
+#include <cstdlib>
+
 #include "assertion.h"
 
 namespace zelt_gige_camera {
@@ -9,10 +11,10 @@ constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_fixed_ra
 
 std::int64_t roundToNearest(const Rational& value) {
     const std::int64_t whole = value.numerator() / value.denominator();
-    const Rational rest = value - whole;
-    if (rest >= Rational(1, 2)) return whole + 1;
-    if (rest <= Rational(-1, 2)) return whole - 1;
-    return whole;
+    const std::int64_t rest = std::abs(value.numerator() % value.denominator());
+    const bool nearerToNext = rest >= value.denominator() - rest;
+    if (!nearerToNext) return whole;
+    return value.numerator() < 0 ? whole - 1 : whole + 1;
 }
 
 }  // namespace

@@ -7,29 +7,6 @@
 #include "zelt_gige_vmb_call.h"
 
 namespace zelt_gige_api {
-namespace {
-
-FeatureType toFeatureType(VmbFeatureData_t type) {
-    switch (type) {
-        case VmbFeatureDataBool:
-            return FeatureType::Bool;
-        case VmbFeatureDataInt:
-            return FeatureType::Int;
-        case VmbFeatureDataFloat:
-            return FeatureType::Float;
-        case VmbFeatureDataString:
-            return FeatureType::String;
-        case VmbFeatureDataEnum:
-            return FeatureType::Enum;
-        case VmbFeatureDataCommand:
-            return FeatureType::Command;
-        default:
-            return FeatureType::Other;
-    }
-}
-
-}  // namespace
-
 CameraHandle VimbaCameraApi::openCamera(const std::string& cameraId) {
     VmbHandle_t handle = nullptr;
     check(VmbCameraOpen(cameraId.c_str(), VmbAccessModeFull, &handle), "Could not open camera: ");

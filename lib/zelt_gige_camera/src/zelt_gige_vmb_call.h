@@ -11,11 +11,33 @@
 
 namespace zelt_gige_api {
 
+// The vendor's handles are numbers dressed as pointers: the system object is 1.
+// NOLINTNEXTLINE(performance-no-int-to-ptr)
 inline VmbHandle_t toVmb(CameraHandle handle) {
     return reinterpret_cast<VmbHandle_t>(handle);
 }
 inline CameraHandle fromVmb(VmbHandle_t handle) {
     return reinterpret_cast<CameraHandle>(handle);
+}
+
+/// This layer's name for a data type of the library; what it has no name for is Other.
+inline FeatureType toFeatureType(VmbFeatureData_t type) {
+    switch (type) {
+        case VmbFeatureDataBool:
+            return FeatureType::Bool;
+        case VmbFeatureDataInt:
+            return FeatureType::Int;
+        case VmbFeatureDataFloat:
+            return FeatureType::Float;
+        case VmbFeatureDataString:
+            return FeatureType::String;
+        case VmbFeatureDataEnum:
+            return FeatureType::Enum;
+        case VmbFeatureDataCommand:
+            return FeatureType::Command;
+        default:
+            return FeatureType::Other;
+    }
 }
 
 /// Throws CameraApiError with the prefix and the code's text unless the call succeeded.

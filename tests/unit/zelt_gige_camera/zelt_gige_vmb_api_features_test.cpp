@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "vmb_api_fixture.h"
+#include "zelt_gige_vmb_call.h"
 
 namespace {
 
@@ -184,6 +185,19 @@ TEST_F(VmbApiTest, TypeOfAFeatureThatCannotBeQueriedIsNone) {
     const CameraHandle camera = open();
     EXPECT_EQ(api.getFeatureType(camera, "Width"), FeatureType::Int);
     EXPECT_EQ(api.getFeatureType(camera, "NoSuchThing"), FeatureType::None);
+}
+
+TEST(FeatureTypeMapping, NamesSixTypesAndTakesAllOthersForOther) {
+    using zelt_gige_api::toFeatureType;
+    EXPECT_EQ(toFeatureType(VmbFeatureDataInt), FeatureType::Int);
+    EXPECT_EQ(toFeatureType(VmbFeatureDataFloat), FeatureType::Float);
+    EXPECT_EQ(toFeatureType(VmbFeatureDataEnum), FeatureType::Enum);
+    EXPECT_EQ(toFeatureType(VmbFeatureDataString), FeatureType::String);
+    EXPECT_EQ(toFeatureType(VmbFeatureDataBool), FeatureType::Bool);
+    EXPECT_EQ(toFeatureType(VmbFeatureDataCommand), FeatureType::Command);
+    for (const VmbFeatureData_t other : {0u, 7u, 8u, 9u, 77u}) {
+        EXPECT_EQ(toFeatureType(other), FeatureType::Other) << other;
+    }
 }
 
 /// One typed access: the vendor call it makes and the access itself.

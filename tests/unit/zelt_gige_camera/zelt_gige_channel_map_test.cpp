@@ -1,0 +1,60 @@
+#include "zelt_gige_channel_map.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using zelt_gige_camera::ChannelMap;
+using zelt_gige_camera::freeChannelId;
+using zelt_gige_camera::nextChannelId;
+using zelt_gige_camera::PublishedChannels;
+
+constexpr std::uint32_t kLargest = ~std::uint32_t{0};
+
+ChannelMap withIds(std::initializer_list<std::uint32_t> ids) {
+    ChannelMap channels;
+    for (const std::uint32_t id : ids) channels.emplace(id, nullptr);
+    return channels;
+}
+
+TEST(ChannelIds, BeginAtZero) {
+    EXPECT_EQ(nextChannelId({}), 0u);
+}
+
+TEST(ChannelIds, FollowTheLargest) {
+    EXPECT_EQ(nextChannelId(withIds({0, 7, 3})), 8u);
+}
+
+TEST(ChannelIds, BeginAgainAfterTheLargestNumber) {
+    EXPECT_EQ(nextChannelId(withIds({0, kLargest})), 0u);
+}
+
+TEST(ChannelIds, AreTheCandidateWhenItIsFree) {
+    EXPECT_EQ(freeChannelId(withIds({0, 1}), 5), 5u);
+}
+
+TEST(ChannelIds, SkipThoseInUse) {
+    EXPECT_EQ(freeChannelId(withIds({0, 1, 3}), 0), 2u);
+}
+
+TEST(ChannelIds, AreNeverTheOneThatMeansNoChannel) {
+    EXPECT_EQ(freeChannelId(withIds({0}), kLargest), 1u);
+    EXPECT_EQ(freeChannelId({}, kLargest), 0u);
+}
+
+TEST(PublishedChannelsTest, StartEmptyAndNeverNull) {
+    PublishedChannels published;
+    ASSERT_NE(published.snapshot(), nullptr);
+    EXPECT_TRUE(published.snapshot()->empty());
+    EXPECT_EQ(published.getTotalRequiredBandwidth(), 0u);
+}
+
+TEST(PublishedChannelsTest, LeaveAnEarlierSnapshotAsItWas) {
+    PublishedChannels published;
+    const auto before = published.snapshot();
+    published.publish(withIds({4}));
+    EXPECT_TRUE(before->empty());
+    EXPECT_EQ(published.snapshot()->count(4), 1u);
+}
+
+}  // namespace
