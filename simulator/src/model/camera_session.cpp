@@ -33,7 +33,7 @@ void CameraSession::disconnect() {
 
 void CameraSession::close() {
     {
-        const Lock lock(mutex());
+        const Lock lock(m_camera->mutex());
         m_alive = false;
         m_camera->setAcquiring(false);
         m_engine.quit();

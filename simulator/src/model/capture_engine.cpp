@@ -54,8 +54,8 @@ bool CaptureEngine::isOwnThread() const {
 Result CaptureEngine::startCapture() {
     if (m_capturing) return Result::InvalidAccess;
     m_capturing = true;
+    ++m_captures;
     m_nextId = 1;
-    m_lastSent = 0;
     m_callbacks = 0;
     return Result::Success;
 }
@@ -83,6 +83,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     m_camera.setAcquiring(true);
     m_camera.resetStatistics();
     m_linkFreeAt = now;
+    m_lastSent = m_nextId - 1;
     m_listener.onAcquisitionStarted(m_nextId, now);
 }
 
@@ -247,6 +248,7 @@ void CaptureEngine::expose(Nanoseconds start) {
     if (m_inFlightCount == kInFlight) return;  // The camera's memory is full: the picture is lost.
     Exposure& exposure = m_inFlight[(m_firstInFlight + m_inFlightCount++) % kInFlight];
     exposure.id = id;
+    exposure.capture = m_captures;
     exposure.start = start;
     exposure.transferAt = std::max(start + settings.exposure + settings.readout, m_linkFreeAt);
     exposure.dueAt = exposure.transferAt + settings.transfer;
@@ -261,7 +263,7 @@ void CaptureEngine::beginTransfer(Lock& lock) {
     m_firstInFlight = (m_firstInFlight + 1) % kInFlight;
     --m_inFlightCount;
     m_lastSent = exposure.id;
-    if (!m_capturing || exposure.fate.lost) return;
+    if (!m_capturing || exposure.capture != m_captures || exposure.fate.lost) return;
     Transfer transfer;
     transfer.exposure = exposure;
     if (!m_queue.take(exposure.transferAt, transfer.frame)) {

@@ -109,6 +109,7 @@ class CaptureEngine {
   private:
     struct Exposure {
         std::uint64_t id = 0;
+        std::uint64_t capture = 0;  // the capture that it is for; of no use to a later one
         Nanoseconds start = 0;
         Nanoseconds transferAt = 0;
         Nanoseconds dueAt = 0;
@@ -156,6 +157,7 @@ class CaptureEngine {
     FrameQueue m_queue;
     ExposureAgenda m_agenda;
     bool m_capturing = false;
+    std::uint64_t m_captures = 0;
     bool m_restart = false;
     bool m_halted = false;
     bool m_quit = false;

@@ -43,6 +43,11 @@ bool EventDispatcher::isOwnThread() const {
     return t_ownDispatcher == this;
 }
 
+bool EventDispatcher::isInvalidating(const char* feature) const {
+    // Only the own thread changes what is read here.
+    return isOwnThread() && m_running != nullptr && std::strcmp(m_running->feature, feature) == 0;
+}
+
 void EventDispatcher::add(const char* feature, InvalidationCallback callback, void* context) {
     const Lock lock(m_mutex);
     const auto found = find(feature, callback);
@@ -156,10 +161,7 @@ void EventDispatcher::invalidate(Lock& lock, const char* feature) {
         const Registration call = *found;
         m_running = &call;
         lock.unlock();
-        {
-            const InvalidationScope scope(m_owner, call.feature);
-            call.callback(m_owner, call.feature, call.context);
-        }
+        call.callback(m_owner, call.feature, call.context);
         lock.lock();
         m_running = nullptr;
         m_done.notify_all();

@@ -37,6 +37,8 @@ class EventDispatcher {
     /// thread.
     void stop();
     bool isOwnThread() const;
+    /// Is the caller in a callback for this feature?
+    bool isInvalidating(const char* feature) const;
 
     /// The same feature and callback again: replaces the context.
     void add(const char* feature, InvalidationCallback callback, void* context);

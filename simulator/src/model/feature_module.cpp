@@ -73,7 +73,7 @@ Result FeatureModule::write(const char* name, FeatureType type, FeatureValue val
     Feature* feature = nullptr;
     const Result found = find(name, type, feature);
     if (found != Result::Success) return found;
-    const bool inCallback = currentThreadRole() == ThreadRole::Frame || InvalidationScope::covers(this, name);
+    const bool inCallback = currentThreadRole() == ThreadRole::Frame || m_events.isInvalidating(name);
     if (inCallback) return Result::InvalidCall;
     if (!isWritable(*feature)) return Result::InvalidAccess;
     const Result accepted = FeatureTable::accept(*feature, value);

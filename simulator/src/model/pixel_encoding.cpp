@@ -7,7 +7,6 @@ namespace simulator {
 namespace {
 
 // The formats that the scenarios' cameras offer, by the vendor's numbers.
-constexpr std::uint32_t kMono8 = 0x01080001;
 constexpr std::uint32_t kMono12 = 0x01100005;
 constexpr std::uint32_t kBayerRg8 = 0x01080009;
 constexpr std::uint32_t kRgb8 = 0x02180014;

@@ -106,11 +106,10 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     if (slot->session != nullptr) return Result::InvalidAccess;
     auto session = std::make_shared<CameraSession>(m_clock, slot->camera, slot->faults, m_outlet,
                                                    mode == OpenMode::Full);
-    void* const fresh = reinterpret_cast<void*>(m_lastHandle + 0x10);
+    void* const fresh = &m_handles.emplace_back();
     session->hold(slot->held);
     session->start(fresh);
     m_sessions.emplace(fresh, session);
-    m_lastHandle += 0x10;
     slot->session = std::move(session);
     handle = fresh;
     return Result::Success;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -91,7 +92,7 @@ class Simulation {
     const Scenario* m_scenario = nullptr;
     std::vector<Slot> m_slots;
     std::map<void*, std::shared_ptr<CameraSession>> m_sessions;  // by handle
-    std::uintptr_t m_lastHandle = 0x1000;
+    std::deque<char> m_handles;  // their addresses are the handles, none of them given out twice
     void* m_systemHandle = nullptr;
     std::shared_ptr<SystemModule> m_system;
     CallFaults m_callFaults;

@@ -83,14 +83,14 @@ void TestPicture::digits(std::uint8_t* image, std::uint64_t number) const {
     const std::uint32_t cell = m_shape.width / 80 / kGroup * kGroup;
     const std::uint32_t top = m_shape.height * 3 / 4;
     if (cell == 0 || top + kGlyphHeight * cell > m_shape.height) return;
-    char text[20];
+    std::uint8_t text[20];
     std::size_t length = 0;
     for (; length < sizeof text && (number != 0 || length == 0); number /= 10) {
-        text[length++] = static_cast<char>(number % 10);
+        text[length++] = static_cast<std::uint8_t>(number % 10);
     }
     std::uint32_t x = 2 * cell;
     for (; length > 0 && x + kGlyphWidth * cell <= m_shape.width; x += (kGlyphWidth + 1) * cell) {
-        const auto& glyph = kGlyphs[static_cast<std::size_t>(text[--length])];
+        const auto& glyph = kGlyphs[text[--length]];
         for (std::uint32_t line = 0; line < kGlyphHeight; ++line) {
             for (std::uint32_t column = 0; column < kGlyphWidth; ++column) {
                 const bool ink = (glyph[line] >> (kGlyphWidth - 1 - column) & 1) != 0;

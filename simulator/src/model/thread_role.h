@@ -14,16 +14,4 @@ const char* threadRoleName(ThreadRole role);
 /// First thing on each thread of the library: names it and makes its wake-ups precise.
 void enterThread(ThreadRole role);
 
-/// While it lives, the calling thread delivers the invalidation of one feature of one owner.
-class InvalidationScope {
-  public:
-    InvalidationScope(const void* owner, const char* feature);
-    ~InvalidationScope();
-    InvalidationScope(const InvalidationScope&) = delete;
-    InvalidationScope& operator=(const InvalidationScope&) = delete;
-
-    /// Does the calling thread deliver the invalidation of this feature?
-    static bool covers(const void* owner, const char* feature);
-};
-
 }  // namespace simulator

@@ -225,6 +225,22 @@ TEST_F(StreamTest, AStartWhileAStopIsUnderWayFollowsIt) {
     stream.endCapture();
 }
 
+TEST_F(StreamTest, AFrameOfAnEarlierCaptureIsNotDeliveredInALaterOne) {
+    const VmbHandle_t camera = openFast();
+    setFloat(camera, "ExposureTimeAbs", 100'000);
+    for (int round = 0; round < 3; ++round) {
+        Stream stream(camera);
+        stream.startCapture();
+        run(camera, "AcquisitionStart");
+        if (round == 1) waitForFrames(1);
+        // Ends the capture with a frame under way, which the next capture must not see.
+        stream.endCapture();
+        if (round == 1) {
+            EXPECT_EQ(stream.ids().front(), 1u);
+        }
+    }
+}
+
 TEST_F(StreamTest, AfterTheStopNoFrameFollows) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);

@@ -92,7 +92,8 @@ TEST_F(SimulatorTest, TheMonochromeCameraHasNoColour) {
     EXPECT_EQ(enumOf(camera, "PixelFormat"), "Mono8");
     EXPECT_THAT(entriesOf(camera, "PixelFormat"), ElementsAre("Mono8", "Mono12"));
     VmbFeatureInfo_t info;
-    for (const char* name : {"Hue", "Saturation", "BalanceWhiteAuto", "BalanceRatioSelector", "BalanceRatioAbs"}) {
+    for (const char* name :
+         {"Hue", "Saturation", "BalanceWhiteAuto", "BalanceRatioSelector", "BalanceRatioAbs"}) {
         EXPECT_EQ(VmbFeatureInfoQuery(camera, name, &info, sizeof info), VmbErrorNotFound) << name;
     }
 }
@@ -115,7 +116,8 @@ TEST_F(SimulatorTest, EntriesComeInTheOrderOfTheirNumbers) {
         EXPECT_THAT(entriesOf(camera, automatic), ElementsAre("Off", "Continuous", "Once")) << automatic;
     }
     EXPECT_THAT(entriesOf(camera, "BalanceRatioSelector"), ElementsAre("Red", "Blue"));
-    EXPECT_THAT(entriesOf(camera, "BandwidthControlMode"), ElementsAre("StreamBytesPerSecond", "SCPD", "Both"));
+    EXPECT_THAT(entriesOf(camera, "BandwidthControlMode"),
+                ElementsAre("StreamBytesPerSecond", "SCPD", "Both"));
     EXPECT_THAT(entriesOf(camera, "EventNotification"), ElementsAre("Off", "On"));
     EXPECT_THAT(entriesOf(test_support::kSystem, "DiscoveryCameraEvent"),
                 ElementsAre("Missing", "Detected", "Reachable", "Unreachable"));
@@ -202,7 +204,8 @@ TEST_F(SimulatorTest, ExposureIsRoundedToMicroseconds) {
 TEST_F(SimulatorTest, TheRateIsRoundedToMicrosecondsOfItsPeriod) {
     const VmbHandle_t camera = open();
     setFloat(camera, "ExposureTimeAbs", 1000);
-    const std::pair<double, double> rates[] = {{50, 50}, {40, 40}, {25, 25}, {30, 1e6 / 33333}, {60, 1e6 / 16667}};
+    const std::pair<double, double> rates[] = {
+        {50, 50}, {40, 40}, {25, 25}, {30, 1e6 / 33333}, {60, 1e6 / 16667}};
     for (const auto& [asked, taken] : rates) {
         setFloat(camera, "AcquisitionFrameRateAbs", asked);
         EXPECT_EQ(floatOf(camera, "AcquisitionFrameRateAbs"), taken);

@@ -109,6 +109,7 @@ TEST_F(Invalidation, InItsCallbackTheFeatureItselfCannotBeSet) {
     EXPECT_EQ(command, VmbErrorSuccess);
     EXPECT_EQ(value, 320);
     EXPECT_EQ(VmbFeatureIntSet(camera, "Width", 328), VmbErrorSuccess);
+    heard();
 }
 
 TEST_F(Invalidation, UnregisteringFromTheOwnCallbackDoesNotWait) {

@@ -116,7 +116,7 @@ struct ReceivedFrame {
 /// Frames of one camera: memory, and a callback that records, runs a hook and queues again.
 class Stream {
   public:
-    explicit Stream(VmbHandle_t camera, std::size_t count = 5) : camera(camera), frames(count) {
+    explicit Stream(VmbHandle_t handle, std::size_t count = 5) : camera(handle), frames(count) {
         const auto payload = static_cast<std::size_t>(intOf(camera, "PayloadSize"));
         for (VmbFrame_t& frame : frames) {
             m_memory.emplace_back(payload);

@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
                     VmbSimUnplugCamera(kColourCamera);
                     EXPECT_EQ(VmbCameraClose(h), VmbErrorBadHandle);
                 }}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 class WaitsForEventCallback : public StreamTest, public ::testing::WithParamInterface<Waiting> {};
 
@@ -119,20 +119,21 @@ TEST_P(WaitsForEventCallback, OfTheCamera) {
 
 INSTANTIATE_TEST_SUITE_P(
     Every, WaitsForEventCallback,
-    ::testing::Values(
-        Waiting{"Unregister",
-                [](VmbHandle_t h, VmbFrame_t&) {
-                    EXPECT_EQ(VmbFeatureInvalidationUnregister(h, "Width", &Invalidations::on), 0);
-                }},
-        Waiting{"CameraClose", [](VmbHandle_t h, VmbFrame_t&) { EXPECT_EQ(VmbCameraClose(h), 0); }},
-        Waiting{"Shutdown", [](VmbHandle_t, VmbFrame_t&) { VmbShutdown(); }},
-        Waiting{"UnregisterOfACameraThatIsGone",
-                [](VmbHandle_t h, VmbFrame_t&) {
-                    VmbSimUnplugCamera(kColourCamera);
-                    EXPECT_EQ(VmbFeatureInvalidationUnregister(h, "Width", &Invalidations::on),
-                              VmbErrorBadHandle);
-                }}),
-    [](const auto& info) { return std::string(info.param.name); });
+    ::testing::Values(Waiting{"Unregister",
+                              [](VmbHandle_t h, VmbFrame_t&) {
+                                  EXPECT_EQ(VmbFeatureInvalidationUnregister(h, "Width", &Invalidations::on),
+                                            0);
+                              }},
+                      Waiting{"CameraClose",
+                              [](VmbHandle_t h, VmbFrame_t&) { EXPECT_EQ(VmbCameraClose(h), 0); }},
+                      Waiting{"Shutdown", [](VmbHandle_t, VmbFrame_t&) { VmbShutdown(); }},
+                      Waiting{"UnregisterOfACameraThatIsGone",
+                              [](VmbHandle_t h, VmbFrame_t&) {
+                                  VmbSimUnplugCamera(kColourCamera);
+                                  EXPECT_EQ(VmbFeatureInvalidationUnregister(h, "Width", &Invalidations::on),
+                                            VmbErrorBadHandle);
+                              }}),
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 /// Calls from a frame callback, where waiting would never end.
 class InFrameCallback : public StreamTest {

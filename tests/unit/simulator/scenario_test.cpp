@@ -1,0 +1,77 @@
+// Which cameras there are.
+#include <cstdlib>
+
+#include "simulator_fixture.h"
+
+namespace {
+
+using test_support::intOf;
+using test_support::kColourCamera;
+using test_support::Simulator;
+using test_support::SimulatorTest;
+
+TEST_F(SimulatorTest, AScenarioIsNotLoadedWhileTheLibraryIsStarted) {
+    EXPECT_STREQ(VmbSimScenarioName(), "two-cameras");
+    EXPECT_EQ(VmbSimLoadScenario("zero-cameras"), VmbErrorInvalidCall);
+    EXPECT_EQ(VmbSimLoadScenario("three-cameras"), VmbErrorNotFound);
+    EXPECT_EQ(VmbSimLoadScenario(nullptr), VmbErrorBadParameter);
+    EXPECT_STREQ(VmbSimScenarioName(), "two-cameras");
+}
+
+TEST_F(SimulatorTest, AScenarioStartsEverythingAfresh) {
+    test_support::setInt(open(), "Width", 320);
+    VmbSimUnplugCamera(test_support::kMonochromeCamera);
+    VmbSimFailCall("VmbCameraOpen", nullptr, -1, VmbErrorOther);
+    VmbSimForceFeature(nullptr, "GeVTLIsPresent", "false");
+    VmbSimJournalStart();
+    VmbShutdown();
+    EXPECT_EQ(VmbSimLoadScenario("two-cameras"), VmbErrorSuccess);
+    VmbStartup();
+    EXPECT_EQ(intOf(open(), "Width"), 656);
+    open(test_support::kMonochromeCamera);
+    bool present = false;
+    VmbFeatureBoolGet(test_support::kSystem, "GeVTLIsPresent", &present);
+    EXPECT_TRUE(present);
+    EXPECT_EQ(VmbSimJournalText(nullptr, 0), 1u);
+}
+
+/// The variable is read at first use, so each case needs a process in which the library was not used yet.
+class FirstUse : public ::testing::Test {
+  protected:
+    FirstUse() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+    ~FirstUse() override { unsetenv(VMBSIM_SCENARIO_VARIABLE); }
+
+    static void exitWith(bool good) { std::_Exit(good ? 0 : 1); }
+    static bool hasCameras() {
+        VmbHandle_t camera = nullptr;
+        return VmbStartup() == VmbErrorSuccess &&
+               VmbCameraOpen(kColourCamera, VmbAccessModeFull, &camera) == VmbErrorSuccess;
+    }
+};
+
+using FirstUseDeathTest = FirstUse;
+
+TEST_F(FirstUseDeathTest, TakesTheDefaultWithoutAVariable) {
+    unsetenv(VMBSIM_SCENARIO_VARIABLE);
+    EXPECT_EXIT(exitWith(hasCameras()), ::testing::ExitedWithCode(0), "^$");
+    setenv(VMBSIM_SCENARIO_VARIABLE, "", 1);
+    EXPECT_EXIT(exitWith(hasCameras()), ::testing::ExitedWithCode(0), "^$");
+}
+
+TEST_F(FirstUseDeathTest, TakesTheScenarioThatTheVariableNames) {
+    setenv(VMBSIM_SCENARIO_VARIABLE, "zero-cameras", 1);
+    EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()) == "zero-cameras" && !hasCameras()),
+                ::testing::ExitedWithCode(0), "^$");
+}
+
+TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhy) {
+    setenv(VMBSIM_SCENARIO_VARIABLE, "nowhere", 1);
+    EXPECT_EXIT(exitWith(VmbStartup() == VmbErrorOther), ::testing::ExitedWithCode(0),
+                "^VIMBAC_SIMULATOR_SCENARIO names the scenario \"nowhere\", but the simulator knows only: "
+                "two-cameras, zero-cameras\\.\n$");
+    EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()).empty() &&
+                         VmbSimLoadScenario("two-cameras") == VmbErrorSuccess && hasCameras()),
+                ::testing::ExitedWithCode(0), "^$");
+}
+
+}  // namespace
