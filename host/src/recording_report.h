@@ -14,7 +14,7 @@ namespace host {
 struct TimeError {
     std::int64_t constantNs = 0;   ///< median
     std::int64_t wayNs = 0;        ///< median of the nominal time from exposure to delivery
-    std::int64_t delayNs = 0;      ///< median of what the delivery took beyond that
+    std::int64_t delayP99Ns = 0;   ///< 99 % of the frames were handed over this much later than that or less
     std::int64_t spreadP99Ns = 0;  ///< 99 % of the frames lie within this distance of the median
     std::int64_t spreadMaxNs = 0;  ///< all of them do
 };

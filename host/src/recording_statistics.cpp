@@ -60,7 +60,7 @@ std::optional<TimeError> RecordingStatistics::timeError() const {
     TimeError error;
     error.constantNs = median(m_errors);
     error.wayNs = median(m_ways);
-    error.delayNs = median(m_delays);
+    error.delayP99Ns = percentile(m_delays, 99);
     std::vector<std::int64_t> distances;
     distances.reserve(m_errors.size());
     for (const std::int64_t value : m_errors) distances.push_back(std::abs(value - error.constantNs));

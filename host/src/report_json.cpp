@@ -39,7 +39,7 @@ ordered_json timeErrorJson(const std::optional<TimeError>& error) {
     if (!error) return nullptr;
     return {{"constant_ns", error->constantNs},
             {"way_ns", error->wayNs},
-            {"delay_ns", error->delayNs},
+            {"delay_p99_ns", error->delayP99Ns},
             {"spread_p99_ns", error->spreadP99Ns},
             {"spread_max_ns", error->spreadMaxNs}};
 }

@@ -75,9 +75,6 @@ std::string recordingText(const RecordingReport& report, const std::vector<Check
                                     {"time error: constant (way) / spread p99 / spread max"}},
                                    rows);
     text += filesText(report);
-    if (report.assertionFailures != 0) {
-        text += counted(report.assertionFailures, "assertions of the plug-in failed\n");
-    }
     return text + verdict(report, checks);
 }
 

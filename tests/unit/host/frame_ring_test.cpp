@@ -12,7 +12,7 @@ using host::RingFrame;
 namespace {
 
 bool push(FrameRing& ring, std::int64_t time, const std::string& text) {
-    return ring.push(time, text.data(), text.size());
+    return ring.push(time, time + 7, text.data(), text.size());
 }
 
 std::string text(const RingFrame& frame) {
@@ -35,6 +35,7 @@ TEST(FrameRing, GivesFramesInOrderAcrossTheWrap) {
         ASSERT_TRUE(push(ring, i, std::string(static_cast<std::size_t>(i), 'a')));
         ASSERT_TRUE(ring.front(frame));
         EXPECT_EQ(frame.time, i);
+        EXPECT_EQ(frame.arrival, i + 7);
         EXPECT_EQ(text(frame), std::string(static_cast<std::size_t>(i), 'a'));
         ring.pop();
     }
@@ -83,7 +84,7 @@ TEST(FrameRing, CarriesEveryFrameWholeBetweenTwoThreads) {
         std::array<std::byte, 64> bytes{};
         for (std::int64_t i = 0; i < kFrames; ++i) {
             bytes.fill(static_cast<std::byte>(i & 0xFF));
-            while (!ring.push(i, bytes.data(), bytes.size())) std::this_thread::yield();
+            while (!ring.push(i, i, bytes.data(), bytes.size())) std::this_thread::yield();
         }
     });
     std::int64_t next = 0;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "steady_master_clock.h"
+
 using host::RecordingSink;
 using host::RingFrame;
 
@@ -48,6 +50,16 @@ TEST_F(RecordingSinkTest, KeepsNothingWithoutMemory) {
     m_sink.makeRing(10, 2);
     add(5000);
     EXPECT_EQ(times(), (std::vector<std::int64_t>{5000}));
+}
+
+TEST_F(RecordingSinkTest, NotesWhenAFrameWasHandedOver) {
+    m_sink.makeRing(10, 2);
+    const std::int64_t before = host::steadyNanoseconds();
+    add(0);
+    RingFrame frame;
+    ASSERT_TRUE(m_sink.ring()->front(frame));
+    EXPECT_GE(frame.arrival, before);
+    EXPECT_LE(frame.arrival, host::steadyNanoseconds());
 }
 
 TEST_F(RecordingSinkTest, KeepsNothingOnceClosed) {
