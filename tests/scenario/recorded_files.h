@@ -1,0 +1,68 @@
+/// What a recording left on disk, read without the host's code.
+#pragma once
+
+#include <cstdint>
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "program_run.h"
+#include "vimba_simulator.h"
+
+namespace scenario {
+
+struct RecordedFrame {
+    std::uint64_t number = 0;
+    std::int64_t hostTime = 0;
+    std::uint64_t offset = 0;
+    std::uint64_t bytes = 0;
+    std::uint64_t frameId = 0;
+    std::uint64_t ticks = 0;
+    std::uint64_t exposureNs = 0;
+};
+
+inline std::vector<RecordedFrame> readTable(const fs::path& file) {
+    std::vector<RecordedFrame> frames;
+    std::vector<std::string> lines = readLines(file);
+    if (lines.empty() ||
+        lines[0] != "frame,host_time_ns,offset,bytes,camera_frame_id,camera_ticks,true_exposure_ns") {
+        ADD_FAILURE() << file << " has no such header";
+        return frames;
+    }
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        std::istringstream line(lines[i]);
+        RecordedFrame frame;
+        char comma = 0;
+        line >> frame.number >> comma >> frame.hostTime >> comma >> frame.offset >> comma >> frame.bytes >>
+            comma >> frame.frameId >> comma >> frame.ticks >> comma >> frame.exposureNs;
+        if (!line) ADD_FAILURE() << file << " line " << i << ": " << lines[i];
+        frames.push_back(frame);
+    }
+    return frames;
+}
+
+/// Checks that raw file and table hold the same whole frames, as the camera sent them; returns their number.
+inline std::size_t checkChannelFiles(const fs::path& directory, unsigned id, std::uint64_t pictureBytes) {
+    const std::string stem = "channel-" + std::to_string(id);
+    const std::string raw = readFile(directory / (stem + ".raw"));
+    const std::vector<RecordedFrame> frames = readTable(directory / (stem + ".csv"));
+    EXPECT_EQ(raw.size(), frames.size() * pictureBytes);
+    for (std::size_t i = 0; i < frames.size() && (i + 1) * pictureBytes <= raw.size(); ++i) {
+        EXPECT_EQ(frames[i].number, i);
+        EXPECT_EQ(frames[i].offset, i * pictureBytes);
+        EXPECT_EQ(frames[i].bytes, pictureBytes);
+        VmbSimFrameStamp stamp{};
+        EXPECT_EQ(VmbSimReadStamp(raw.data() + i * pictureBytes, pictureBytes, &stamp), VmbErrorSuccess);
+        EXPECT_EQ(frames[i].frameId, stamp.frameId);
+        EXPECT_EQ(frames[i].ticks, stamp.cameraTicks);
+        EXPECT_EQ(frames[i].exposureNs, stamp.exposureStartNs);
+    }
+    return frames.size();
+}
+
+inline nlohmann::json readSummary(const fs::path& directory) {
+    return nlohmann::json::parse(readFile(directory / "summary.json"), nullptr, false);
+}
+
+}  // namespace scenario
