@@ -11,6 +11,8 @@ function(zelt_add_test)
     add_executable(${ARG_NAME} ${sources})
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
         zelt_warnings)
+    # What is tested is optimised as the preset says; the tests themselves only have to compile quickly.
+    target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
     add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
     set_tests_properties(${ARG_NAME} PROPERTIES
         FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600)
