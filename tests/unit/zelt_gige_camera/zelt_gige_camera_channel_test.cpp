@@ -339,6 +339,19 @@ TEST_F(OneCamera, TellsTheHostThatValidChangedWhenItIsPrepared) {
     channel(0)->setChangeCallback({});
 }
 
+TEST_F(OneCamera, LetsTheHostReadBackWhatItIsToldOf) {
+    open();
+    std::string valid;
+    const auto config = channel(0);
+    config->setChangeCallback([&](const std::string& key) {
+        const auto item = config->getItem(key);
+        valid = boost::apply_visitor([](const auto& value) { return value.toString(); }, item);
+    });
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(valid, "1");
+    channel(0)->setChangeCallback({});
+}
+
 TEST_F(OneCamera, TellsTheHostOfGeometryThatTheCameraChanged) {
     open();
     VmbSimForceFeature(kColourCamera, "Width", "640");

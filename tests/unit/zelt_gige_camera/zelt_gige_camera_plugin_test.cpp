@@ -246,6 +246,8 @@ TEST_F(PluginTest, MayBeAskedForChannelsWhileCamerasComeAndGo) {
         while (!done) {
             plugin->findChannelId(kMonochromeCamera);
             plugin->isReadyForAcquisition();
+            plugin->getChannelIds();
+            plugin->getChannelConfig(1);
         }
     });
     for (int round = 0; round < 5; ++round) {
