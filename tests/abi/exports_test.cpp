@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include <boost/uuid/string_generator.hpp>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "if_daq_plugin.h"
 #include "if_plugin_creator.h"
 
 namespace {
@@ -38,7 +40,13 @@ class LoadedLibrary : public ::testing::Test {
     Function* symbol(const char* name) {
         return reinterpret_cast<Function*>(dlsym(library, name));
     }
-    void* library = dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
+    ~LoadedLibrary() override { close(); }
+    static void* open() { return dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL); }
+    void close() {
+        if (library != nullptr) dlclose(library);
+        library = nullptr;
+    }
+    void* library = open();
 };
 
 TEST(Exports, AreExactlyTheTwoFunctions) {
@@ -63,13 +71,22 @@ TEST_F(LoadedLibrary, HandsOutOneCreator) {
     EXPECT_STREQ(factory()->getPluginName(0), "GIGECAMERA");
 }
 
-TEST_F(LoadedLibrary, CanBeUnloadedAndLoadedAgain) {
-    ASSERT_NE(library, nullptr) << dlerror();
-    symbol<ZeltGetPluginFactory>("ZELT_getPluginFactory")();
-    EXPECT_EQ(dlclose(library), 0);
-    library = dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    EXPECT_NE(symbol<ZeltGetPluginFactory>("ZELT_getPluginFactory")(), nullptr);
+TEST_F(LoadedLibrary, LeavesNothingBehindWhenItIsUnloadedAfterUse) {
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_NE(library, nullptr) << dlerror();
+        plugin_api::IfPluginCreator* const creator = symbol<ZeltGetPluginFactory>("ZELT_getPluginFactory")();
+        const auto typeId = boost::uuids::string_generator()("{D40250C7-33F6-4ECE-9A88-BAE8EE6D5FA5}");
+        zelt::IfDAQPlugin* plugin = nullptr;
+        ASSERT_TRUE(creator->createPlugin("GIGECAMERA", typeId, &plugin));
+        ASSERT_TRUE(plugin->initialize());
+        plugin->enumerateDevices();
+        EXPECT_EQ(plugin->getChannelIds().size(), 2u);
+        plugin->terminate();
+        EXPECT_TRUE(creator->destroyPlugin(typeId, plugin));
+        close();
+        EXPECT_EQ(dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr);
+        library = open();
+    }
 }
 
 }  // namespace

@@ -11,8 +11,8 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr std::uint64_t kColourBytes = 656 * 492 * 2;
-constexpr std::uint64_t kGreyBytes = 656 * 492;
+constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
+constexpr std::uint64_t kGreyBytes = 656ull * 492;
 
 class ARecordingCutShortIsWhole : public testing::Test {
   protected:

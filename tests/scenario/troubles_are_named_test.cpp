@@ -31,7 +31,7 @@ class TroublesAreNamed : public testing::Test {
         return runProgram(arguments);
     }
     path copyPlugin() const {
-        const path copy = m_directory.path() / kPlugin;
+        path copy = m_directory.path() / kPlugin;
         scenario::fs::copy_file(binaries() / kPlugin, copy);
         return copy;
     }

@@ -24,8 +24,8 @@ constexpr bool kTimesHold = true;
 constexpr bool kTimesHold = true;
 #endif
 
-constexpr std::uint64_t kColourBytes = 656 * 492 * 2;
-constexpr std::uint64_t kGreyBytes = 656 * 492;
+constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
+constexpr std::uint64_t kGreyBytes = 656ull * 492;
 
 std::pair<unsigned, unsigned> pngSize(const path& file) {
     const std::string bytes = scenario::readFile(file);

@@ -15,8 +15,9 @@ class IfChannelMessages {
     /// Copies the channel's latest message; false when there was none. [any thread]
     virtual bool getLastMessage(exception_manager::Exception& out) = 0;
     /// Sets the listener that is told of every message as it happens; empty switches it off. [host] The
-    /// listener may be called on any thread, also the vendor library's; it must not call plug-in operations.
-    /// After this returns the old listener is never called again.
+    /// listener may be called on any thread, also the vendor library's, and from within plug-in operations,
+    /// so it must not call plug-in operations itself; channel configurations it may use. After this returns
+    /// the old listener is never called again.
     virtual void setMessageListener(MessageListener listener) = 0;
 
   protected:

@@ -46,9 +46,9 @@ void CameraChannel::open() {
         GIGE_LOG(Error) << "Cannot open camera: " << error.what();
         throw report("Cannot open camera '%1': %2", error.what());
     }
-    GIGE_LOG(Detail) << "Camera " << m_identity.name << " opened successfully.";
     Keys changed;
     try {
+        GIGE_LOG(Detail) << "Camera " << m_identity.name << " opened successfully.";
         configureOpened(handle, changed);
     } catch (const CameraApiError& error) {
         abandon(handle);
@@ -113,9 +113,7 @@ bool CameraChannel::prepareAndStartCapture() {
     try {
         const platform::MutexLock lock(m_state.mutex);
         if (m_state.values.triggerModeIsAux) {
-            GIGE_LOG(Warning) << "Camera " << m_identity.name
-                              << " is set to external trigger, which this version cannot record";
-            return false;
+            throw CameraApiError("The camera is set to external trigger, which this version cannot record");
         }
         applyConfiguration(changed);
         pending = m_state.values.configurationPending;
@@ -185,7 +183,7 @@ bool CameraChannel::startCapture() {
             m_receiver.reset();
         }
         m_capture.start(handle);
-        setCaptureFailed(false);
+        if (setCaptureFailed(false)) notify({config_keys::kValid});
         return true;
     } catch (const CameraApiError& error) {
         GIGE_LOG(Error) << "Camera " << m_identity.name << " cannot start: " << error.what();
@@ -196,15 +194,16 @@ bool CameraChannel::startCapture() {
     }
 }
 
-void CameraChannel::setCaptureFailed(bool failed) {
+bool CameraChannel::setCaptureFailed(bool failed) {
     const platform::MutexLock lock(m_state.mutex);
-    m_state.values.captureFailed = failed;
+    return std::exchange(m_state.values.captureFailed, failed) != failed;
 }
 
 void CameraChannel::startAcquisition() {
     if (!m_used) return;
-    GIGE_LOG(Detail) << "Camera " << m_identity.name << " starting acquisition...";
     try {
+        requirePrepared();
+        GIGE_LOG(Detail) << "Camera " << m_identity.name << " starting acquisition...";
         beginAcquisition();
         m_api->acquisitionStart(deviceHandle());
     } catch (const CameraApiError& error) {
@@ -217,13 +216,17 @@ void CameraChannel::startAcquisition() {
     }
 }
 
-void CameraChannel::beginAcquisition() {
+void CameraChannel::requirePrepared() {
     const platform::MutexLock lock(m_state.mutex);
     ZELT_ASSERT_AS(m_receiver.hasMasterClock(), "m_master_clock", kSourcePath);
     if (!m_receiver.hasMasterClock()) throw CameraApiError("The host has set no master clock");
     if (m_device_handle == kNoCamera || !m_capture.isRunning()) {
         throw CameraApiError("The camera is not prepared");
     }
+}
+
+void CameraChannel::beginAcquisition() {
+    const platform::MutexLock lock(m_state.mutex);
     const std::int64_t frequency = m_state.values.tickFrequency;
     m_receiver.begin(
         std::make_unique<FixedRateClockSync>(Rational(frequency), static_cast<double>(frequency)));
@@ -244,34 +247,46 @@ void CameraChannel::close() noexcept {
     ZELT_ASSERT_AS(m_acquisition_started.load(std::memory_order_relaxed) == false,
                    "m_acquisition_started.load_relaxed() == false", kSourcePath,
                    "The camera must be stopped before closing it");
-    try {
-        if (deviceHandle() == kNoCamera) return;
-        endStreaming();
-        const CameraHandle handle = [this] {
-            const platform::MutexLock lock(m_state.mutex);
-            return std::exchange(m_device_handle, kNoCamera);
-        }();
-        m_api->unregisterCameraCallback(handle);
-        m_api->closeCamera(handle);
-        GIGE_LOG(Debug) << "Camera " << m_identity.name << " closed.";
-    } catch (...) {
+    if (deviceHandle() == kNoCamera) return;
+    // Each step on its own: whatever one of them throws, a log sink included, the camera must not stay open
+    // with this channel as its callback.
+    bool closed = true;
+    const auto attempt = [&closed](auto&& step) {
         try {
-            GIGE_LOG(Error) << "Cannot close camera " << m_identity.name;
+            step();
         } catch (...) {
-            // A log sink that throws must not reach the host from here.
+            closed = false;
         }
-    }
+    };
+    endStreaming();
+    const CameraHandle handle = [this] {
+        const platform::MutexLock lock(m_state.mutex);
+        return std::exchange(m_device_handle, kNoCamera);
+    }();
+    attempt([&] { m_api->unregisterCameraCallback(handle); });
+    attempt([&] { m_api->closeCamera(handle); });
+    attempt([&] {
+        if (closed) {
+            GIGE_LOG(Debug) << "Camera " << m_identity.name << " closed.";
+        } else {
+            GIGE_LOG(Error) << "Cannot close camera " << m_identity.name;
+        }
+    });
 }
 
-void CameraChannel::endStreaming() {
+void CameraChannel::endStreaming() noexcept {
     if (!m_capture.isRunning()) return;
     try {
         const platform::MutexLock lock(m_state.mutex);
         m_api->acquisitionStop(m_device_handle);
-    } catch (const CameraApiError&) {
+    } catch (...) {
         // Capture is ended next, which stops whatever still comes.
     }
-    stopCapture();
+    try {
+        stopCapture();
+    } catch (...) {
+        // Only a log line can fail, and capture is ended before it is written.
+    }
 }
 
 void CameraChannel::retire() noexcept {

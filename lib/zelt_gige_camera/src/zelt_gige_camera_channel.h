@@ -94,9 +94,11 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void updateBandwidth() ZELT_REQUIRES(m_state.mutex);
     bool programTrigger(Keys& changed);
     bool startCapture();
-    void setCaptureFailed(bool failed);
+    /// True when that is news.
+    bool setCaptureFailed(bool failed);
+    void requirePrepared();
     void beginAcquisition();
-    void endStreaming();
+    void endStreaming() noexcept;
 
     zelt_gige_api::CameraHandle deviceHandle();
     exception_manager::Exception report(const std::string& messageTemplate, const std::string& detail = {});
@@ -106,7 +108,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     const ChannelIdentity m_identity;
     const std::shared_ptr<IfChannelOwner> m_owner;
     const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
-    [[maybe_unused]] const std::uint64_t m_host_value;
+    [[maybe_unused]] const std::uint64_t m_host_value;  ///< kept for the host, which alone knows its meaning
     platform::PerformanceCounter& m_counter;
 
     std::atomic<bool> m_used{true};
@@ -119,6 +121,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     GuardedState m_state;
     zelt_gige_api::CameraHandle m_device_handle ZELT_GUARDED_BY(m_state.mutex) = 0;
     FrameReceiver m_receiver ZELT_GUARDED_BY(m_state.mutex);
+    /// Kept as the host gave it; no computation uses it, since a tick counts as a unit until the fit takes
+    /// over.
     double m_clock_rate ZELT_GUARDED_BY(m_state.mutex);
 };
 

@@ -1,5 +1,7 @@
 #include "zelt_gige_camera_channel_capture.h"
 
+#include <exception>
+
 #include "zelt_gige_log.h"
 
 namespace zelt_gige_camera {
@@ -30,15 +32,28 @@ void CameraCapture::start(zelt_gige_api::CameraHandle camera) {
 }
 
 void CameraCapture::stop(zelt_gige_api::CameraHandle camera) {
-    GIGE_LOG(Debug) << "Camera " << m_name << " stopping...";
-    if (!m_running.exchange(false)) {
-        GIGE_LOG(Debug) << "Camera " << m_name << " has not been started.";
-        return;
-    }
+    const bool wasRunning = m_running.exchange(false);
+    // Ended even when a log sink throws: the camera would go on to call a channel that may be dying.
+    bool ended = true;
+    std::exception_ptr logFailure;
     try {
-        m_api.endCapture(camera);
+        GIGE_LOG(Debug) << "Camera " << m_name << " stopping...";
+    } catch (...) {
+        logFailure = std::current_exception();
+    }
+    if (wasRunning) {
+        try {
+            m_api.endCapture(camera);
+        } catch (const zelt_gige_api::CameraApiError&) {
+            ended = false;
+        }
+    }
+    if (logFailure) std::rethrow_exception(logFailure);
+    if (!wasRunning) {
+        GIGE_LOG(Debug) << "Camera " << m_name << " has not been started.";
+    } else if (ended) {
         GIGE_LOG(Debug) << "Camera " << m_name << " stopped successfully.";
-    } catch (const zelt_gige_api::CameraApiError&) {
+    } else {
         GIGE_LOG(Error) << "Camera " << m_name << " cannot be stopped.";
     }
 }

@@ -37,6 +37,7 @@ CameraPlugin::CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gig
 
 CameraPlugin::~CameraPlugin() {
     const platform::MutexLock lock(m_mutex);
+    if (m_service_factory != nullptr) m_service_factory->release();
     if (m_acquiring.exchange(false)) stopChannels();
     try {
         // Also after a registration that failed half-way: the library may still know this object.
@@ -44,11 +45,12 @@ CameraPlugin::~CameraPlugin() {
     } catch (...) {
         // The rest must be undone all the same.
     }
-    for (const auto& [id, channel] : m_channels) channel->retire();
-    m_channels.clear();
-    publish();
-    if (m_api != nullptr) m_api->shutdown();
-    if (m_service_factory != nullptr) m_service_factory->release();
+    retireChannels();
+    try {
+        if (m_api != nullptr) m_api->shutdown();
+    } catch (...) {
+        // As above.
+    }
 }
 
 const char* CameraPlugin::getDisplayName() {
@@ -108,7 +110,7 @@ void CameraPlugin::terminate() {
     const ClearOnExit clear{m_initialized};
     try {
         m_api->unregisterDiscoveryCallback();
-        closeChannels();
+        retireChannels();
         m_api->shutdown();
     } catch (const std::exception& error) {
         GIGE_LOG(Error) << "Could not terminate the plugin. Error: " << error.what();
@@ -136,6 +138,10 @@ void CameraPlugin::enumerateDevices() {
     const platform::MutexLock lock(m_mutex);
     GIGE_LOG(Detail) << "Enumerating available GigE devices";
     if (m_api == nullptr) return;
+    {
+        const platform::MutexLock removedLock(m_removed_mutex);
+        m_removed.clear();
+    }
     const std::vector<CameraInfo> cameras = m_api->listCameras();
     // Before any removal: an id is reused only when it was the largest at the enumeration before.
     const std::uint32_t nextId = nextChannelId(m_channels);
@@ -177,8 +183,9 @@ void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t 
         auto channel = std::make_shared<CameraChannel>(channel_config::ChannelID{getInstanceIndex(), id},
                                                        camera, m_published, m_api, m_host_value);
         channel->setMasterClock(m_master_clock);
-        m_channels.emplace(id, std::move(channel));
+        m_channels.emplace(id, channel);
         publish();
+        if (wasRemoved(camera.cameraId)) channel->onDisconnected();
         nextId = id + 1;
     }
 }
@@ -187,10 +194,15 @@ void CameraPlugin::publish() {
     m_published->publish(m_channels);
 }
 
-void CameraPlugin::closeChannels() {
-    for (const auto& [id, channel] : m_channels) channel->close();
+void CameraPlugin::retireChannels() noexcept {
+    for (const auto& [id, channel] : m_channels) channel->retire();
     m_channels.clear();
-    publish();
+    m_published->clear();
+}
+
+bool CameraPlugin::wasRemoved(const std::string& cameraId) {
+    const platform::MutexLock lock(m_removed_mutex);
+    return m_removed.count(cameraId) != 0;
 }
 
 void CameraPlugin::onCameraAdded(const std::string& cameraId) {
@@ -199,6 +211,10 @@ void CameraPlugin::onCameraAdded(const std::string& cameraId) {
 
 void CameraPlugin::onCameraRemoved(const std::string& cameraId) {
     GIGE_LOG(Info) << "GigE-Camera '" << cameraId << "' was removed";
+    {
+        const platform::MutexLock lock(m_removed_mutex);
+        m_removed.insert(cameraId);
+    }
     const auto channels = m_published->snapshot();
     for (const auto& [id, channel] : *channels) {
         if (channel->getCameraId() != cameraId) continue;

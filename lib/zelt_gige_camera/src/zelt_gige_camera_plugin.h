@@ -70,12 +70,17 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     void warnOfFrameCounters();
     std::exception_ptr stopChannels() ZELT_REQUIRES(m_mutex);
     void undoStart(const std::vector<std::shared_ptr<CameraChannel>>& started) ZELT_REQUIRES(m_mutex);
-    void closeChannels() ZELT_REQUIRES(m_mutex);
+    void retireChannels() noexcept ZELT_REQUIRES(m_mutex);
+    bool wasRemoved(const std::string& cameraId);
     std::shared_ptr<CameraChannel> findChannel(std::uint32_t channelId) ZELT_REQUIRES(m_mutex);
 
     const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
     platform::Mutex m_mutex;
     ChannelMap m_channels ZELT_GUARDED_BY(m_mutex);
+    platform::Mutex m_removed_mutex;  ///< leaf lock
+    /// Ids of cameras that vanished since the last enumeration began: one of them may be just being opened,
+    /// and its channel not yet to be found.
+    std::set<std::string> m_removed ZELT_GUARDED_BY(m_removed_mutex);
     std::atomic<bool> m_acquiring{false};
     std::atomic<bool> m_initialized{false};
     std::shared_ptr<zelt::IfMasterClock> m_master_clock ZELT_GUARDED_BY(m_mutex);

@@ -13,6 +13,12 @@ void PublishedChannels::publish(ChannelMap channels) {
     m_snapshot.swap(fresh);
 }
 
+void PublishedChannels::clear() noexcept {
+    std::shared_ptr<const ChannelMap> empty = m_empty;
+    const platform::MutexLock lock(m_mutex);
+    m_snapshot.swap(empty);
+}
+
 std::shared_ptr<const ChannelMap> PublishedChannels::snapshot() const {
     const platform::MutexLock lock(m_mutex);
     return m_snapshot;

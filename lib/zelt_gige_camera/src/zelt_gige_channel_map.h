@@ -18,15 +18,17 @@ using ChannelMap = std::map<std::uint32_t, std::shared_ptr<CameraChannel>>;
 class PublishedChannels final : public IfChannelOwner {
   public:
     void publish(ChannelMap channels);
+    /// Publishes an empty map.
+    void clear() noexcept;
     /// [any thread] Never null. Channels of a snapshot may be closed while it is walked.
     std::shared_ptr<const ChannelMap> snapshot() const;
     std::uint64_t getTotalRequiredBandwidth() const override;
 
   private:
+    const std::shared_ptr<const ChannelMap> m_empty = std::make_shared<const ChannelMap>();
     // Not std::atomic<std::shared_ptr>: the thread sanitizer cannot see through this library's.
     mutable platform::Mutex m_mutex;
-    std::shared_ptr<const ChannelMap> m_snapshot ZELT_GUARDED_BY(m_mutex) =
-        std::make_shared<const ChannelMap>();
+    std::shared_ptr<const ChannelMap> m_snapshot ZELT_GUARDED_BY(m_mutex) = m_empty;
 };
 
 /// The largest id plus one, 0 for an empty map and after the largest number.

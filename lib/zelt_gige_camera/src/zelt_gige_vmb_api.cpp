@@ -38,22 +38,26 @@ CameraInfo toCameraInfo(const VmbCameraInfo_t& record) {
     return info;
 }
 
-/// Counts a running call for as long as it lives.
-class RunningCall {
+}  // namespace
+
+/// Finds the discovery callback and holds off its removal while the call runs.
+class VimbaCameraApi::RunningDiscoveryCall {
   public:
-    explicit RunningCall(std::atomic<unsigned>& count) : m_count(count) { ++m_count; }
-    ~RunningCall() {
-        --m_count;
-        m_count.notify_all();
+    explicit RunningDiscoveryCall(VimbaCameraApi& api) : m_api(api) {
+        const platform::MutexLock lock(m_api.m_maps_mutex);
+        ++m_api.m_running_discovery_calls;
     }
-    RunningCall(const RunningCall&) = delete;
-    RunningCall& operator=(const RunningCall&) = delete;
+    ~RunningDiscoveryCall() {
+        const platform::MutexLock lock(m_api.m_maps_mutex);
+        --m_api.m_running_discovery_calls;
+        m_api.m_call_ended.notify_all();
+    }
+    RunningDiscoveryCall(const RunningDiscoveryCall&) = delete;
+    RunningDiscoveryCall& operator=(const RunningDiscoveryCall&) = delete;
 
   private:
-    std::atomic<unsigned>& m_count;
+    VimbaCameraApi& m_api;
 };
-
-}  // namespace
 
 VimbaCameraApi::VimbaCameraApi(platform::PageAllocator& pages) : m_pages(pages) {}
 
@@ -62,6 +66,7 @@ VimbaCameraApi::~VimbaCameraApi() {
 }
 
 bool VimbaCameraApi::startup() {
+    const platform::MutexLock lock(m_session_mutex);
     if (m_started) return true;
     VmbVersionInfo_t version{};
     VmbError_t result = VmbVersionQuery(&version, sizeof version);
@@ -79,6 +84,7 @@ bool VimbaCameraApi::startup() {
 }
 
 void VimbaCameraApi::shutdown() {
+    const platform::MutexLock lock(m_session_mutex);
     if (!m_started) return;
     VmbShutdown();
     m_started = false;
@@ -115,15 +121,16 @@ void VimbaCameraApi::unregisterDiscoveryCallback() {
           "Could not unregister callbacks: ");
     m_discovery_callback = nullptr;
     // The library does not promise that a running call has ended, and the callback may die next.
-    for (unsigned running = m_running_discovery_calls; running != 0; running = m_running_discovery_calls) {
-        m_running_discovery_calls.wait(running);
+    {
+        const platform::MutexLock lock(m_maps_mutex);
+        while (m_running_discovery_calls != 0) m_call_ended.wait(m_maps_mutex);
     }
     runCommand(kSystemHandle, "GeVDiscoveryAllOff");
 }
 
 void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name) {
     ZELT_ASSERT(boost::equals(name, "DiscoveryCameraEvent"));
-    const RunningCall running(m_running_discovery_calls);
+    const RunningDiscoveryCall running(*this);
     IfDiscoveryCallback* const callback = m_discovery_callback;
     if (callback == nullptr) return;
     const std::string event = getEnumFeature(handle, kDiscoveryEvent);

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -69,25 +70,28 @@ class VimbaCameraApi final : public CameraApi {
         unsigned runningCalls = 0;
     };
     class RunningEventCall;
+    class RunningDiscoveryCall;
+    struct Capture;
 
     void announceFrames(CameraHandle handle, unsigned frameCount);
     void dropForgottenFrames(CameraHandle handle);
     void queueFrames(CameraHandle handle);
     void endEngine(CameraHandle handle);
-    std::vector<VmbFrame_t>& framesOf(CameraHandle handle);
+    Capture& captureOf(CameraHandle handle);
     VmbError_t releaseFrames(CameraHandle handle);
     void releaseFramesLogged(CameraHandle handle);
     IfCameraCallback* findCameraCallback(CameraHandle handle);
 
     platform::PageAllocator& m_pages;
+    platform::Mutex m_session_mutex;  ///< held while the library is started or stopped
     std::atomic<bool> m_started{false};
     std::atomic<IfDiscoveryCallback*> m_discovery_callback{nullptr};
-    std::atomic<unsigned> m_running_discovery_calls{0};
 
     platform::Mutex m_maps_mutex;  ///< leaf lock around the maps' own operations, held across no call
-    std::condition_variable_any m_event_call_ended;
+    std::condition_variable_any m_call_ended;
+    unsigned m_running_discovery_calls ZELT_GUARDED_BY(m_maps_mutex) = 0;
     std::map<CameraHandle, CameraCallback> m_camera_callbacks ZELT_GUARDED_BY(m_maps_mutex);
-    std::map<CameraHandle, std::vector<VmbFrame_t>> m_frames ZELT_GUARDED_BY(m_maps_mutex);
+    std::map<CameraHandle, std::shared_ptr<Capture>> m_captures ZELT_GUARDED_BY(m_maps_mutex);
 };
 
 }  // namespace zelt_gige_api

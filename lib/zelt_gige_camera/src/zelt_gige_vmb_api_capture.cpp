@@ -1,6 +1,8 @@
 // Frame buffers, capture, and the callbacks of a capturing camera.
+#include <atomic>
 #include <limits>
 #include <string_view>
+#include <thread>
 
 #include "assertion.h"
 #include "zelt_gige_vmb_api.h"
@@ -21,6 +23,27 @@ void cameraEventThunk(const VmbHandle_t handle, const char* name, void* context)
     atVendorBorder("event",
                    [=] { static_cast<VimbaCameraApi*>(context)->handleCameraEvent(fromVmb(handle), name); });
 }
+
+/// A frame as announced to the library, and what its callback needs besides.
+struct AnnouncedFrame : VmbFrame_t {
+    std::atomic<unsigned>* runningCallbacks = nullptr;
+};
+
+/// Counts a frame's callback while it runs. Nothing is touched after the count went down: whoever waits for
+/// it frees the memory next.
+class RunningFrameCall {
+  public:
+    explicit RunningFrameCall(VmbFrame_t* frame)
+        : m_count(*static_cast<AnnouncedFrame*>(frame)->runningCallbacks) {
+        ++m_count;
+    }
+    ~RunningFrameCall() { --m_count; }
+    RunningFrameCall(const RunningFrameCall&) = delete;
+    RunningFrameCall& operator=(const RunningFrameCall&) = delete;
+
+  private:
+    std::atomic<unsigned>& m_count;
+};
 
 /// Gives the buffer back to the camera however the scope is left; a lost buffer never comes back.
 class Requeue {
@@ -59,6 +82,12 @@ void logFailure(VmbError_t result, const char* prefix) noexcept {
 
 }  // namespace
 
+/// A camera's announced frames. Stays in place until they are released.
+struct VimbaCameraApi::Capture {
+    std::vector<AnnouncedFrame> frames;
+    std::atomic<unsigned> runningCallbacks{0};
+};
+
 /// Finds the callback of a camera and holds off its removal while the call runs.
 class VimbaCameraApi::RunningEventCall {
   public:
@@ -73,7 +102,7 @@ class VimbaCameraApi::RunningEventCall {
         if (m_callback == nullptr) return;
         const platform::MutexLock lock(m_api.m_maps_mutex);
         --m_api.m_camera_callbacks.at(m_handle).runningCalls;
-        m_api.m_event_call_ended.notify_all();
+        m_api.m_call_ended.notify_all();
     }
     RunningEventCall(const RunningEventCall&) = delete;
     RunningEventCall& operator=(const RunningEventCall&) = delete;
@@ -109,22 +138,27 @@ void VimbaCameraApi::startCapture(CameraHandle handle, unsigned frameCount) {
 void VimbaCameraApi::announceFrames(CameraHandle handle, unsigned frameCount) {
     const std::int64_t payload = getPayloadSize(handle);
     dropForgottenFrames(handle);
-    std::vector<VmbFrame_t>& frames = framesOf(handle);
-    frames.assign(frameCount, VmbFrame_t{});
+    Capture& capture = captureOf(handle);
+    std::vector<AnnouncedFrame>& frames = capture.frames;
+    frames.assign(frameCount, AnnouncedFrame{});
     const bool fits = payload > 0 && payload <= std::numeric_limits<VmbUint32_t>::max();
-    for (VmbFrame_t& frame : frames) frame.context[0] = this;
-    for (VmbFrame_t& frame : frames) {
+    for (AnnouncedFrame& frame : frames) {
+        frame.context[0] = this;
+        frame.runningCallbacks = &capture.runningCallbacks;
+    }
+    for (AnnouncedFrame& frame : frames) {
         ZELT_ASSERT(frame.buffer == nullptr);
         if (fits) frame.buffer = m_pages.allocate(static_cast<std::size_t>(payload));
         if (frame.buffer == nullptr) throw CameraApiError("Could not allocate frame memory.");
         frame.bufferSize = static_cast<VmbUint32_t>(payload);
-        check(VmbFrameAnnounce(toVmb(handle), &frame, sizeof frame), "Could not announce frame buffer: ");
+        check(VmbFrameAnnounce(toVmb(handle), &frame, sizeof(VmbFrame_t)),
+              "Could not announce frame buffer: ");
     }
 }
 
 /// Buffers of a capture that was never ended must be neither announced twice nor leaked.
 void VimbaCameraApi::dropForgottenFrames(CameraHandle handle) {
-    const std::vector<VmbFrame_t>& frames = framesOf(handle);
+    const std::vector<AnnouncedFrame>& frames = captureOf(handle).frames;
     ZELT_ASSERT(frames.empty());
     if (frames.empty()) return;
     endEngine(handle);
@@ -133,9 +167,9 @@ void VimbaCameraApi::dropForgottenFrames(CameraHandle handle) {
 
 void VimbaCameraApi::queueFrames(CameraHandle handle) {
     IfCameraCallback* const callback = findCameraCallback(handle);
-    std::vector<VmbFrame_t>& frames = framesOf(handle);
-    for (VmbFrame_t& frame : frames) frame.context[1] = callback;
-    for (VmbFrame_t& frame : frames) VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
+    std::vector<AnnouncedFrame>& frames = captureOf(handle).frames;
+    for (AnnouncedFrame& frame : frames) frame.context[1] = callback;
+    for (AnnouncedFrame& frame : frames) VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
 }
 
 void VimbaCameraApi::endCapture(CameraHandle handle) {
@@ -150,19 +184,24 @@ void VimbaCameraApi::endEngine(CameraHandle handle) {
     logFailure(VmbCaptureQueueFlush(toVmb(handle)), "Cannot flush the capture queue: ");
 }
 
-std::vector<VmbFrame_t>& VimbaCameraApi::framesOf(CameraHandle handle) {
+VimbaCameraApi::Capture& VimbaCameraApi::captureOf(CameraHandle handle) {
     const platform::MutexLock lock(m_maps_mutex);
-    return m_frames[handle];
+    std::shared_ptr<Capture>& capture = m_captures[handle];
+    if (capture == nullptr) capture = std::make_shared<Capture>();
+    return *capture;
 }
 
 VmbError_t VimbaCameraApi::releaseFrames(CameraHandle handle) {
     const VmbError_t result = VmbFrameRevokeAll(toVmb(handle));
-    const auto frames = [&] {
+    const auto released = [&] {
         const platform::MutexLock lock(m_maps_mutex);
-        return m_frames.extract(handle);
+        return m_captures.extract(handle);
     }();
-    if (frames.empty()) return result;
-    for (const VmbFrame_t& frame : frames.mapped()) {
+    if (released.empty()) return result;
+    Capture& capture = *released.mapped();
+    // The library does not promise that the end of capture waits for a callback that runs.
+    while (capture.runningCallbacks != 0) std::this_thread::yield();
+    for (const AnnouncedFrame& frame : capture.frames) {
         if (frame.buffer != nullptr) m_pages.release(frame.buffer, frame.bufferSize);
     }
     return result;
@@ -174,6 +213,7 @@ void VimbaCameraApi::releaseFramesLogged(CameraHandle handle) {
 
 void VimbaCameraApi::handleFrame(CameraHandle handle, VmbFrame_t* frame) {
     if (frame == nullptr) return;
+    const RunningFrameCall running(frame);
     const Requeue requeue(handle, frame);
     if (frame->receiveStatus != VmbFrameStatusComplete) return;
     ZELT_ASSERT(frame->receiveFlags & (VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp));

@@ -31,7 +31,7 @@ void VimbaCameraApi::unregisterCameraCallback(CameraHandle handle) {
     if (entry == m_camera_callbacks.end()) return;
     // No new call starts from here on; the entry goes when the last running one has ended.
     entry->second.callback = nullptr;
-    while (entry->second.runningCalls != 0) m_event_call_ended.wait(m_maps_mutex);
+    while (entry->second.runningCalls != 0) m_call_ended.wait(m_maps_mutex);
     m_camera_callbacks.erase(entry);
 }
 
@@ -92,7 +92,11 @@ std::vector<std::string> VimbaCameraApi::getEnumFeatureRange(CameraHandle handle
         return {};
     }
     entries.resize(std::min<std::size_t>(count, entries.size()));
-    return {entries.begin(), entries.end()};
+    std::vector<std::string> texts;
+    for (const char* entry : entries) {
+        if (entry != nullptr) texts.emplace_back(entry);
+    }
+    return texts;
 }
 
 double VimbaCameraApi::getFloatFeature(CameraHandle handle, const char* name) {

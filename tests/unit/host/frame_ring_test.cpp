@@ -109,7 +109,7 @@ TEST(RingSlots, HoldTwoSecondsOfFrames) {
 
 TEST(RingSlots, StayWithinTheMemoryAllowed) {
     EXPECT_EQ(host::ringSlots(50, 1000, 10'500), 10u);
-    EXPECT_EQ(host::ringSlots(50, 656 * 492 * 3, 64u << 20u), 69u);  // 67108864 / 968256 = 69.3
+    EXPECT_EQ(host::ringSlots(50, 968'256, 64u << 20u), 69u);  // 67108864 / 968256 = 69.3
 }
 
 TEST(RingSlots, AreAtLeastTwo) {

@@ -7,7 +7,6 @@
 #include "quantity_text.h"
 #include "text_table.h"
 
-using host::Console;
 using host_test::CapturedConsole;
 using testing::HasSubstr;
 

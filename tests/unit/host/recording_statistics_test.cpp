@@ -92,7 +92,7 @@ TEST(RecordingStatistics, LeavesTheRarestFramesOutOfTheNinetyNinePercent) {
 
 TEST(RecordingStatistics, CountsGapsAndDoublesInTheFrameNumbers) {
     RecordingStatistics statistics(true, 50.0);
-    for (const std::uint64_t id : {7, 8, 11, 11, 10, 12, 14}) add(statistics, 0, 0, stamp(id, 0));
+    for (const std::uint64_t id : {7u, 8u, 11u, 11u, 10u, 12u, 14u}) add(statistics, 0, 0, stamp(id, 0));
     const ChannelReport report = statistics.report(0);
     EXPECT_EQ(report.lost, 3u);     // 9, 10 and 13
     EXPECT_EQ(report.doubled, 2u);  // the second 11, and 10 behind 11

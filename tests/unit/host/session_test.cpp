@@ -11,7 +11,6 @@ using host::Session;
 using host::SessionOptions;
 using host_test::FakeCreator;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 namespace {
 

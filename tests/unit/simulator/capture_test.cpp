@@ -288,6 +288,29 @@ TEST_F(StreamTest, AbortDropsTheFrameUnderWayAndKeepsItsBufferQueued) {
     EXPECT_THAT(stream.received(), SizeIs(Gt(0u)));
 }
 
+TEST_F(StreamTest, AnAbortedTransferGivesItsBufferBackAsTheOldest) {
+    const VmbHandle_t camera = openFast();
+    // 322752 bytes take a third of a second.
+    setInt(camera, "StreamBytesPerSecond", 1'000'000);
+    Stream stream(camera, 3);
+    stream.requeue = false;
+    stream.startCapture();
+    const std::uint64_t start = VmbSimTime();
+    run(camera, "AcquisitionStart");
+    // 1 ms exposure and 11.3 ms readout are over, the transfer is under way.
+    EXPECT_TRUE(test_support::eventually([&] { return VmbSimTime() > start + 60'000'000; }));
+    run(camera, "AcquisitionAbort");
+    waitForEvents();
+    EXPECT_EQ(counts(), Counts(3, 3));
+    setInt(camera, "StreamBytesPerSecond", 115'000'000);
+    run(camera, "AcquisitionStart");
+    waitForFrames(3);
+    stream.endCapture();
+    const std::vector<ReceivedFrame> frames = stream.received();
+    ASSERT_THAT(frames, SizeIs(3));
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(frames[i].record.buffer, stream.frames[i].buffer);
+}
+
 TEST_F(StreamTest, WithoutABufferTheIdGoesOn) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera, 2);

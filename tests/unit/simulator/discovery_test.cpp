@@ -81,9 +81,10 @@ TEST_F(Discovery, AutomaticDiscoveryBeginsWithNewsOfEveryCamera) {
     run(kSystem, "GeVDiscoveryAllOnce");
     next();
     run(kSystem, "GeVDiscoveryAllAuto");
-    run(kSystem, "GeVDiscoveryAllAuto");
     EXPECT_THAT(next(), ElementsAre(std::string("Detected ") + kColourCamera,
                                     std::string("Detected ") + kMonochromeCamera));
+    run(kSystem, "GeVDiscoveryAllAuto");
+    EXPECT_THAT(next(), IsEmpty());
 }
 
 TEST_F(Discovery, AutomaticDiscoveryTellsOfCablesUntilItEnds) {

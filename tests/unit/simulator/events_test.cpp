@@ -88,6 +88,32 @@ TEST_F(AcquisitionEvents, AStopWithoutAFrameUnderWayEndsAtOnce) {
     EXPECT_LE(told[1].ticks, static_cast<std::uint64_t>(after));
 }
 
+TEST_F(AcquisitionEvents, AnEndWithoutAFrameNamesTheLastOneOfTheCapture) {
+    for (const std::uint64_t frames : {2u, 0u}) {
+        stream.startCapture();
+        run(camera, "AcquisitionStart");
+        waitForFrames(frames);
+        if (frames > 0) {
+            run(camera, "AcquisitionStop");
+            waitForEvents();
+            told.clear();
+            VmbSimHoldSensor(kColourCamera, true);
+            run(camera, "AcquisitionStart");
+        }
+        run(camera, "AcquisitionStop");
+        waitForEvents();
+        ASSERT_EQ(told.size(), 2u);
+        EXPECT_EQ(told[0].id, told[1].id + 1);
+        if (frames == 0) {
+            EXPECT_EQ(told[1].id, 0u);
+        } else {
+            EXPECT_EQ(told[1].id, stream.ids().back());
+        }
+        told.clear();
+        stream.endCapture();
+    }
+}
+
 TEST_F(AcquisitionEvents, GoOnWithTheIdsOfTheCapture) {
     stream.startCapture();
     for (const std::uint64_t count : {2u, 4u}) {
@@ -105,6 +131,8 @@ TEST_F(AcquisitionEvents, GoOnWithTheIdsOfTheCapture) {
 TEST_F(AcquisitionEvents, TheFirstFrameWaitsForTheStartEvent) {
     Latch release;
     notes.hook = [&](VmbHandle_t, const char*) { release.wait(); };
+    // No later exposure wakes the camera: the event itself must.
+    setEnum(camera, "AcquisitionMode", "SingleFrame");
     stream.startCapture();
     run(camera, "AcquisitionStart");
     EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 1, 100), VmbErrorTimeout);
@@ -202,6 +230,21 @@ TEST_F(AcquisitionEvents, ASoftwareTriggerExposesOneFrame) {
     run(camera, "TriggerSoftware");
     waitForFrames(1);
     EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 2, 60), VmbErrorTimeout);
+    stream.endCapture();
+}
+
+TEST_F(AcquisitionEvents, ATriggerOfAnEarlierAcquisitionIsForgotten) {
+    setEnum(camera, "TriggerMode", "On");
+    setEnum(camera, "TriggerSource", "Software");
+    stream.startCapture();
+    VmbSimHoldSensor(kColourCamera, true);
+    run(camera, "AcquisitionStart");
+    run(camera, "TriggerSoftware");
+    run(camera, "AcquisitionStop");
+    waitForEvents();
+    VmbSimHoldSensor(kColourCamera, false);
+    run(camera, "AcquisitionStart");
+    EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 1, 60), VmbErrorTimeout);
     stream.endCapture();
 }
 

@@ -379,6 +379,12 @@ TEST_F(SimulatorTest, SetReplacesAForcedValue) {
     EXPECT_EQ(intOf(camera, "PayloadSize"), 123 * 492);
     setInt(camera, "Width", 320);
     EXPECT_EQ(intOf(camera, "PayloadSize"), 320 * 492);
+    VmbSimForceFeature(kColourCamera, "GevSCPSPacketSize", "1");
+    run(camera, "GVSPAdjustPacketSize");
+    EXPECT_EQ(intOf(camera, "GevSCPSPacketSize"), 1);
+    setInt(camera, "GevSCPSPacketSize", 1500);
+    run(camera, "GVSPAdjustPacketSize");
+    EXPECT_EQ(intOf(camera, "GevSCPSPacketSize"), 8999);
 }
 
 }  // namespace

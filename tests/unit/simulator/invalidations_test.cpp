@@ -90,6 +90,20 @@ TEST_F(Invalidation, DifferentCallbacksOfAFeatureAreAllCalled) {
     EXPECT_EQ(calls, 1);
 }
 
+TEST_F(Invalidation, ARegistrationThatAnEarlierCallbackTookAwayIsNotCalled) {
+    static std::atomic<int> calls;
+    calls = 0;
+    static constexpr auto second = [](const VmbHandle_t, const char*, void*) { ++calls; };
+    notes.hook = [](VmbHandle_t handle, const char* name) {
+        EXPECT_EQ(VmbFeatureInvalidationUnregister(handle, name, second), VmbErrorSuccess);
+    };
+    notes.registerOn(camera, "Width");
+    EXPECT_EQ(VmbFeatureInvalidationRegister(camera, "Width", second, nullptr), VmbErrorSuccess);
+    setInt(camera, "Width", 320);
+    EXPECT_THAT(heard(), ElementsAre("Width"));
+    EXPECT_EQ(calls, 0);
+}
+
 TEST_F(Invalidation, InItsCallbackTheFeatureItselfCannotBeSet) {
     VmbError_t own = 1;
     VmbError_t other = 1;

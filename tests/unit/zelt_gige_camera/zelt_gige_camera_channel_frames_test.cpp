@@ -5,6 +5,7 @@
 
 #include "allocation_counter.h"
 #include "plugin_fixture.h"
+#include "zelt_gige_vmb_call.h"
 
 namespace {
 
@@ -210,6 +211,26 @@ TEST_F(FramesByHand, WithoutASinkAreStampedAllTheSame) {
     clock->fixed = 500'000'000'000;
     deliver(2, 2000);
     EXPECT_THAT(times(), IsEmpty());
+}
+
+TEST_F(FramesByHand, MayComeTogetherWithTheStartEvent) {
+    auto& callback = dynamic_cast<zelt_gige_api::IfCameraCallback&>(*plugin->getChannel(0));
+    VmbHandle_t handle = nullptr;
+    VmbFrame_t* frame = nullptr;
+    VmbFrameCallback registered = nullptr;
+    VmbSimTakeQueuedFrame(kColourCamera, &handle, &frame, &registered);
+    VmbCaptureFrameQueue(handle, frame, registered);
+    std::atomic<bool> done{false};
+    std::thread events([&] {
+        while (!done) callback.onAcquisitionStarted(zelt_gige_api::fromVmb(handle), 500, 1);
+    });
+    for (std::uint64_t number = 1; number <= 300; ++number) {
+        clock->fixed = 1'000'000'000'000 + number * 20'000'000;
+        deliver(number, number * 20'000'000);
+    }
+    done = true;
+    events.join();
+    EXPECT_THAT(times(), SizeIs(300));
 }
 
 /// A sink that fails as a host's might.

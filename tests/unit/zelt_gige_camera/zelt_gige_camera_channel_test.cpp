@@ -1,7 +1,10 @@
 // A channel through the plug-in: settings, open, prepare, start, stop, close.
+#include "zelt_gige_camera_channel.h"
+
 #include <cmath>
 
 #include "plugin_fixture.h"
+#include "throwing_log.h"
 #include "zelt_gige_camera_api.h"
 
 namespace {
@@ -165,9 +168,10 @@ TEST_F(OneCamera, WithExternalTriggerHasNoRateToShowAndCannotBePreparedYet) {
     open();
     const auto setting = channel(0)->getItem("CAMERA/FrameSetting");
     EXPECT_NE(boost::get<config_items::InvalidConfigItem>(&setting), nullptr);
-    const LogCapture log(UniLogSeverityLevel::Warning);
     EXPECT_FALSE(plugin->prepareAcquisition());
-    EXPECT_EQ(log.texts(UniLogSeverityLevel::Warning).size(), 1u);
+    EXPECT_EQ(lastMessage(0),
+              "Cannot configure camera '" + kName +
+                  "': The camera is set to external trigger, which this version cannot record");
 }
 
 TEST_F(OneCamera, OpensInTheFixedOrder) {
@@ -474,8 +478,10 @@ TEST_P(FailingCapture, ReportsIsNotValidAndRestartsTheNextTime) {
     EXPECT_EQ(lastMessage(0), "Cannot start camera " + kName);
     EXPECT_EQ(changed.back(), "Valid");
     EXPECT_EQ(text(0, "Valid"), "0");
-    channel(0)->setChangeCallback({});
+    changed.clear();
     EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(changed, ElementsAre("Valid", "Valid"));
+    channel(0)->setChangeCallback({});
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Warning),
                 Contains("Camera " + kName + " already starting, initiate restart..."));
     EXPECT_EQ(text(0, "Valid"), "1");
@@ -589,6 +595,9 @@ TEST_F(OneCamera, CannotStartWithoutAMasterClock) {
     const LogCapture log(UniLogSeverityLevel::Error);
     EXPECT_THROW(plugin->startAcquisition(), exception_manager::Exception);
     EXPECT_THAT(assertions.expressions(), ElementsAre("m_master_clock"));
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
+                ElementsAre("Cannot start acquisition of camera %1:The host has set no master clock",
+                            "Cannot start acquisition of camera %1"));
     EXPECT_EQ(lastMessage(0), "Cannot start acquisition of camera " + kName);
     EXPECT_FALSE(plugin->isAcquiring());
 }
@@ -686,12 +695,76 @@ TEST_F(OneCamera, ClosedBeforeItWasStoppedIsAProgrammingErrorAndClosesAllTheSame
     start();
     const AssertionCapture assertions;
     VmbSimJournalStart();
-    plugin->terminate();
+    dynamic_cast<zelt_gige_camera::CameraChannel&>(*channel(0)).close();
     ASSERT_EQ(assertions.failures().size(), 1u);
     EXPECT_EQ(assertions.failures()[0].expression, "m_acquisition_started.load_relaxed() == false");
     EXPECT_EQ(assertions.failures()[0].message, "The camera must be stopped before closing it");
+    EXPECT_EQ(assertions.failures()[0].file, "lib/zelt_gige_camera/src/zelt_gige_camera_channel");
+    EXPECT_THAT(hostCalls(),
+                ElementsAre(call("VmbFeatureCommandRun", quoted("AcquisitionStop")), call("VmbCaptureEnd"),
+                            call("VmbCaptureQueueFlush"), call("VmbFrameRevokeAll"),
+                            call("VmbFeatureInvalidationUnregister", quoted("EventAcquisitionStart")),
+                            call("VmbFeatureInvalidationUnregister", quoted("EventAcquisitionEnd")),
+                            call("VmbFrameRevokeAll"), call("VmbCameraClose")));
+}
+
+TEST_F(OneCamera, TerminatedInTheMiddleOfAnAcquisitionIsClosedWithoutAProgrammingError) {
+    open();
+    start();
+    const AssertionCapture assertions;
+    VmbSimJournalStart();
+    plugin->terminate();
+    EXPECT_THAT(assertions.failures(), IsEmpty());
     EXPECT_THAT(hostCalls(), Contains(call("VmbFeatureCommandRun", quoted("AcquisitionStop"))));
     EXPECT_THAT(hostCalls(), Contains(call("VmbCameraClose")));
+}
+
+TEST_F(OneCamera, RemovedInTheMiddleOfAnAcquisitionIsClosedWithoutAProgrammingError) {
+    open();
+    start();
+    VmbSimUnplugCamera(kColourCamera);
+    VmbSimWaitForEvents(kPatienceMs);
+    const AssertionCapture assertions;
+    plugin->enumerateDevices();
+    EXPECT_THAT(assertions.failures(), IsEmpty());
+    EXPECT_THAT(plugin->getChannelIds(), IsEmpty());
+}
+
+TEST_F(OneCamera, IsClosedEvenWhenTheLogCannotBeWritten) {
+    open();
+    start();
+    {
+        const test_support::ThrowingLog log;
+        VmbSimJournalStart();
+        plugin->terminate();
+    }
+    EXPECT_THAT(hostCalls(), Contains(call("VmbCaptureEnd")));
+    EXPECT_THAT(hostCalls(), Contains(call("VmbCameraClose")));
+}
+
+TEST_F(OneCamera, IsClosedAgainWhenTheLogCannotBeWrittenWhileItOpens) {
+    plugin->initialize();
+    {
+        const test_support::ThrowingLog log("opened successfully");
+        EXPECT_ANY_THROW(plugin->enumerateDevices());
+    }
+    plugin->enumerateDevices();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+}
+
+TEST_F(OneCamera, ThatVanishesWhileItIsFirstOpenedIsOpenedAgain) {
+    plugin->initialize();
+    {
+        // The cable is pulled right after the open call, before the plug-in can know the channel.
+        test_support::LogAction pull("opened successfully", [] {
+            VmbSimUnplugCamera(kColourCamera);
+            VmbSimWaitForEvents(kPatienceMs);
+            VmbSimPlugCamera(kColourCamera);
+            VmbSimWaitForEvents(kPatienceMs);
+        });
+        plugin->enumerateDevices();
+    }
+    EXPECT_TRUE(plugin->prepareAcquisition());
 }
 
 TEST_F(OneCamera, LogsItsClosing) {

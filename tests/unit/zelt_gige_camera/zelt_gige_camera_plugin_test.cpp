@@ -12,6 +12,7 @@ using test_support::kMonochromeCamera;
 using test_support::kPatienceMs;
 using test_support::LogCapture;
 using test_support::PluginTest;
+using test_support::pluginTypeId;
 using test_support::RecordingSink;
 using test_support::Simulator;
 using ::testing::Contains;
@@ -246,8 +247,6 @@ TEST_F(PluginTest, MayBeAskedForChannelsWhileCamerasComeAndGo) {
         while (!done) {
             plugin->findChannelId(kMonochromeCamera);
             plugin->isReadyForAcquisition();
-            plugin->getChannelIds();
-            plugin->getChannelConfig(1);
         }
     });
     for (int round = 0; round < 5; ++round) {
@@ -261,6 +260,26 @@ TEST_F(PluginTest, MayBeAskedForChannelsWhileCamerasComeAndGo) {
     done = true;
     asking.join();
     EXPECT_EQ(plugin->getChannelIds().size(), 2u);
+}
+
+TEST_F(PluginTest, MayBeAskedForItsChannelIdsWhileItEnumerates) {
+    enumerate();
+    std::atomic<bool> done{false};
+    std::size_t mostSeen = 0;
+    std::thread asking([&] {
+        while (!done) mostSeen = std::max(mostSeen, plugin->getChannelIds().size());
+    });
+    for (int round = 0; round < 5; ++round) {
+        VmbSimUnplugCamera(kColourCamera);
+        VmbSimWaitForEvents(kPatienceMs);
+        plugin->enumerateDevices();
+        VmbSimPlugCamera(kColourCamera);
+        VmbSimWaitForEvents(kPatienceMs);
+        plugin->enumerateDevices();
+    }
+    done = true;
+    asking.join();
+    EXPECT_EQ(mostSeen, 2u);
 }
 
 TEST_F(PluginTest, TerminatesInTheFixedOrderAndMayBeInitializedAgain) {
@@ -306,6 +325,32 @@ TEST_F(PluginTest, DestructionCleansUpAfterATerminationThatFailed) {
     EXPECT_THAT(Simulator::calledFunctions(),
                 ElementsAre("VmbFeatureInvalidationUnregister", "VmbFeatureCommandRun", "VmbFrameRevokeAll",
                             "VmbCameraClose", "VmbFrameRevokeAll", "VmbCameraClose", "VmbShutdown"));
+}
+
+TEST_F(PluginTest, DestructionUnregistersADiscoveryThatStartedOnlyHalf) {
+    VmbSimFailCall("VmbFeatureCommandRun", "GeVDiscoveryAllAuto", 1, VmbErrorOther);
+    EXPECT_FALSE(plugin->initialize());
+    VmbSimJournalStart();
+    destroy();
+    EXPECT_THAT(Simulator::calledFunctions(),
+                ElementsAre("VmbFeatureInvalidationUnregister", "VmbFeatureCommandRun", "VmbShutdown"));
+}
+
+TEST_F(PluginTest, ASecondPluginWorksAfterTheFirstWhoseChannelIsStillHeld) {
+    enumerate();
+    const auto kept = channel(0);
+    destroy();
+    zelt::IfDAQPlugin* second = nullptr;
+    ASSERT_TRUE(creator.createPlugin("GIGECAMERA", pluginTypeId(), &second));
+    plugin = second;
+    enumerate();
+    RecordingSink sink;
+    plugin->setChannelSink(0, &sink);
+    start();
+    EXPECT_TRUE(sink.waitFor(3));
+    stop();
+    plugin->clearChannelSinks();
+    EXPECT_FALSE(kept->getKeys().empty());
 }
 
 TEST_F(PluginTest, MayBeDestroyedInTheMiddleOfAnAcquisition) {

@@ -203,6 +203,30 @@ TEST_F(Capture, EndGoesOnThroughEveryFailureAndLogsThree) {
     EXPECT_EQ(pages.held, 0);
 }
 
+class FailingEnd : public Capture,
+                   public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
+
+TEST_P(FailingEnd, GoesOnAndLeavesNoBuffer) {
+    api.startCapture(camera, 5);
+    api.acquisitionStart(camera);
+    waitForFrames(2);
+    VmbSimFailCall(GetParam().first, GetParam().second, 1, VmbErrorOther);
+    VmbSimJournalStart();
+    api.endCapture(camera);
+    EXPECT_THAT(Simulator::calledFunctions(),
+                ElementsAre("VmbCaptureEnd", "VmbCaptureQueueFlush", "VmbFrameRevokeAll",
+                            "VmbFeatureInvalidationUnregister", "VmbFeatureInvalidationUnregister"));
+    EXPECT_EQ(pages.held, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AtEachCall, FailingEnd,
+    ::testing::Values(std::pair{"VmbCaptureEnd", static_cast<const char*>(nullptr)},
+                      std::pair{"VmbCaptureQueueFlush", static_cast<const char*>(nullptr)},
+                      std::pair{"VmbFrameRevokeAll", static_cast<const char*>(nullptr)},
+                      std::pair{"VmbFeatureInvalidationUnregister", "EventAcquisitionStart"},
+                      std::pair{"VmbFeatureInvalidationUnregister", "EventAcquisitionEnd"}));
+
 TEST_F(Capture, EndOfACameraThatIsGoneLogsAndReturns) {
     VmbSimUnplugCamera(kColourCamera);
     const LogCapture log(UniLogSeverityLevel::Warning);

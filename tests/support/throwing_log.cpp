@@ -1,0 +1,51 @@
+#include "throwing_log.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include <boost/log/attributes/value_extraction.hpp>
+#include <boost/log/core.hpp>
+#include <boost/log/expressions/message.hpp>
+#include <boost/log/sinks/basic_sink_backend.hpp>
+#include <boost/log/sinks/unlocked_frontend.hpp>
+#include <boost/make_shared.hpp>
+
+namespace test_support {
+namespace {
+
+namespace logging = boost::log;
+
+struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_feeding> {
+    Backend(std::string wanted, std::function<void()> toDo)
+        : part(std::move(wanted)), action(std::move(toDo)) {}
+    void consume(const logging::record_view& record) {
+        const auto text = record[logging::expressions::smessage];
+        if (text && text->find(part) != std::string::npos) action();
+    }
+    const std::string part;
+    const std::function<void()> action;
+};
+
+}  // namespace
+
+struct LogAction::Sink {
+    explicit Sink(boost::shared_ptr<Backend> backend)
+        : frontend(boost::make_shared<logging::sinks::unlocked_sink<Backend>>(std::move(backend))) {}
+    boost::shared_ptr<logging::sinks::unlocked_sink<Backend>> frontend;
+};
+
+LogAction::LogAction(std::string part, std::function<void()> action)
+    : m_sink(std::make_unique<Sink>(boost::make_shared<Backend>(std::move(part), std::move(action)))) {
+    logging::core::get()->add_sink(m_sink->frontend);
+    logging::core::get()->set_logging_enabled(true);
+}
+
+LogAction::~LogAction() {
+    logging::core::get()->set_logging_enabled(false);
+    logging::core::get()->remove_sink(m_sink->frontend);
+}
+
+ThrowingLog::ThrowingLog(std::string part)
+    : LogAction(std::move(part), [] { throw std::runtime_error("the log's disk is full"); }) {}
+
+}  // namespace test_support
