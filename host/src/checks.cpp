@@ -9,6 +9,10 @@
 namespace host {
 namespace {
 
+/// A clock fit has only the moment of a frame's callback to go by, and a system that is not a real-time one
+/// calls back late: steadily so, hence not seen in the spread. Far below what any part of the way takes.
+constexpr std::int64_t kThreadLatencyNs = 500'000;
+
 std::string label(const ChannelReport& channel) {
     return "channel " + std::to_string(channel.channel.id) + ": ";
 }
@@ -40,15 +44,12 @@ void checkTruth(const ChannelReport& channel, std::vector<Check>& checks) {
                                                    " pictures differ from what the camera sent"});
     if (!channel.timeError) return;
     const TimeError& error = *channel.timeError;
-    // The moment at which a frame is handed over is all that a clock fit has to go by: the constant part is
-    // the way and whatever the delivery took beyond it, which on a calm machine is more than the spread.
-    const bool passed = error.constantNs >= error.wayNs - error.spreadMaxNs &&
-                        error.constantNs <= error.wayNs + error.delayP99Ns + error.spreadMaxNs;
+    const bool passed = std::abs(error.constantNs - error.wayNs) <= error.spreadMaxNs + kThreadLatencyNs;
     checks.push_back({passed, label(channel) + "constant part of the time error " +
                                   duration(error.constantNs) + (passed ? " equals" : " differs from") +
-                                  " the way of " + duration(error.wayNs) +
-                                  " within the delay of delivery (up to " + duration(error.delayP99Ns) +
-                                  ") and the spread (" + duration(error.spreadMaxNs) + ")"});
+                                  " the way of " + duration(error.wayNs) + " within the spread of " +
+                                  duration(error.spreadMaxNs) + " and the " + duration(kThreadLatencyNs) +
+                                  " that a thread may wake up late"});
 }
 
 std::string failedOnes(const std::vector<Check>& checks) {

@@ -38,8 +38,11 @@ bool parseWhole(const std::string& text, Number& number) {
 
 double parseSeconds(const std::string& text) {
     double seconds = 0;
-    if (!parseWhole(text, seconds) || !(seconds > 0) || seconds > kLongestSeconds) {
+    if (!parseWhole(text, seconds) || !(seconds > 0)) {
         throw bad("--seconds takes a number greater than 0, such as 5 or 0.5, not \"" + text + "\".");
+    }
+    if (seconds > kLongestSeconds) {
+        throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");
     }
     return seconds;
 }

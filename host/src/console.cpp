@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <system_error>
 #include <utility>
+
+#include "host_failure.h"
 
 namespace host {
 namespace {
@@ -49,8 +53,11 @@ Console::Console(std::FILE* out, std::FILE* error, bool utf8, std::FILE* progres
 void Console::print(const std::string& text) {
     const std::lock_guard lock(m_mutex);
     wipe();
-    std::fputs(encoded(text).c_str(), m_out);
-    std::fflush(m_out);
+    if (std::fputs(encoded(text).c_str(), m_out) < 0 || std::fflush(m_out) != 0) {
+        throw HostFailure(ExitCode::WriteFailed, "The result cannot be written to the standard output (" +
+                                                     std::generic_category().message(errno) +
+                                                     "); make room there or send it elsewhere.");
+    }
 }
 
 void Console::tell(const std::string& line) {

@@ -9,6 +9,9 @@ namespace host {
 void MessageBoard::subscribe(const std::shared_ptr<channel_config::IfChannelConfig>& channel) {
     auto* messages = dynamic_cast<zelt::IfChannelMessages*>(channel.get());
     if (messages == nullptr) return;
+    // A camera that could not be opened has said so before anybody could listen.
+    exception_manager::Exception earlier;
+    if (messages->getLastMessage(earlier)) add(exception_manager::fillPlaceholders(earlier));
     messages->setMessageListener([this](const exception_manager::Exception& message) {
         add(exception_manager::fillPlaceholders(message));
     });

@@ -57,6 +57,7 @@ std::string verdict(const RecordingReport& report, const std::vector<Check>& che
 
 std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels) {
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(channels.size());
     for (const auto& [id, channel] : channels) {
         rows.push_back({std::to_string(id), channel.name, orUnknown(channel.type), orUnknown(channel.format),
                         std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height),
@@ -66,8 +67,8 @@ std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels) {
 }
 
 std::string recordingText(const RecordingReport& report, const std::vector<Check>& checks) {
-    std::vector<std::vector<std::string>> rows;
-    for (const ChannelReport& channel : report.channels) rows.push_back(recordingRow(channel));
+    std::vector<std::vector<std::string>> rows(report.channels.size());
+    std::transform(report.channels.begin(), report.channels.end(), rows.begin(), &recordingRow);
     std::string text = formatTable({{"id", true},
                                     {"frames", true},
                                     {"lost", true},

@@ -32,11 +32,15 @@ void Session::bringUp() {
     m_plugin.setHostValue(0);
     m_plugin.setSharedAcquisitionObject(std::make_shared<SteadyMasterClock>());
     m_plugin.createServices();
-    if (!m_plugin.initialize()) {
-        throw HostFailure(ExitCode::CameraLibrary,
-                          "The camera vendor's library (" + m_vendor->describe() +
-                              ") could not be started; --log-level info shows what it reported.");
+    std::string reason;
+    try {
+        if (m_plugin.initialize()) return;
+    } catch (const PluginError& failure) {
+        reason = std::string(" (") + failure.what() + ")";
     }
+    throw HostFailure(ExitCode::CameraLibrary, "The camera vendor's library (" + m_vendor->describe() +
+                                                   ") could not be started" + reason +
+                                                   "; --log-level info shows what it reported.");
 }
 
 void Session::listDevices() {

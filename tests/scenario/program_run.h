@@ -19,6 +19,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "temporary_directory.h"
+
 namespace scenario {
 
 namespace fs = std::filesystem;
@@ -28,30 +30,8 @@ inline fs::path binaries() {
     return fs::read_symlink("/proc/self/exe").parent_path();
 }
 
-class TemporaryDirectory {
-  public:
-    TemporaryDirectory() {
-        std::string name = (fs::temp_directory_path() / "zelt_scenario_XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        m_path = name;
-    }
-    ~TemporaryDirectory() {
-        std::error_code ignored;
-        fs::remove_all(m_path, ignored);
-    }
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-
-    const fs::path& path() const { return m_path; }
-
-  private:
-    fs::path m_path;
-};
-
-inline std::string readFile(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
+using test_support::readFile;
+using test_support::TemporaryDirectory;
 
 inline std::vector<std::string> readLines(const fs::path& file) {
     std::ifstream stream(file);

@@ -46,7 +46,7 @@ std::uint64_t checksum(const std::uint8_t* image, std::size_t size) {
     std::memcpy(rest, bytes, left);
     for (std::size_t lane = 0; lane < kLanes; ++lane)
         lanes[lane] = mixed(lanes[lane], wordAt(rest + lane * 8));
-    return joined(lanes, size);
+    return joined(lanes, kMagic);
 }
 
 }  // namespace

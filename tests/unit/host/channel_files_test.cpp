@@ -9,7 +9,7 @@
 using host::ChannelFiles;
 using host::RingFrame;
 using host::StampReading;
-using host_test::readFile;
+using test_support::readFile;
 using testing::HasSubstr;
 
 namespace {
@@ -26,7 +26,7 @@ class ChannelFilesTest : public testing::Test {
     std::string raw() const { return readFile(m_directory.path() / "channel-3.raw"); }
     std::string table() const { return readFile(m_directory.path() / "channel-3.csv"); }
 
-    host_test::TemporaryDirectory m_directory;
+    test_support::TemporaryDirectory m_directory;
 };
 
 TEST_F(ChannelFilesTest, WritesFramesBackToBackWithOneLineEach) {

@@ -58,10 +58,17 @@ TEST(CommandLine, TakesARecording) {
 }
 
 TEST(CommandLine, NamesALengthThatIsNone) {
-    for (const char* seconds : {"0", "-5", "0.0", "abc", "5s", "nan", "inf", "1e99", ""}) {
+    for (const char* seconds : {"0", "-5", "0.0", "abc", "5s", "nan", "-inf", ""}) {
         EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", seconds}),
                   std::string("--seconds takes a number greater than 0, such as 5 or 0.5, not \"") + seconds +
                       "\".");
+    }
+}
+
+TEST(CommandLine, NamesALengthThatIsTooLong) {
+    for (const char* seconds : {"1e9", "1e99", "inf"}) {
+        EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", seconds}),
+                  std::string("--seconds takes 100000000 (three years) at most, not \"") + seconds + "\".");
     }
 }
 

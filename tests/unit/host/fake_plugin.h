@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,7 +58,10 @@ class FakeChannel : public channel_config::IfChannelConfig, public zelt::IfChann
     }
     ChangeCallback setChangeCallback(ChangeCallback callback) override { return callback; }
 
-    bool getLastMessage(exception_manager::Exception&) override { return false; }
+    bool getLastMessage(exception_manager::Exception& out) override {
+        if (m_last_message) out = *m_last_message;
+        return m_last_message.has_value();
+    }
     void setMessageListener(MessageListener listener) override { m_listener = std::move(listener); }
 
     bool isUsed() {
@@ -67,6 +71,7 @@ class FakeChannel : public channel_config::IfChannelConfig, public zelt::IfChann
     std::vector<std::string> m_keys;
     std::map<std::string, ConfigItemVariant> m_items;
     MessageListener m_listener;
+    std::optional<exception_manager::Exception> m_last_message;
 };
 
 class FakeFactory : public plugin_api::IfServiceFactory {

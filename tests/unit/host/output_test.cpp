@@ -2,6 +2,7 @@
 
 #include "assertion_monitor.h"
 #include "captured_console.h"
+#include "host_failure.h"
 #include "log_console.h"
 #include "progress.h"
 #include "quantity_text.h"
@@ -20,6 +21,21 @@ TEST(Console, ReplacesWhatNeedsUtf8WhereTheUserCannotSeeIt) {
     captured.console().tell("5 \u00b5s");
     EXPECT_EQ(captured.out(), "656x492\n");
     EXPECT_EQ(captured.error(), "5 us\n");
+}
+
+TEST(Console, SaysThatTheResultCannotBeWritten) {
+    std::FILE* const full = std::fopen("/dev/full", "w");
+    ASSERT_NE(full, nullptr);
+    host::Console console(full, stderr, true);
+    try {
+        console.print("a result\n");
+        ADD_FAILURE();
+    } catch (const host::HostFailure& failure) {
+        EXPECT_EQ(failure.code(), host::ExitCode::WriteFailed);
+        EXPECT_THAT(failure.what(),
+                    HasSubstr("cannot be written to the standard output (No space left on device)"));
+    }
+    std::fclose(full);
 }
 
 TEST(Console, CountsCharactersNotBytes) {

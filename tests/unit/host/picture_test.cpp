@@ -66,7 +66,7 @@ TEST(Picture, HasNoneOfAnUnknownFormatOrTooFewBytes) {
 }
 
 TEST(PngFile, ReadsBackAsWritten) {
-    const host_test::TemporaryDirectory directory;
+    const test_support::TemporaryDirectory directory;
     const RgbPicture picture{2, 1, {255, 0, 0, 1, 2, 3}};
     const auto file = directory.path() / "a.png";
     ASSERT_TRUE(host::writePng(file, picture));
@@ -83,7 +83,7 @@ TEST(PngFile, ReadsBackAsWritten) {
 }
 
 TEST(PngFile, LeavesNothingBehindWhenItCannotBeWritten) {
-    const host_test::TemporaryDirectory directory;
+    const test_support::TemporaryDirectory directory;
     EXPECT_FALSE(host::writePng(directory.path() / "none" / "a.png", {1, 1, {1, 2, 3}}));
     EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
 }

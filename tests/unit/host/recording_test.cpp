@@ -81,7 +81,7 @@ class RecordingTest : public testing::Test {
         return names;
     }
 
-    host_test::TemporaryDirectory m_directory;
+    test_support::TemporaryDirectory m_directory;
     FakeCreator m_creator;
     std::unique_ptr<host::Session> m_session;
     host::RecordingHooks m_hooks;

@@ -10,7 +10,7 @@
 using host::ChannelInfo;
 using host::RecordingSink;
 using host::RecordingWriter;
-using host_test::readFile;
+using test_support::readFile;
 
 namespace {
 
@@ -46,7 +46,7 @@ class RecordingWriterTest : public testing::Test {
     }
     std::string file(const char* name) const { return readFile(m_directory.path() / name); }
 
-    host_test::TemporaryDirectory m_directory;
+    test_support::TemporaryDirectory m_directory;
     RecordingWriter* m_waked = nullptr;
     RecordingSink m_first{1000, [this] { wake(); }};
     RecordingSink m_second{1000, [this] { wake(); }};

@@ -4,6 +4,7 @@
 
 #include "fake_plugin.h"
 #include "host_failure.h"
+#include "message_board.h"
 
 using host::ExitCode;
 using host::HostFailure;
@@ -25,6 +26,37 @@ ExitCode codeOf(FakeCreator& creator, const SessionOptions& options) {
         return failure.code();
     }
     return ExitCode::Ok;
+}
+
+TEST(MessageBoard, TellsWhatAChannelSaidBeforeAnybodyListenedAndWhatItSaysAfterwards) {
+    const auto channel = std::make_shared<host_test::FakeChannel>(0);
+    exception_manager::Exception earlier(0, "Cannot open camera '%1': %2", "ZELT_GIGE_CAMERA");
+    earlier.addArgument("Camera Name", "left");
+    earlier.addArgument("Exception Argument", "busy");
+    channel->m_last_message = earlier;
+    host::MessageBoard board;
+    board.subscribe(channel);
+    channel->m_listener(exception_manager::Exception(0, "later", ""));
+    EXPECT_THAT(board.take(), ElementsAre("Cannot open camera 'left': busy", "later"));
+    board.unsubscribeAll();
+}
+
+TEST(Session, SaysThatTheCameraLibraryCannotBeStarted) {
+    for (const bool throws : {false, true}) {
+        FakeCreator creator;
+        creator.m_plugin->m_behaviour["initialize"] = [throws]() -> bool {
+            if (throws) throw std::runtime_error("The feature 'GeVTLIsPresent' is not supported");
+            return false;
+        };
+        try {
+            const Session session(creator.source(), {}, noVendor());
+            ADD_FAILURE();
+        } catch (const HostFailure& failure) {
+            EXPECT_EQ(failure.code(), ExitCode::CameraLibrary);
+            EXPECT_THAT(failure.what(), testing::HasSubstr("could not be started"));
+            EXPECT_EQ(std::string(failure.what()).find("GeVTLIsPresent") != std::string::npos, throws);
+        }
+    }
 }
 
 TEST(Session, BringsThePluginUpInOrder) {

@@ -1,18 +1,20 @@
+/// An empty directory for a test's files.
 #pragma once
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 
-namespace host_test {
+namespace test_support {
 
 /// An empty directory that goes with the object.
 class TemporaryDirectory {
   public:
     TemporaryDirectory() {
-        std::string name = (std::filesystem::temp_directory_path() / "zelt_host_XXXXXX").string();
+        std::string name = (std::filesystem::temp_directory_path() / "zelt_test_XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
         m_path = name;
     }
@@ -34,4 +36,4 @@ inline std::string readFile(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-}  // namespace host_test
+}  // namespace test_support
