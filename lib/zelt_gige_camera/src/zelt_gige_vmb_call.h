@@ -11,9 +11,9 @@
 
 namespace zelt_gige_api {
 
-// The vendor's handles are numbers dressed as pointers: the system object is 1.
-// NOLINTNEXTLINE(performance-no-int-to-ptr)
 inline VmbHandle_t toVmb(CameraHandle handle) {
+    // The vendor's handles are numbers dressed as pointers: the system object is 1.
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<VmbHandle_t>(handle);
 }
 inline CameraHandle fromVmb(VmbHandle_t handle) {

@@ -40,7 +40,6 @@ void* allocate(std::size_t size) {
 
 namespace {
 
-using test_support::kColourCamera;
 using test_support::run;
 using test_support::StreamTest;
 

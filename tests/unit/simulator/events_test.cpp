@@ -210,6 +210,8 @@ TEST_F(AcquisitionEvents, CommandsWithoutEffectTellNothing) {
 TEST_F(AcquisitionEvents, WithATriggerLineNothingIsExposed) {
     setEnum(camera, "TriggerMode", "On");
     setEnum(camera, "TriggerSource", "Line1");
+    // What is selected now does not matter.
+    setEnum(camera, "TriggerSelector", "AcquisitionEnd");
     stream.startCapture();
     run(camera, "AcquisitionStart");
     EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 1, 60), VmbErrorTimeout);

@@ -9,7 +9,6 @@ using test_support::kMonochromeCamera;
 using test_support::kSystem;
 using test_support::ReceivedFrame;
 using test_support::run;
-using test_support::setInt;
 using test_support::SimulatorTest;
 using test_support::Stream;
 using test_support::StreamTest;

@@ -219,6 +219,10 @@ TEST_F(SimulatorTest, TheRateNeverRoundsAboveItsLimit) {
     EXPECT_LE(floatOf(camera, "AcquisitionFrameRateAbs"), limit);
     EXPECT_NEAR(floatOf(camera, "AcquisitionFrameRateAbs"), limit, 0.01);
     EXPECT_EQ(VmbFeatureFloatSet(camera, "AcquisitionFrameRateAbs", limit + 0.01), VmbErrorInvalidValue);
+    // Readout now limits to a period of 11263.48 us, for which the next whole one is too short.
+    setFloat(camera, "ExposureTimeAbs", 1000);
+    setFloat(camera, "AcquisitionFrameRateAbs", floatOf(camera, "AcquisitionFrameRateLimit"));
+    EXPECT_EQ(floatOf(camera, "AcquisitionFrameRateAbs"), 1e6 / 11264);
 }
 
 // Each limit worked out by hand: the slowest of readout, exposure and transfer.

@@ -6,7 +6,6 @@
 namespace {
 
 using test_support::kColourCamera;
-using test_support::kMonochromeCamera;
 using test_support::kSystem;
 using test_support::run;
 using test_support::setInt;
@@ -16,7 +15,6 @@ using test_support::Stream;
 using test_support::StreamTest;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 const std::string kId = kColourCamera;
 

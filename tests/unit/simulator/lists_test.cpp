@@ -5,14 +5,12 @@
 
 namespace {
 
-using test_support::entriesOf;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kSystem;
 using test_support::run;
 using test_support::setInt;
 using test_support::SimulatorTest;
-using ::testing::ElementsAre;
 
 class CameraList : public SimulatorTest {
   protected:

@@ -7,7 +7,6 @@ namespace {
 
 using test_support::intOf;
 using test_support::kColourCamera;
-using test_support::Simulator;
 using test_support::SimulatorTest;
 
 TEST_F(SimulatorTest, AScenarioIsNotLoadedWhileTheLibraryIsStarted) {

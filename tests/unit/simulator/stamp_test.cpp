@@ -5,7 +5,6 @@ namespace {
 
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
-using test_support::ReceivedFrame;
 using test_support::run;
 using test_support::setEnum;
 using test_support::setInt;
