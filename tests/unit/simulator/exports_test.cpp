@@ -11,7 +11,6 @@
 
 namespace {
 
-
 /// Names of the dynamic symbols that a library defines.
 std::set<std::string> definedSymbols(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
