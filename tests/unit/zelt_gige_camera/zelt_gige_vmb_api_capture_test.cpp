@@ -1,5 +1,7 @@
 // Frame buffers, capture, frame and event handlers.
 #include <array>
+#include <atomic>
+#include <thread>
 
 #include "vmb_api_fixture.h"
 
@@ -412,6 +414,25 @@ TEST_F(FrameByHand, WhatItsCallbackThrowsIsLoggedAndGoesNoFurther) {
     EXPECT_EQ(queued(), 2u);
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
                 ElementsAre("Exception in the frame handler: host trouble"));
+}
+
+TEST_F(FrameByHand, KeepsItsMemoryWhileItsCallbackRunsAlthoughCaptureEnds) {
+    std::atomic<bool> entered{false};
+    std::atomic<bool> ended{false};
+    std::atomic<bool> outlived{false};
+    callback.beforeReturn = [&](const CameraCall&) {
+        entered = true;
+        entered.notify_all();
+        for (int turn = 0; turn < 20'000; ++turn) std::this_thread::yield();
+        outlived = ended.load();
+    };
+    std::thread frames([&] { registered(handle, frame); });
+    entered.wait(false);
+    api.endCapture(camera);
+    ended = true;
+    frames.join();
+    EXPECT_FALSE(outlived);
+    EXPECT_EQ(pages.held, 0);
 }
 
 TEST_F(FrameByHand, WithAnotherStatusIsOnlyQueuedAgain) {
