@@ -22,6 +22,18 @@ using ::testing::Not;
 
 constexpr std::uint32_t kNoChannel = ~std::uint32_t{0};
 
+/// The colour camera goes and comes back, each time seen by an enumeration.
+void replugFiveTimes(zelt::IfDAQPlugin& plugin) {
+    for (int round = 0; round < 5; ++round) {
+        VmbSimUnplugCamera(kColourCamera);
+        VmbSimWaitForEvents(kPatienceMs);
+        plugin.enumerateDevices();
+        VmbSimPlugCamera(kColourCamera);
+        VmbSimWaitForEvents(kPatienceMs);
+        plugin.enumerateDevices();
+    }
+}
+
 TEST_F(PluginTest, TellsItsNameAndIds) {
     EXPECT_STREQ(plugin->getDisplayName(), "GIGE Camera");
     EXPECT_EQ(plugin->getPluginId(),
@@ -249,14 +261,7 @@ TEST_F(PluginTest, MayBeAskedForChannelsWhileCamerasComeAndGo) {
             plugin->isReadyForAcquisition();
         }
     });
-    for (int round = 0; round < 5; ++round) {
-        VmbSimUnplugCamera(kColourCamera);
-        VmbSimWaitForEvents(kPatienceMs);
-        plugin->enumerateDevices();
-        VmbSimPlugCamera(kColourCamera);
-        VmbSimWaitForEvents(kPatienceMs);
-        plugin->enumerateDevices();
-    }
+    replugFiveTimes(*plugin);
     done = true;
     asking.join();
     EXPECT_EQ(plugin->getChannelIds().size(), 2u);
@@ -269,14 +274,7 @@ TEST_F(PluginTest, MayBeAskedForItsChannelIdsWhileItEnumerates) {
     std::thread asking([&] {
         while (!done) mostSeen = std::max(mostSeen, plugin->getChannelIds().size());
     });
-    for (int round = 0; round < 5; ++round) {
-        VmbSimUnplugCamera(kColourCamera);
-        VmbSimWaitForEvents(kPatienceMs);
-        plugin->enumerateDevices();
-        VmbSimPlugCamera(kColourCamera);
-        VmbSimWaitForEvents(kPatienceMs);
-        plugin->enumerateDevices();
-    }
+    replugFiveTimes(*plugin);
     done = true;
     asking.join();
     EXPECT_EQ(mostSeen, 2u);
