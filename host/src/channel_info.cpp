@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "config_item_variant.h"
 #include "config_keys.h"
 
 namespace host {

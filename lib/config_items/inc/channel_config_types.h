@@ -30,7 +30,7 @@ enum class ZELT_VISIBLE_ENUM UserScalingMode : std::int32_t {};
 
 enum class ZELT_VISIBLE_ENUM DAQSampleResolution : std::int32_t {
     Count = 3,   ///< samples of an event counter
-    Video = 15,  ///< frames of a camera
+    Video = 15,  ///< frames of a video stream
 };
 
 enum class ZELT_VISIBLE_ENUM SampleOccurrenceType : std::int32_t {

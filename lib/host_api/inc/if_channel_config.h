@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "config_item_constraints.h"
-#include "config_item_variant.h"
+#include "config_items_fwd.h"
 
 namespace channel_config {
 

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "config_item_constraints.h"
-#include "config_item_variant.h"
+#include "config_items_fwd.h"
 
 namespace zelt {
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "channel_config_constraints.h"
+#include "config_item_variant.h"
 #include "config_keys.h"
 
 namespace zelt_gige_camera {

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "channel_config_types.h"
-#include "config_item_constraints.h"
-#include "config_item_variant.h"
+#include "config_items.h"
+#include "config_items_fwd.h"
 #include "if_channel_config.h"
 #include "mutex.h"
 
@@ -121,6 +121,20 @@ extern template class ConstantGenericOption<channel_config::DAQChannelType>;
 extern template class ConstantGenericOption<channel_config::SampleOccurrenceType>;
 extern template class ConstantGenericOption<channel_config::DAQSampleResolution>;
 
+/// A fixed range, read-only.
+class ConstantRangeOption : public ChannelConfigOption {
+  public:
+    ConstantRangeOption(std::string key, config_items::RangeConfigItem<double> range);
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+    Constraints getConstraints() const override;
+
+  private:
+    const config_items::RangeConfigItem<double> m_range;
+};
+
 /// The channel's "used" switch. Current value first among the choices.
 class ChannelUsedOption : public ChannelConfigOption {
   public:
@@ -175,6 +189,31 @@ class SimpleStringOption : public SimpleOptionBase {
     std::string m_value;
     const std::function<bool()> m_availability;
     const Listener m_listener;
+};
+
+/// A stored number with a fixed unit. What its constraints say is for the host to respect: neither the
+/// writable flag nor the range is enforced here. The number is not guarded: one that is set on one thread
+/// must not be read on another at the same time.
+class SimpleScalarOption : public ChannelConfigOption {
+  public:
+    /// The unit is that of `value`, and the one of `min` and `max`; a writable option needs one.
+    SimpleScalarOption(std::string key, config_items::ScalarConfigItem value, bool writable, double min,
+                       double max);
+
+    bool isAvailable() const override;
+    config_items::ConfigItemVariant getItem() const override;
+    /// Accepts every scalar. Asserts that it carries the option's own unit, which stays in any case.
+    bool setItem(const config_items::ConfigItemVariant& value) override;
+    /// Read-only or not; when writable, also the range, which asserts that the unit is not empty and that
+    /// the bounds are in order.
+    Constraints getConstraints() const override;
+
+  private:
+    double m_value;
+    const std::string m_unit;
+    const bool m_writable;
+    const double m_min;
+    const double m_max;
 };
 
 }  // namespace zelt::plugin_util

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "config_item_variant.h"
 #include "if_plugin_config.h"
 
 namespace zelt::plugin_util {

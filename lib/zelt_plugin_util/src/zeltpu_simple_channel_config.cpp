@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "assertion.h"
+#include "config_item_variant.h"
 
 namespace zelt::plugin_util {
 namespace {

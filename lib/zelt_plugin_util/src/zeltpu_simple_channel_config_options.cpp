@@ -3,17 +3,24 @@
 #include <exception>
 #include <utility>
 
+#include "assertion.h"
 #include "channel_config_constraints.h"
+#include "config_item_variant.h"
 
 namespace zelt::plugin_util {
 namespace {
+
+constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_channel_config_options";
 
 using channel_config::ConfigurableDuringAcquisitionConstraint;
 using channel_config::ReadOnlyConstraint;
 using config_items::ConfigItemVariant;
 using config_items::InvalidConfigItem;
 using config_items::OptionConstraint;
+using config_items::RangeConfigItem;
+using config_items::ScalarConfigItem;
 using config_items::SingleValueConfigItem;
+using config_items::ValueRangeConstraint;
 
 using BoolItem = SingleValueConfigItem<bool>;
 using StringItem = SingleValueConfigItem<std::string>;
@@ -123,6 +130,25 @@ template class ConstantGenericOption<channel_config::DAQChannelType>;
 template class ConstantGenericOption<channel_config::SampleOccurrenceType>;
 template class ConstantGenericOption<channel_config::DAQSampleResolution>;
 
+ConstantRangeOption::ConstantRangeOption(std::string key, RangeConfigItem<double> range)
+    : ChannelConfigOption(std::move(key)), m_range(std::move(range)) {}
+
+bool ConstantRangeOption::isAvailable() const {
+    return true;
+}
+
+ConfigItemVariant ConstantRangeOption::getItem() const {
+    return m_range;
+}
+
+bool ConstantRangeOption::setItem(const ConfigItemVariant&) {
+    return false;
+}
+
+ChannelConfigOption::Constraints ConstantRangeOption::getConstraints() const {
+    return {std::make_shared<ReadOnlyConstraint>(true)};
+}
+
 ChannelUsedOption::ChannelUsedOption(std::string key, std::atomic<bool>& used, bool locked,
                                      std::function<void(bool)> listener)
     : ChannelConfigOption(std::move(key)), m_used(used), m_locked(locked), m_listener(std::move(listener)) {}
@@ -198,6 +224,40 @@ bool SimpleStringOption::setItem(const ConfigItemVariant& value) {
         return false;
     }
     return true;
+}
+
+SimpleScalarOption::SimpleScalarOption(std::string key, ScalarConfigItem value, bool writable, double min,
+                                       double max)
+    : ChannelConfigOption(std::move(key)),
+      m_value(value.m_value),
+      m_unit(std::move(value.m_unit)),
+      m_writable(writable),
+      m_min(min),
+      m_max(max) {}
+
+bool SimpleScalarOption::isAvailable() const {
+    return true;
+}
+
+ConfigItemVariant SimpleScalarOption::getItem() const {
+    return ScalarConfigItem(m_value, m_unit);
+}
+
+bool SimpleScalarOption::setItem(const ConfigItemVariant& value) {
+    const auto* const wanted = valueIn<ScalarConfigItem>(value);
+    if (wanted == nullptr) return false;
+    const ScalarConfigItem& scalar = *wanted;
+    ZELT_ASSERT(scalar.m_unit == m_unit);
+    m_value = scalar.m_value;
+    return true;
+}
+
+ChannelConfigOption::Constraints SimpleScalarOption::getConstraints() const {
+    Constraints constraints{std::make_shared<ReadOnlyConstraint>(!m_writable)};
+    if (m_writable) {
+        constraints.push_back(std::make_shared<ValueRangeConstraint<double>>(m_min, m_max, m_unit));
+    }
+    return constraints;
 }
 
 }  // namespace zelt::plugin_util

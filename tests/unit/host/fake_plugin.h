@@ -11,6 +11,7 @@
 
 #include <boost/uuid/nil_generator.hpp>
 
+#include "config_item_variant.h"
 #include "config_keys.h"
 #include "host_platform.h"
 #include "if_channel_messages.h"

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include "config_item_variant.h"
 #include "fake_plugin.h"
 #include "host_failure.h"
 #include "temporary_directory.h"

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "config_item_variant.h"
 #include "fake_plugin.h"
 #include "host_failure.h"
 #include "message_board.h"

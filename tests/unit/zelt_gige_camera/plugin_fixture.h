@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "assertion_capture.h"
+#include "config_item_variant.h"
 #include "config_items.h"
 #include "config_keys.h"
 #include "if_channel_messages.h"

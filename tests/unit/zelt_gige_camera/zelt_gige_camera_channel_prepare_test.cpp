@@ -1,5 +1,6 @@
 // A channel through the plug-in: preparation and start of capture.
 #include "channel_fixture.h"
+#include "config_item_variant.h"
 
 namespace {
 

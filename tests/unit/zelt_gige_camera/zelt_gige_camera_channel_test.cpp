@@ -1,5 +1,6 @@
 // A channel through the plug-in: settings and opening.
 #include "channel_fixture.h"
+#include "config_item_variant.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <thread>
 
+#include "config_item_variant.h"
 #include "plugin_fixture.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "config_item_variant.h"
 #include "zeltpu_simple_channel_config.h"
 
 struct OpenChannelConfig : zelt::plugin_util::SimpleChannelConfig {

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "channel_config_constraints.h"
+#include "config_item_variant.h"
+#include "constraints_in_words.h"
 
 namespace {
 
@@ -31,25 +33,8 @@ std::string text(const ConfigItemVariant& item) {
     return asItem(item).toString();
 }
 
-/// A constraint in words: kind and contents.
-std::string inWords(const std::shared_ptr<Constraint>& constraint) {
-    const auto flag = [](bool value) { return value ? " true" : " false"; };
-    if (const auto* readOnly = dynamic_cast<const ReadOnlyConstraint*>(constraint.get())) {
-        return std::string("read-only") + flag(readOnly->getFlag());
-    }
-    if (const auto* during = dynamic_cast<const ConfigurableDuringAcquisitionConstraint*>(constraint.get())) {
-        return std::string("during acquisition") + flag(during->getFlag());
-    }
-    if (const auto* choice = dynamic_cast<const BoolChoice*>(constraint.get())) {
-        return std::string("choice") + flag(choice->getItem().m_value);
-    }
-    return "another";
-}
-
 std::vector<std::string> constraintsOf(const ChannelConfigOption& option) {
-    std::vector<std::string> words;
-    for (const auto& constraint : option.getConstraints()) words.push_back(inWords(constraint));
-    return words;
+    return inWords(option.getConstraints());
 }
 
 TEST(GenericOption, IsAvailableUnlessItsCallableSaysNo) {
