@@ -2,8 +2,8 @@
 # sentence when that is not possible.
 
 build_packages=(g++ cmake ninja-build libboost-log1.81-dev libpng-dev libcli11-dev nlohmann-json3-dev
-    libgtest-dev libgmock-dev)
-check_packages=(clang-14 clang-tidy-14 clang-format-14)
+    libgtest-dev libgmock-dev librapidcheck-dev)
+check_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
 
 is_installed() { dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed; }
 
