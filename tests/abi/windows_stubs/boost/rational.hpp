@@ -1,0 +1,5 @@
+#pragma once
+namespace boost {
+template <class T>
+struct rational {};
+}  // namespace boost

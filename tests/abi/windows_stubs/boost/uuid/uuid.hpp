@@ -1,0 +1,6 @@
+#pragma once
+namespace boost::uuids {
+struct uuid {
+    unsigned char data[16];
+};
+}  // namespace boost::uuids

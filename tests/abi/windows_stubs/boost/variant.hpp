@@ -1,0 +1,2 @@
+#pragma once
+#include <boost/variant/variant_fwd.hpp>

@@ -1,0 +1,5 @@
+#pragma once
+namespace boost {
+template <class... Alternatives>
+struct variant {};
+}  // namespace boost
