@@ -9,7 +9,9 @@ function(zelt_add_test)
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
         zelt_warnings)
     # What is tested is optimised as the preset says; the tests themselves only have to compile quickly.
-    target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
+    if(NOT MSVC)
+        target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
+    endif()
     add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
     set_tests_properties(${ARG_NAME} PROPERTIES
         FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600)

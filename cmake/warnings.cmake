@@ -1,8 +1,12 @@
 add_library(zelt_warnings INTERFACE)
-target_compile_options(zelt_warnings INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wsuggest-override>
-    $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wthread-safety>)
+if(MSVC)
+    target_compile_options(zelt_warnings INTERFACE /W4 /WX)
+else()
+    target_compile_options(zelt_warnings INTERFACE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+        $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wsuggest-override>
+        $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wthread-safety>)
+endif()
 
 # clang-tidy runs in one preset only and over the product, not the tests.
 option(ZELT_TIDY "run clang-tidy on every source of the product" OFF)

@@ -54,9 +54,9 @@ class ZELT_BASE_API OptionConstraint : public IfOptionConstraint {
     Item m_item;
 };
 
-extern template class OptionConstraint<ScalarConfigItem>;
-extern template class OptionConstraint<SingleValueConfigItem<std::string>>;
-extern template class OptionConstraint<SingleValueConfigItem<bool>>;
+ZELT_BASE_TEMPLATE(class OptionConstraint<ScalarConfigItem>);
+ZELT_BASE_TEMPLATE(class OptionConstraint<SingleValueConfigItem<std::string>>);
+ZELT_BASE_TEMPLATE(class OptionConstraint<SingleValueConfigItem<bool>>);
 
 /// A range of values, of whatever number type.
 class ZELT_BASE_API IfRangeConstraint : public IfConfigItemConstraint {
@@ -72,7 +72,7 @@ class ZELT_BASE_API ValueRangeConstraint : public IfRangeConstraint {
     /// Asserts that the unit is not empty and that the bounds are in order; the range is made in any case.
     /// The unit is not kept.
     ValueRangeConstraint(T min, T max, const std::string& unit) : m_min(min), m_max(max) {
-        ZELT_ASSERT_AS(!unit.empty(), "!unit.empty()", kSourcePath);
+        ZELT_ASSERT(!unit.empty());
         ZELT_ASSERT_AS(min <= max, "min <= max", kSourcePath, "ValueRangeConstraint: min exceeds max.");
     }
 
@@ -90,7 +90,7 @@ class ZELT_BASE_API ValueRangeConstraint : public IfRangeConstraint {
     T m_max;
 };
 
-extern template class ValueRangeConstraint<double>;
+ZELT_BASE_TEMPLATE(class ValueRangeConstraint<double>);
 
 /// A property that an item has or has not. Equality looks at the flag only, not at the property: any two
 /// such constraints with the same flag are equal.

@@ -88,22 +88,24 @@ class ZELT_BASE_API SingleValueConfigItem : public IfValueConfigItem {
     T m_value;
 };
 
-extern template class SingleValueConfigItem<bool>;
-extern template class SingleValueConfigItem<int>;
-extern template class SingleValueConfigItem<unsigned int>;
-extern template class SingleValueConfigItem<double>;
-extern template class SingleValueConfigItem<std::string>;
-extern template class SingleValueConfigItem<channel_config::ChannelID>;
-extern template class SingleValueConfigItem<channel_config::PhysicalQuantity>;
-extern template class SingleValueConfigItem<channel_config::UserScalingMode>;
-extern template class SingleValueConfigItem<channel_config::DAQSampleResolution>;
-extern template class SingleValueConfigItem<channel_config::SampleOccurrenceType>;
-extern template class SingleValueConfigItem<channel_config::DAQChannelType>;
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<bool>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<int>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<unsigned int>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<double>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<std::string>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::ChannelID>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::PhysicalQuantity>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::UserScalingMode>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::DAQSampleResolution>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::SampleOccurrenceType>);
+ZELT_BASE_TEMPLATE(class SingleValueConfigItem<channel_config::DAQChannelType>);
 
 /// A number with a unit, "20000 Hz"; without unit the number alone.
 class ZELT_BASE_API ScalarConfigItem : public SingleValueConfigItem<double> {
   public:
     explicit ScalarConfigItem(double value, std::string unit = {});
+    /// A text without its unit would be no scalar.
+    static ScalarConfigItem fromText(const std::string& text) = delete;
 
     std::string toString() const override;
     bool equals(const IfConfigItem& other) const override;
@@ -118,6 +120,7 @@ class ZELT_BASE_API ScalarConfigItem : public SingleValueConfigItem<double> {
 class ZELT_BASE_API DecoratedNumberConfigItem : public SingleValueConfigItem<double> {
   public:
     DecoratedNumberConfigItem(double value, std::string prefix, std::string suffix);
+    static DecoratedNumberConfigItem fromText(const std::string& text) = delete;
 
     std::string toString() const override;
     bool equals(const IfConfigItem& other) const override;
@@ -158,7 +161,7 @@ class ZELT_BASE_API RangeConfigItem : public IfConfigItem {
     std::string m_max_unit;
 };
 
-extern template class RangeConfigItem<double>;
+ZELT_BASE_TEMPLATE(class RangeConfigItem<double>);
 
 /// A pair of values, "(1, 2)".
 template <class First, class Second>
@@ -173,7 +176,7 @@ class ZELT_BASE_API TupleValue final {
     Second m_second;
 };
 
-extern template class TupleValue<double, double>;
+ZELT_BASE_TEMPLATE(class TupleValue<double, double>);
 
 /// A list of values, their texts joined by ", ".
 template <class T>
@@ -188,9 +191,9 @@ class ZELT_BASE_API ValueListConfigItem : public IfValueListConfigItem {
     std::vector<T> m_values;
 };
 
-extern template class ValueListConfigItem<std::string>;
-extern template class ValueListConfigItem<TupleValue<double, double>>;
-extern template class ValueListConfigItem<channel_config::ChannelID>;
+ZELT_BASE_TEMPLATE(class ValueListConfigItem<std::string>);
+ZELT_BASE_TEMPLATE(class ValueListConfigItem<TupleValue<double, double>>);
+ZELT_BASE_TEMPLATE(class ValueListConfigItem<channel_config::ChannelID>);
 
 /// A value of an enumeration that is known by name only.
 class ZELT_BASE_API GenericEnumConfigItem : public IfConfigItem {

@@ -11,3 +11,14 @@
 #else
 #define ZELT_BASE_API __attribute__((visibility("default")))
 #endif
+
+/// Announces an instantiation that the library offers: `ZELT_BASE_TEMPLATE(class RangeConfigItem<double>);`
+#if defined(__MINGW32__) && !defined(ZELT_BASE_EXPORTS)
+// g++ exports no inline members from there, so that its clients have to make their own.
+#define ZELT_BASE_TEMPLATE(...)
+#elif defined(_MSC_VER) && defined(ZELT_BASE_EXPORTS)
+// Microsoft's compiler exports by the definition only and warns of the announcement.
+#define ZELT_BASE_TEMPLATE(...)
+#else
+#define ZELT_BASE_TEMPLATE(...) extern template __VA_ARGS__
+#endif

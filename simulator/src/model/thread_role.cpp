@@ -1,8 +1,6 @@
 #include "thread_role.h"
 
-#if defined(__linux__)
-#include <sys/prctl.h>
-#endif
+#include "library_thread.h"
 
 namespace simulator {
 namespace {
@@ -31,11 +29,7 @@ const char* threadRoleName(ThreadRole role) {
 
 void enterThread(ThreadRole role) {
     t_role = role;
-#if defined(__linux__)
-    // The default slack of 50 microseconds would be part of every delivery.
-    prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
-    prctl(PR_SET_NAME, threadRoleName(role), 0UL, 0UL, 0UL);
-#endif
+    prepareLibraryThread(threadRoleName(role));
 }
 
 }  // namespace simulator

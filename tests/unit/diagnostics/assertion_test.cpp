@@ -44,7 +44,7 @@ TEST(Assertion, TellsTheHookExpressionPathAndLineAndNoMessage) {
     const std::vector<FailedAssertion> failures = capture.failures();
     ASSERT_THAT(failures, SizeIs(1));
     EXPECT_EQ(failures[0].expression, "one == 2");
-    EXPECT_EQ(failures[0].message, "");
+    EXPECT_EQ(failures[0].message, std::nullopt);
     EXPECT_EQ(failures[0].file, "tests/unit/diagnostics/assertion_test");
     EXPECT_EQ(failures[0].line, line);
 }
@@ -93,13 +93,19 @@ TEST(Assertion, MayBeRaisedWhileTheHookIsReplaced) {
     replacing.join();
 }
 
+#if defined(_WIN32)
+const ::testing::ExitedWithCode stoppedAtABreakpoint(static_cast<int>(0x80000003));
+#else
+const ::testing::KilledBySignal stoppedAtABreakpoint(SIGTRAP);
+#endif
+
 TEST(AssertionDeathTest, StopsAtABreakpointWhenTheHookAnswersZero) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto stop = [] {
         diagnostics::setAssertionHook([](const char*, const char*, const char*, int) { return 0; });
         ZELT_ASSERT(false);
     };
-    EXPECT_EXIT(stop(), ::testing::KilledBySignal(SIGTRAP), "");
+    EXPECT_EXIT(stop(), stoppedAtABreakpoint, "");
 }
 
 }  // namespace
