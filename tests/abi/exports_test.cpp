@@ -1,5 +1,6 @@
-// The built plug-in library as a host meets it: loaded from its file, nothing linked.
+// The built plug-in library as a host meets it: loaded from its file, nothing of its inside linked.
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -11,6 +12,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "assertion_capture.h"
+#include "config_item_variant.h"
 #include "if_daq_plugin.h"
 #include "if_plugin_creator.h"
 
@@ -41,12 +44,20 @@ class LoadedLibrary : public ::testing::Test {
         return reinterpret_cast<Function*>(dlsym(library, name));
     }
     ~LoadedLibrary() override { close(); }
+    plugin_api::IfPluginCreator* creator() { return symbol<ZeltGetPluginFactory>("ZELT_getPluginFactory")(); }
+    zelt::IfDAQPlugin* createPlugin() {
+        zelt::IfDAQPlugin* plugin = nullptr;
+        EXPECT_TRUE(creator()->createPlugin("GIGECAMERA", typeId, &plugin));
+        return plugin;
+    }
     static void* open() { return dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL); }
     void close() {
         if (library != nullptr) dlclose(library);
         library = nullptr;
     }
     void* library = open();
+    const boost::uuids::uuid typeId =
+        boost::uuids::string_generator()("{D40250C7-33F6-4ECE-9A88-BAE8EE6D5FA5}");
 };
 
 TEST(Exports, AreExactlyTheTwoFunctions) {
@@ -71,18 +82,46 @@ TEST_F(LoadedLibrary, HandsOutOneCreator) {
     EXPECT_STREQ(factory()->getPluginName(0), "GIGECAMERA");
 }
 
+TEST_F(LoadedLibrary, RaisesItsAssertionsThroughTheHookOfTheProcess) {
+    ASSERT_NE(library, nullptr) << dlerror();
+    zelt::IfDAQPlugin* const plugin = createPlugin();
+    ASSERT_NE(plugin, nullptr);
+    {
+        const test_support::AssertionCapture capture;
+        plugin->getPluginConfig()->getItem("NoSuchKey");
+        ASSERT_EQ(capture.failures().size(), 1u);
+        EXPECT_EQ(capture.failures()[0].message, "key not found. config item does not exist.");
+    }
+    EXPECT_TRUE(creator()->destroyPlugin(typeId, plugin));
+}
+
+TEST_F(LoadedLibrary, CountsItsItemsInTheCounterOfTheProcess) {
+    ASSERT_NE(library, nullptr) << dlerror();
+    constexpr std::int64_t kSettings = 2;
+    const std::int64_t before = config_items::IfConfigItem::getInstanceCount();
+    zelt::IfDAQPlugin* const plugin = createPlugin();
+    ASSERT_NE(plugin, nullptr);
+    const std::int64_t during = config_items::IfConfigItem::getInstanceCount();
+    EXPECT_GE(during, before + kSettings);
+
+    const auto types = uni::getCountedTypes();
+    ASSERT_EQ(types.count("config_items::IfConfigItem"), 1u);
+    EXPECT_EQ(types.at("config_items::IfConfigItem")(), during);
+
+    EXPECT_TRUE(creator()->destroyPlugin(typeId, plugin));
+    EXPECT_EQ(config_items::IfConfigItem::getInstanceCount(), before);
+}
+
 TEST_F(LoadedLibrary, LeavesNothingBehindWhenItIsUnloadedAfterUse) {
     for (int round = 0; round < 2; ++round) {
         ASSERT_NE(library, nullptr) << dlerror();
-        plugin_api::IfPluginCreator* const creator = symbol<ZeltGetPluginFactory>("ZELT_getPluginFactory")();
-        const auto typeId = boost::uuids::string_generator()("{D40250C7-33F6-4ECE-9A88-BAE8EE6D5FA5}");
-        zelt::IfDAQPlugin* plugin = nullptr;
-        ASSERT_TRUE(creator->createPlugin("GIGECAMERA", typeId, &plugin));
+        zelt::IfDAQPlugin* const plugin = createPlugin();
+        ASSERT_NE(plugin, nullptr);
         ASSERT_TRUE(plugin->initialize());
         plugin->enumerateDevices();
         EXPECT_EQ(plugin->getChannelIds().size(), 2u);
         plugin->terminate();
-        EXPECT_TRUE(creator->destroyPlugin(typeId, plugin));
+        EXPECT_TRUE(creator()->destroyPlugin(typeId, plugin));
         close();
         EXPECT_EQ(dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr);
         library = open();

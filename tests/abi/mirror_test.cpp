@@ -24,7 +24,7 @@ TEST_P(MirroredClass, AnswersSlotBySlot) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, MirroredClass, ::testing::ValuesIn(slot_check::slotTable()),
-                         [](const auto& tested) { return slot_check::testNameOf(tested.param); });
+                         [](const auto& tested) { return slot_check::testNameOf(tested.param.name); });
 
 TEST(Mirrors, StandForNothingThatTheTableLacks) {
     std::set<std::string> names = slot_check::MirrorOf::classNames();

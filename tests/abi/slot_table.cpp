@@ -10,9 +10,10 @@ namespace {
 
 using Classes = std::vector<ClassSlots>;
 
-ClassSlots* find(Classes& classes, const std::string& name) {
+template <class Class>
+Class* find(std::vector<Class>& classes, const std::string& name) {
     const auto found = std::find_if(classes.begin(), classes.end(),
-                                    [&](const ClassSlots& candidate) { return candidate.name == name; });
+                                    [&](const Class& candidate) { return candidate.name == name; });
     return found == classes.end() ? nullptr : &*found;
 }
 
@@ -45,6 +46,34 @@ void addLine(Classes& classes, const std::string& line) {
             line.substr(last + 1));
 }
 
+void addFields(std::vector<ClassFields>& classes, const std::string& line) {
+    const auto colon = line.find(": ");
+    if (colon == std::string::npos) throw std::invalid_argument("a part is missing");
+    ClassFields found{line.substr(0, colon), {}};
+    if (find(classes, found.name) != nullptr) throw std::invalid_argument(found.name + " stands here twice");
+    for (std::size_t begin = colon + 2; begin < line.size();) {
+        const auto end = std::min(line.find("; ", begin), line.size());
+        found.fields.push_back(line.substr(begin, end - begin));
+        begin = end + 2;
+    }
+    classes.push_back(found);
+}
+
+template <class Class>
+std::vector<Class> parse(std::istream& text, void (*add)(std::vector<Class>&, const std::string&)) {
+    std::vector<Class> classes;
+    std::string line;
+    while (std::getline(text, line)) {
+        if (line.empty() || line.front() == '#') continue;
+        try {
+            add(classes, line);
+        } catch (const std::invalid_argument& error) {
+            throw std::runtime_error("table, \"" + line + "\": " + error.what());
+        }
+    }
+    return classes;
+}
+
 bool matches(const std::string& expected, const std::string& found) {
     return expected == found || expected == found.substr(0, found.find('('));
 }
@@ -55,31 +84,36 @@ void PrintTo(const ClassSlots& slots, std::ostream* out) {
     *out << slots.name;
 }
 
-std::string testNameOf(const ClassSlots& slots) {
-    std::string name = slots.name;
+void PrintTo(const ClassFields& fields, std::ostream* out) {
+    *out << fields.name;
+}
+
+std::string testNameOf(std::string className) {
     const auto isOther = [](unsigned char c) { return std::isalnum(c) == 0; };
-    std::replace_if(name.begin(), name.end(), isOther, '_');
-    return name;
+    std::replace_if(className.begin(), className.end(), isOther, '_');
+    return className;
 }
 
 std::vector<ClassSlots> parseSlots(std::istream& text) {
-    Classes classes;
-    std::string line;
-    while (std::getline(text, line)) {
-        if (line.empty() || line.front() == '#') continue;
-        try {
-            addLine(classes, line);
-        } catch (const std::invalid_argument& error) {
-            throw std::runtime_error("slot table, \"" + line + "\": " + error.what());
-        }
-    }
-    return classes;
+    return parse(text, &addLine);
+}
+
+std::vector<ClassFields> parseFields(std::istream& text) {
+    return parse(text, &addFields);
 }
 
 const std::vector<ClassSlots>& slotTable() {
     static const std::vector<ClassSlots> table = [] {
         std::ifstream file(ZELT_SOURCE_DIR "/tests/abi/slots.txt");
         return parseSlots(file);
+    }();
+    return table;
+}
+
+const std::vector<ClassFields>& fieldTable() {
+    static const std::vector<ClassFields> table = [] {
+        std::ifstream file(ZELT_SOURCE_DIR "/tests/abi/fields.txt");
+        return parseFields(file);
     }();
     return table;
 }

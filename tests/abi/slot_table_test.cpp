@@ -50,6 +50,23 @@ TEST(SlotTable, RefusesWhatItDoesNotUnderstand) {
     expectRefused("n::A as n::B\n", "n::B does not stand above");
 }
 
+TEST(FieldTable, ReadsAClassAndItsFields) {
+    std::istringstream text("# comment\n\nn::A: unsigned int a; n::B<c, d> e\nn::B<c, d>: int f\n");
+    const auto classes = slot_check::parseFields(text);
+    ASSERT_EQ(classes.size(), 2u);
+    EXPECT_EQ(classes[0].name, "n::A");
+    EXPECT_THAT(classes[0].fields, ElementsAre("unsigned int a", "n::B<c, d> e"));
+    EXPECT_EQ(classes[1].name, "n::B<c, d>");
+    EXPECT_THAT(classes[1].fields, ElementsAre("int f"));
+}
+
+TEST(FieldTable, RefusesWhatItDoesNotUnderstand) {
+    for (const char* const bad : {"n::A\n", "n::A: int a\nn::A: int b\n"}) {
+        std::istringstream text(bad);
+        EXPECT_THROW(slot_check::parseFields(text), std::runtime_error) << bad;
+    }
+}
+
 TEST(SlotTable, FindsNoDifferenceInTheSameOrder) {
     EXPECT_THAT(differences({"n::A", {"destructor", "f"}}, {"destructor", "f"}), IsEmpty());
 }

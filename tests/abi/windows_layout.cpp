@@ -79,6 +79,20 @@ std::string plainOperation(const std::string& entry) {
            ")";
 }
 
+/// "struct std::vector<struct n::P> m_values (empty)" gives "std::vector<n::P> m_values".
+std::string plainField(std::string text) {
+    const auto replaceAll = [&](const std::string& old, const std::string& by) {
+        for (auto at = text.find(old); at != std::string::npos; at = text.find(old)) {
+            text.replace(at, old.size(), by);
+        }
+    };
+    for (const char* const decoration : {"struct ", "class ", "enum ", " (empty)"})
+        replaceAll(decoration, "");
+    replaceAll("> >", ">>");
+    replaceAll("_Bool", "bool");
+    return text;
+}
+
 // The lines of clang's answer that matter:
 //
 //     VFTable for 'n::IfBase' in 'n::IfClass' in 'Force7' (4 entries).
@@ -87,7 +101,11 @@ std::string plainOperation(const std::string& entry) {
 //
 //     *** Dumping AST Record Layout
 //              0 | struct Force7
-//                | [sizeof=8, align=8,
+//              0 |   class n::IfClass (primary base)
+//              0 |     (IfClass vftable pointer)
+//              8 |     struct n::Pair m_pair
+//              8 |       int first
+//                | [sizeof=16, align=8,
 class Reader {
   public:
     explicit Reader(const std::vector<std::string>& classes) : m_classes(classes) {
@@ -105,9 +123,12 @@ class Reader {
             addEntry(plainOperation(content));
         } else if (content.starts_with("struct Force")) {
             m_record = forced(content, content.find(" Force"));
+            m_field_indent = std::string::npos;
         } else if (m_record != nullptr && content.starts_with("[sizeof=")) {
             m_record->size = std::strtoul(content.c_str() + 8, nullptr, 10);
             m_record = nullptr;
+        } else if (m_record != nullptr) {
+            addRecordLine(content);
         }
     }
 
@@ -131,11 +152,21 @@ class Reader {
             m_table->slots.push_back(operation);
         }
     }
+    /// A base, whose members follow; a pointer to a table; a field; or a part of the field above.
+    void addRecordLine(const std::string& content) {
+        const std::size_t indent = content.find_first_not_of(' ');
+        if (indent == std::string::npos || indent > m_field_indent) return;
+        m_field_indent = std::string::npos;
+        if (content[indent] == '(' || content.find("base)") != std::string::npos) return;
+        m_record->fields.push_back(plainField(content.substr(indent)));
+        m_field_indent = indent;
+    }
 
     const std::vector<std::string>& m_classes;
     std::map<std::string, WindowsClass> m_layout;
     WindowsClass* m_table = nullptr;
     WindowsClass* m_record = nullptr;
+    std::size_t m_field_indent = std::string::npos;  // of the field above; npos without any
 };
 
 }  // namespace

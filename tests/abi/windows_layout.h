@@ -1,4 +1,4 @@
-/// Tables of virtual operations as the Windows C++ ABI lays them out.
+/// Tables of virtual operations and data members as the Windows C++ ABI lays them out.
 #pragma once
 
 #include <map>
@@ -8,9 +8,10 @@
 namespace slot_check {
 
 struct WindowsClass {
-    std::vector<std::string> slots;  ///< "name(arguments)" in the order of the first table, or "destructor"
-    int tables = 0;                  ///< one, unless more than one base has virtual operations
-    std::size_t size = 0;            ///< bytes of an object
+    std::vector<std::string> slots;   ///< "name(arguments)" in the order of the first table, or "destructor"
+    int tables = 0;                   ///< one, unless more than one base has virtual operations
+    std::vector<std::string> fields;  ///< "type name", those of bases first
+    std::size_t size = 0;             ///< bytes of an object
 };
 
 /// Layout of each class of `classes`, which `includes` (a source text) declares. Arguments are written

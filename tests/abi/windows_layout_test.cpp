@@ -1,4 +1,4 @@
-// The table against clang's layout of the real headers for the Windows C++ ABI; and that check itself, held
+// The tables against clang's layout of the real headers for the Windows C++ ABI; and that check itself, held
 // before small classes that break its rules.
 #include "windows_layout.h"
 
@@ -8,18 +8,22 @@
 #include <iterator>
 #include <set>
 
+#include <boost/mpl/size.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "config_item_variant.h"
 #include "header_classes.h"
 #include "slot_table.h"
 
 namespace {
 
+using slot_check::ClassFields;
 using slot_check::ClassSlots;
 using slot_check::HeaderClass;
 using slot_check::WindowsClass;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 
 const std::string kLib = ZELT_SOURCE_DIR "/lib/";
@@ -42,9 +46,11 @@ std::string includesOfAllHeaders() {
 
 const WindowsClass& realLayout(const std::string& className) {
     static const std::map<std::string, WindowsClass> layout = [] {
-        std::vector<std::string> names;
-        for (const ClassSlots& known : slot_check::slotTable()) names.push_back(known.name);
-        return slot_check::windowsLayout(includesOfAllHeaders(), kHeaderFolders, names);
+        std::set<std::string> names;
+        for (const ClassSlots& known : slot_check::slotTable()) names.insert(known.name);
+        for (const ClassFields& known : slot_check::fieldTable()) names.insert(known.name);
+        return slot_check::windowsLayout(includesOfAllHeaders(), kHeaderFolders,
+                                         {names.begin(), names.end()});
     }();
     return layout.at(className);
 }
@@ -84,7 +90,7 @@ TEST_P(WindowsTable, HasEverySlotInItsPlace) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, WindowsTable, ::testing::ValuesIn(slot_check::slotTable()),
-                         [](const auto& tested) { return slot_check::testNameOf(tested.param); });
+                         [](const auto& tested) { return slot_check::testNameOf(tested.param.name); });
 
 class WindowsInterface : public ::testing::TestWithParam<ClassSlots> {};
 
@@ -93,7 +99,29 @@ TEST_P(WindowsInterface, HoldsNothingButItsTable) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, WindowsInterface, ::testing::ValuesIn(interfaces()),
-                         [](const auto& tested) { return slot_check::testNameOf(tested.param); });
+                         [](const auto& tested) { return slot_check::testNameOf(tested.param.name); });
+
+class WindowsFields : public ::testing::TestWithParam<ClassFields> {};
+
+TEST_P(WindowsFields, AreThoseOfTheTableInItsOrder) {
+    EXPECT_THAT(realLayout(GetParam().name).fields, ElementsAreArray(GetParam().fields)) << GetParam().name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, WindowsFields, ::testing::ValuesIn(slot_check::fieldTable()),
+                         [](const auto& tested) { return slot_check::testNameOf(tested.param.name); });
+
+TEST(FieldTable, HasEveryItem) {
+    std::set<std::string> listed;
+    for (const ClassFields& row : slot_check::fieldTable()) listed.insert(row.name);
+    std::size_t items = 0;
+    for (const ClassSlots& row : slot_check::slotTable()) {
+        const bool isItem = row.name.substr(0, row.name.find('<')).ends_with("ConfigItem");
+        if (!isItem || isInterface(row)) continue;
+        ++items;
+        EXPECT_TRUE(listed.contains(row.name)) << row.name;
+    }
+    EXPECT_EQ(items, std::size_t{boost::mpl::size<config_items::ConfigItemVariant::types>::value});
+}
 
 TEST(SharedHeaders, DeclareNoVirtualOperationsThatTheTableLacks) {
     std::set<std::string> known;
@@ -168,6 +196,15 @@ TEST(WindowsLayout, CountsTheTablesOfFurtherBases) {
         "C");
     EXPECT_THAT(laidOut.slots, ElementsAre("f()", "h()"));
     EXPECT_EQ(laidOut.tables, 2);
+}
+
+TEST(WindowsLayout, TellsTheFieldsOfBasesFirstAndNothingOfTheirInside) {
+    const auto laidOut = layoutOf(
+        "struct P { int x; struct { int z; } y; }; template <class T> struct V { T t; };\n"
+        "struct Empty { static int n; }; struct A : Empty { virtual void f(); P p; V<V<P>> v; };\n"
+        "struct B { bool e; }; struct C : A, B { virtual void g(); private: P* q; };\n",
+        "C");
+    EXPECT_THAT(laidOut.fields, ElementsAre("P p", "V<V<P>> v", "bool e", "P * q"));
 }
 
 TEST(WindowsLayout, SaysWhyASourceDoesNotCompile) {
