@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "channel_config_fixture.h"
 #include "config_item_variant.h"
-#include "zeltpu_simple_channel_config.h"
 
 namespace property_tests {
 
@@ -38,10 +38,6 @@ class ChannelConfigCalls {
     std::size_t callsMade() const { return m_calls; }
 
   private:
-    struct Config : zelt::plugin_util::SimpleChannelConfig {
-        using SimpleChannelConfig::notifyChanged;
-        using SimpleChannelConfig::refreshAvailableKeys;
-    };
     struct HandedOut {
         const std::vector<std::string>* list;
         std::vector<std::string> copy;
@@ -73,7 +69,7 @@ class ChannelConfigCalls {
     std::vector<std::string> m_told;
     std::string m_difference;
     std::size_t m_calls = 0;
-    Config m_config;
+    OpenChannelConfig m_config;
 };
 
 }  // namespace property_tests

@@ -1,3 +1,5 @@
+#include <sstream>
+
 #include <boost/lexical_cast.hpp>
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
@@ -33,22 +35,30 @@ using ValueTypes = ::testing::Types<bool, int, unsigned int, double, std::string
 TYPED_TEST_SUITE(TextProperty, ValueTypes);
 
 TYPED_TEST(TextProperty, AValueComesBackFromItsText) {
-    rc::detail::checkGTest([] {
+    EXPECT_TRUE(rc::check([] {
         const auto item = *anySingleValue<TypeParam>();
         const std::string text = item.toString();
         const auto back = SingleValueConfigItem<TypeParam>::fromText(text);
         RC_ASSERT(back.equals(item));
         RC_ASSERT(back.toString() == text);
-    });
+    }));
 }
 
 TYPED_TEST(TextProperty, ATextIsConvertedOrRefusedAsTheLexicalCastDoes) {
-    rc::detail::checkGTest([] { RC_ASSERT(conversionDifference<TypeParam>(*anySource()) == ""); });
+    EXPECT_TRUE(rc::check([] { RC_ASSERT(conversionDifference<TypeParam>(*anySource()) == ""); }));
 }
 
 RC_GTEST_PROP(TextProperty, ADoublesTextIsThatOfTheLexicalCast, ()) {
     const double value = *anyDouble();
     RC_ASSERT(SingleValueConfigItem<double>(value).toString() == boost::lexical_cast<std::string>(value));
+}
+
+RC_GTEST_PROP(TextProperty, ARangeIsWrittenAsAClassicStreamDoes, ()) {
+    const double min = *anyDouble();
+    const double max = *anyDouble();
+    std::ostringstream stream;
+    stream << min << " .. " << max;
+    RC_ASSERT(RangeConfigItem<double>(min, max).toString() == stream.str());
 }
 
 RC_GTEST_PROP(TextProperty, AUnitFollowsItsNumberAfterOneBlank, ()) {

@@ -102,10 +102,36 @@ rc::Gen<ConfigItemVariant> asVariant(rc::Gen<Item> items) {
     return rc::gen::map(std::move(items), [](const Item& item) { return ConfigItemVariant(item); });
 }
 
+inline rc::Gen<RangeConfigItem<double>> anyRange() {
+    return rc::gen::map(
+        rc::gen::tuple(anyDouble(), anyDouble(), anyText(), anyText()),
+        [](const auto& parts) { return std::make_from_tuple<RangeConfigItem<double>>(parts); });
+}
+
+inline rc::Gen<DecoratedNumberConfigItem> anyDecorated() {
+    return rc::gen::map(rc::gen::tuple(anyDouble(), anyText(), anyText()), [](const auto& parts) {
+        return std::make_from_tuple<DecoratedNumberConfigItem>(parts);
+    });
+}
+
+inline rc::Gen<RationalScalarConfigItem> anyRational() {
+    return rc::gen::map(
+        rc::gen::tuple(anyNumber<std::int64_t>(), anyNumber<std::int64_t>(), anyText()),
+        [](const auto& parts) { return std::make_from_tuple<RationalScalarConfigItem>(parts); });
+}
+
+inline rc::Gen<GenericEnumConfigItem> anyGenericEnum() {
+    return rc::gen::map(rc::gen::pair(anyText(), anyText()),
+                        [](const auto& parts) { return GenericEnumConfigItem(parts.first, parts.second); });
+}
+
+inline rc::Gen<InvalidConfigItem> anyInvalid() {
+    return rc::gen::map(anyText(), [](const std::string& text) { return InvalidConfigItem(text); });
+}
+
 /// Items of one alternative, in the order of the union.
 inline rc::Gen<ConfigItemVariant> anyItemOf(int alternative) {
     using namespace channel_config;
-    const auto texts = rc::gen::pair(anyText(), anyText());
     switch (alternative) {
         case 0:
             return asVariant(anySingleValue<std::string>());
@@ -120,17 +146,13 @@ inline rc::Gen<ConfigItemVariant> anyItemOf(int alternative) {
         case 5:
             return asVariant(anySingleValue<bool>());
         case 6:
-            return asVariant(rc::gen::map(
-                rc::gen::tuple(anyDouble(), anyDouble(), anyText(), anyText()),
-                [](const auto& parts) { return std::make_from_tuple<RangeConfigItem<double>>(parts); }));
+            return asVariant(anyRange());
         case 7:
             return asVariant(anyList(anyText()));
         case 8:
             return asVariant(anyList(anyTuple()));
         case 9:
-            return asVariant(rc::gen::map(
-                rc::gen::tuple(anyDouble(), anyText(), anyText()),
-                [](const auto& parts) { return std::make_from_tuple<DecoratedNumberConfigItem>(parts); }));
+            return asVariant(anyDecorated());
         case 10:
             return asVariant(anySingleValue<UserScalingMode>());
         case 11:
@@ -142,19 +164,15 @@ inline rc::Gen<ConfigItemVariant> anyItemOf(int alternative) {
         case 14:
             return asVariant(anySingleValue<PhysicalQuantity>());
         case 15:
-            return asVariant(rc::gen::map(
-                texts, [](const auto& parts) { return GenericEnumConfigItem(parts.first, parts.second); }));
+            return asVariant(anyGenericEnum());
         case 16:
             return asVariant(anySingleValue<ChannelID>());
         case 17:
-            return asVariant(rc::gen::map(
-                rc::gen::tuple(anyNumber<std::int64_t>(), anyNumber<std::int64_t>(), anyText()),
-                [](const auto& parts) { return std::make_from_tuple<RationalScalarConfigItem>(parts); }));
+            return asVariant(anyRational());
         case 18:
             return asVariant(anyList(anyChannelId()));
         default:
-            return asVariant(
-                rc::gen::map(anyText(), [](const std::string& text) { return InvalidConfigItem(text); }));
+            return asVariant(anyInvalid());
     }
 }
 

@@ -11,7 +11,9 @@ int s_result = 1;
 
 int capture(const char* expression, const char* message, const char* file, int line) {
     const std::lock_guard lock(s_mutex);
-    s_failures.push_back({expression, message != nullptr ? message : "", file, line});
+    FailedAssertion failure{expression, std::nullopt, file, line};
+    if (message != nullptr) failure.message = message;
+    s_failures.push_back(failure);
     return s_result;
 }
 

@@ -1,6 +1,7 @@
 /// Captures failed assertions while it lives, in place of the process-wide hook.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,7 @@ namespace test_support {
 
 struct FailedAssertion {
     std::string expression;
-    std::string message;  ///< empty when the assertion carried none
+    std::optional<std::string> message;
     std::string file;
     int line = 0;
 };

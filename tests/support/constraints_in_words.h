@@ -4,12 +4,15 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "channel_config_constraints.h"
 
 inline std::string inWords(const config_items::IfConfigItemConstraint& constraint) {
     using BoolChoice = config_items::OptionConstraint<config_items::SingleValueConfigItem<bool>>;
+    using StringChoice = config_items::OptionConstraint<config_items::SingleValueConfigItem<std::string>>;
+    using ScalarChoice = config_items::OptionConstraint<config_items::ScalarConfigItem>;
     const auto flag = [](bool value) { return value ? " true" : " false"; };
     if (const auto* readOnly = dynamic_cast<const channel_config::ReadOnlyConstraint*>(&constraint)) {
         return std::string("read-only") + flag(readOnly->getFlag());
@@ -26,7 +29,17 @@ inline std::string inWords(const config_items::IfConfigItemConstraint& constrain
         words << "from " << range->getMin() << " to " << range->getMax();
         return words.str();
     }
-    return "another";
+    if (const auto* text = dynamic_cast<const StringChoice*>(&constraint)) {
+        return "choice '" + text->getItem().m_value + "'";
+    }
+    if (const auto* scalar = dynamic_cast<const ScalarChoice*>(&constraint)) {
+        return "choice " + scalar->getItem().toString();
+    }
+    using Independent = channel_config::FullyIndependentSampleRateConstraint;
+    if (const auto* independent = dynamic_cast<const Independent*>(&constraint)) {
+        return std::string("independent rate") + flag(independent->getFlag());
+    }
+    return typeid(constraint).name();
 }
 
 inline std::vector<std::string> inWords(

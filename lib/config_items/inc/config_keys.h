@@ -167,7 +167,8 @@ namespace config_keys {
 ZELT_CONFIG_KEYS(ZELT_DEFINE_KEY)
 #undef ZELT_DEFINE_KEY
 
-/// All keys in order; "TEDSScanEnabled" stands there twice, under its two names.
+/// All keys in order, for whoever lists or checks them; "TEDSScanEnabled" stands there twice, under its two
+/// names.
 inline constexpr auto kAllKeys = std::to_array<const char*>({
 #define ZELT_LIST_KEY(name, text) name,
     ZELT_CONFIG_KEYS(ZELT_LIST_KEY)

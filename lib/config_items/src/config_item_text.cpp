@@ -13,7 +13,8 @@
 namespace config_items {
 namespace {
 
-constexpr int kDoubleDigits = 17;
+constexpr int kItemDigits = 17;
+constexpr int kStreamDigits = 6;
 
 // The lexical cast reads numbers by the global locale (decimal sign, grouping). This stream reads the same
 // texts by the classic one: the whole text, no blanks.
@@ -30,6 +31,17 @@ void fromClassicStream(const std::string& text, T& value) {
 bool namesNoDigits(const std::string& text) {
     const std::size_t first = text.find_first_not_of("+-");
     return first != std::string::npos && std::string_view("nNiI").find(text[first]) != std::string_view::npos;
+}
+
+// Not through a stream: some run-time libraries switch the whole process's locale while one writes a number.
+std::string withDigits(double value, int digits) {
+    const char* const sign = std::signbit(value) ? "-" : "";
+    if (std::isnan(value)) return std::string(sign) + "nan";
+    if (std::isinf(value)) return std::string(sign) + "inf";
+    std::array<char, 32> text{};
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, digits);
+    return {text.data(), result.ptr};
 }
 
 }  // namespace
@@ -51,13 +63,7 @@ std::string toText(std::int64_t value) {
 }
 
 std::string toText(double value) {
-    const char* const sign = std::signbit(value) ? "-" : "";
-    if (std::isnan(value)) return std::string(sign) + "nan";
-    if (std::isinf(value)) return std::string(sign) + "inf";
-    std::array<char, 32> text{};
-    const auto result = std::to_chars(text.data(), text.data() + text.size(), value,
-                                      std::chars_format::general, kDoubleDigits);
-    return {text.data(), result.ptr};
+    return withDigits(value, kItemDigits);
 }
 
 std::string toText(const std::string& value) {
@@ -104,10 +110,7 @@ void fromText(const std::string& text, channel_config::ChannelID& value) {
 }
 
 std::string toStreamText(double value) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << value;
-    return stream.str();
+    return withDigits(value, kStreamDigits);
 }
 
 bool equalValues(double a, double b) {

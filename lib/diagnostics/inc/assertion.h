@@ -33,12 +33,12 @@ ZELT_BASE_API void breakIntoDebugger() noexcept;
 
 /// Asserts `condition`, reported under the text `expression` for the source `path`; a printf-style message
 /// may follow.
-#define ZELT_ASSERT_AS(condition, expression, path, ...)                                                 \
-    do {                                                                                                 \
-        if (!(condition) &&                                                                              \
-            diagnostics::assertFailed((expression), (path), __LINE__ __VA_OPT__(, ) __VA_ARGS__) == 0) { \
-            diagnostics::breakIntoDebugger();                                                            \
-        }                                                                                                \
+#define ZELT_ASSERT_AS(condition, expression, path, ...)                                                   \
+    do {                                                                                                   \
+        if (!(condition) &&                                                                                \
+            ::diagnostics::assertFailed((expression), (path), __LINE__ __VA_OPT__(, ) __VA_ARGS__) == 0) { \
+            ::diagnostics::breakIntoDebugger();                                                            \
+        }                                                                                                  \
     } while (false)
 
 /// Asserts an expression. A source that uses it defines `kSourcePath`, its own path inside the repository

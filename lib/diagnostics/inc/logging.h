@@ -17,7 +17,7 @@
 namespace UniLogSeverityLevel {
 enum T : unsigned {
     Trace = 0,    ///< entry and exit of host-facing operations
-    Debug = 1,    ///< per-camera progress inside stop
+    Debug = 1,    ///< progress of one channel inside stop
     Detail = 2,   ///< progress of enumeration, initialisation and start
     Info = 3,     ///< one-time facts
     Notice = 4,   ///< not used here
@@ -31,7 +31,7 @@ namespace diagnostics {
 /// Thread-safe logger; its channel is the attribute "Channel" (a std::string) of every record.
 using Logger = boost::log::sources::severity_channel_logger_mt<UniLogSeverityLevel::T, std::string>;
 
-/// Logger of channel "zelt_plugin_gige_camera": plug-in, services, camera API, channels, clock syncs.
+/// Logger of channel "zelt_plugin_gige_camera": everything but the configuration items.
 /// Created on first use, registered in the core's global logger storage, alive until the process ends.
 ZELT_BASE_API Logger& unilogger_zelt_plugin_gige_camera();
 
@@ -47,4 +47,4 @@ ZELT_BASE_API std::ios& classicNumbers(std::ios& stream);
 /// Nothing to the right is evaluated when the core takes no such record. A record whose formatting throws
 /// is not pushed.
 #define ZELT_LOG(logger, severity) \
-    BOOST_LOG_SEV((logger), UniLogSeverityLevel::severity) << diagnostics::classicNumbers
+    BOOST_LOG_SEV((logger), ::UniLogSeverityLevel::severity) << ::diagnostics::classicNumbers

@@ -8,7 +8,10 @@
 
 namespace zelt {
 
-/// Plug-in-wide settings by key.
+/// Plug-in-wide settings by key. Shared by reference count; it may outlive the plug-in, but not its library.
+///
+/// [host threads] One at a time, and none while the plug-in enumerates devices, which reads settings. An
+/// unknown key is an assertion in setItem and getItem. Any item is stored, of whatever type.
 class IfPluginConfig {
   public:
     virtual ~IfPluginConfig() = default;

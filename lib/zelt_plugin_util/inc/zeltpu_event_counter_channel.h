@@ -13,14 +13,14 @@ namespace zelt::plugin_util {
 /// An ordinary channel with a fixed description, of whose settings only "Used" can be set. Further settings
 /// may be registered by the owner before the channel is shared.
 ///
-/// The settings may be used from several host threads. Counter and sink are not locked: the owner calls the
-/// operations on them one at a time, under a mutex of its own. They allocate nothing.
+/// The settings and the used flag may be used from several threads. Counter and sink are not locked: the
+/// owner calls the operations on them one at a time, under a mutex of its own. They allocate nothing; what
+/// the sink throws passes on, after the count has changed.
 class EventCounterChannel : public SimpleChannelConfig {
   public:
     /// `name` becomes the setting "DefaultName", `shortId` "ShortId", `unit` the unit of the count.
     EventCounterChannel(const std::string& name, const std::string& shortId, const std::string& unit);
 
-    /// [any thread]
     bool isUsed() const { return m_used; }
     std::uint64_t getCount() const { return m_count; }
 

@@ -15,7 +15,7 @@ namespace zelt::plugin_util {
 
 /// Options are registered before the configuration is shared; from then on every operation may be called
 /// from several host threads. The values behind the options are guarded by whoever owns them. No lock is
-/// held while an option or the change callback is called.
+/// held while a virtual operation of an option or the change callback runs.
 class SimpleChannelConfig : public channel_config::IfChannelConfig {
   public:
     using Constraints = ChannelConfigOption::Constraints;
@@ -38,7 +38,6 @@ class SimpleChannelConfig : public channel_config::IfChannelConfig {
     Constraints getConstraints(const std::string& key) override;
     /// Does not ask whether the option is available; refreshes the available keys afterwards.
     bool setItem(const std::string& key, const config_items::ConfigItemVariant& value) override;
-    /// A notification that is under way on another thread may still reach the previous callback.
     ChangeCallback setChangeCallback(ChangeCallback callback) override;
 
   protected:
@@ -65,9 +64,11 @@ class SimpleChannelConfig : public channel_config::IfChannelConfig {
     std::uint64_t m_last_refresh ZELT_GUARDED_BY(m_keys_mutex) = 0;
     std::uint64_t m_published_refresh ZELT_GUARDED_BY(m_keys_mutex) = 0;
 
-    // Held while the options' notifiers are connected, so that all of them end with the same callback.
-    mutable platform::Mutex m_callback_mutex;
-    SharedChangeCallback m_change_callback ZELT_GUARDED_BY(m_callback_mutex);
+    // Held while the notifiers are connected, so that all of them end with the same callback.
+    platform::Mutex m_callback_mutex;
+    // Never called, so that copying it cannot meet a call that changes what it holds.
+    ChangeCallback m_callback_as_given ZELT_GUARDED_BY(m_callback_mutex);
+    ChangeNotifier m_notifier;
 };
 
 }  // namespace zelt::plugin_util

@@ -1,25 +1,23 @@
 /// Options: the settings of a channel, each answering whether it is available, what its value is, whether it
 /// takes a new one, and which constraints apply.
 ///
-/// Options do not lock. What they are given (callables, flags) guards its own data.
+/// Options do not lock their values. What they are given (callables, flags) guards its own data, and
+/// callables that tell the availability must not throw.
 #pragma once
 
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "channel_config_types.h"
 #include "config_items.h"
 #include "config_items_fwd.h"
-#include "if_channel_config.h"
-#include "mutex.h"
+#include "zeltpu_change_notifier.h"
 
 namespace zelt::plugin_util {
-
-/// A change callback shared between a configuration and its options; null for none.
-using SharedChangeCallback = std::shared_ptr<const channel_config::IfChannelConfig::ChangeCallback>;
 
 /// Base of all options. The slot order of the virtual operations is part of the contract.
 class ChannelConfigOption {
@@ -41,29 +39,14 @@ class ChannelConfigOption {
     const std::string& getKey() const { return m_key; }
 
     /// Replaces the change callback. [any thread]
-    void connect(SharedChangeCallback callback);
+    void connect(SharedChangeCallback callback) { m_notifier.connect(std::move(callback)); }
     /// Tells the host through the callback connected that this setting changed, on the calling thread; what
     /// the callback throws passes on. [host] To be called with no lock held. No option calls it by itself.
-    void notifyChanged() const;
+    void notifyChanged() const { m_notifier.notify(m_key); }
 
   private:
     const std::string m_key;
-    mutable platform::Mutex m_mutex;
-    SharedChangeCallback m_callback ZELT_GUARDED_BY(m_mutex);
-};
-
-/// The item alternative that carries a value of type T.
-template <class T>
-struct OptionItem {
-    using Type = config_items::SingleValueConfigItem<T>;
-};
-template <>
-struct OptionItem<config_items::ScalarConfigItem> {
-    using Type = config_items::ScalarConfigItem;
-};
-template <>
-struct OptionItem<config_items::ConfigItemVariant> {
-    using Type = config_items::ConfigItemVariant;
+    ChangeNotifier m_notifier;
 };
 
 /// A setting computed and applied by callables. T: bool, std::string, ScalarConfigItem or ConfigItemVariant.
@@ -138,9 +121,10 @@ class ConstantRangeOption : public ChannelConfigOption {
 /// The channel's "used" switch. Current value first among the choices.
 class ChannelUsedOption : public ChannelConfigOption {
   public:
-    /// `used` is the channel's flag and must outlive the option. A locked switch accepts its current value
-    /// only. The listener, if any, is told of every change after the flag was written; when it throws the
-    /// flag stays and the value counts as refused.
+    /// `used` is the channel's flag; it must be there whenever the option is used, not when it is destroyed.
+    /// A locked switch accepts its current value only. The listener, if any, is told of every change after
+    /// the flag was written; when it throws the flag stays and the value counts as refused. When several
+    /// threads set, the flag tells the last value, the listener's argument may not.
     ChannelUsedOption(std::string key, std::atomic<bool>& used, bool locked,
                       std::function<void(bool)> listener = {});
 
@@ -170,7 +154,8 @@ class SimpleOptionBase : public ChannelConfigOption {
     const bool m_configurable_during_acquisition;
 };
 
-/// A stored text. The value is not guarded: only one that is read-only may be read while others set.
+/// A stored text. The value is not guarded: one that is not read-only has no place in a configuration that
+/// several threads use.
 class SimpleStringOption : public SimpleOptionBase {
   public:
     using Listener = std::function<void(const std::string& key, const std::string& value)>;
@@ -192,8 +177,8 @@ class SimpleStringOption : public SimpleOptionBase {
 };
 
 /// A stored number with a fixed unit. What its constraints say is for the host to respect: neither the
-/// writable flag nor the range is enforced here. The number is not guarded: one that is set on one thread
-/// must not be read on another at the same time.
+/// writable flag nor the range is enforced here. The number is not guarded: such an option has no place in a
+/// configuration that several threads use.
 class SimpleScalarOption : public ChannelConfigOption {
   public:
     /// The unit is that of `value`, and the one of `min` and `max`; a writable option needs one.

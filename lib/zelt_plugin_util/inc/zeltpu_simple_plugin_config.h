@@ -11,7 +11,7 @@
 
 namespace zelt::plugin_util {
 
-/// Filled by its owner before the host sees it. Does not lock: the host calls it from one thread.
+/// Filled by its owner before the host sees it. Does not lock.
 class SimplePluginConfig : public IfPluginConfig {
   public:
     using Constraints = std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>>;

@@ -21,7 +21,7 @@ void SimpleChannelConfig::addOption(std::shared_ptr<ChannelConfigOption> option)
     m_options.insert_or_assign(option->getKey(), option);
     {
         const MutexLock lock(m_callback_mutex);
-        option->connect(m_change_callback);
+        option->connect(m_notifier.connected());
     }
     refreshAvailableKeys();
 }
@@ -68,13 +68,13 @@ bool SimpleChannelConfig::setItem(const std::string& key, const config_items::Co
 }
 
 SimpleChannelConfig::ChangeCallback SimpleChannelConfig::setChangeCallback(ChangeCallback callback) {
-    auto shared = callback ? std::make_shared<const ChangeCallback>(std::move(callback)) : nullptr;
-    {
-        const MutexLock lock(m_callback_mutex);
-        m_change_callback.swap(shared);
-        for (const auto& option : m_registered) option->connect(m_change_callback);
-    }
-    return shared != nullptr ? *shared : ChangeCallback();
+    const auto shared = callback ? std::make_shared<const ChangeCallback>(callback) : nullptr;
+    const SharedChangeCallback previous = m_notifier.connected();  // destroyed when the lock is gone
+    const MutexLock lock(m_callback_mutex);
+    m_notifier.connect(shared);
+    for (const auto& option : m_registered) option->connect(shared);
+    m_callback_as_given.swap(callback);
+    return callback;
 }
 
 void SimpleChannelConfig::refreshAvailableKeys() {
@@ -98,12 +98,7 @@ void SimpleChannelConfig::refreshAvailableKeys() {
 }
 
 void SimpleChannelConfig::notifyChanged(const std::string& key) const {
-    SharedChangeCallback callback;
-    {
-        const MutexLock lock(m_callback_mutex);
-        callback = m_change_callback;
-    }
-    if (callback != nullptr) (*callback)(key);
+    m_notifier.notify(key);
 }
 
 }  // namespace zelt::plugin_util

@@ -1,6 +1,7 @@
 #include "zeltpu_simple_channel_config_options.h"
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 #include "assertion.h"
@@ -25,6 +26,20 @@ using config_items::ValueRangeConstraint;
 using BoolItem = SingleValueConfigItem<bool>;
 using StringItem = SingleValueConfigItem<std::string>;
 
+/// The item alternative that carries a value of type T.
+template <class T>
+struct OptionItem {
+    using Type = SingleValueConfigItem<T>;
+};
+template <>
+struct OptionItem<ScalarConfigItem> {
+    using Type = ScalarConfigItem;
+};
+template <>
+struct OptionItem<ConfigItemVariant> {
+    using Type = ConfigItemVariant;
+};
+
 /// The value of type T that an item carries; null when it holds another alternative.
 template <class T>
 const T* valueIn(const ConfigItemVariant& item) {
@@ -45,20 +60,6 @@ const T* valueIn(const ConfigItemVariant& item) {
 ChannelConfigOption::ChannelConfigOption(std::string key) : m_key(std::move(key)) {}
 
 ChannelConfigOption::~ChannelConfigOption() = default;
-
-void ChannelConfigOption::connect(SharedChangeCallback callback) {
-    const platform::MutexLock lock(m_mutex);
-    m_callback.swap(callback);
-}
-
-void ChannelConfigOption::notifyChanged() const {
-    SharedChangeCallback callback;
-    {
-        const platform::MutexLock lock(m_mutex);
-        callback = m_callback;
-    }
-    if (callback != nullptr) (*callback)(m_key);
-}
 
 template <class T>
 GenericOption<T>::GenericOption(std::string key, Callables callables)

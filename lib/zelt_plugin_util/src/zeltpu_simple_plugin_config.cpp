@@ -8,7 +8,12 @@ namespace zelt::plugin_util {
 namespace {
 
 constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_plugin_config";
-constexpr const char* kUnknownKey = "key not found. config item does not exist.";
+
+// True for a known key; an assertion for any other.
+bool isKnown(bool found) {
+    ZELT_ASSERT_AS(found, "it != m_items.end()", kSourcePath, "key not found. config item does not exist.");
+    return found;
+}
 
 }  // namespace
 
@@ -22,16 +27,14 @@ void SimplePluginConfig::addItem(const std::string& key, ConfigItemVariant item,
 
 bool SimplePluginConfig::setItem(const std::string& key, const ConfigItemVariant& value) {
     const auto it = m_items.find(key);
-    ZELT_ASSERT_AS(it != m_items.end(), "it != m_items.end()", kSourcePath, "%s", kUnknownKey);
-    if (it == m_items.end()) return false;
+    if (!isKnown(it != m_items.end())) return false;
     it->second = adaptItem(key, value);
     return true;
 }
 
 ConfigItemVariant SimplePluginConfig::getItem(const std::string& key) {
     const auto it = m_items.find(key);
-    ZELT_ASSERT_AS(it != m_items.end(), "it != m_items.end()", kSourcePath, "%s", kUnknownKey);
-    if (it == m_items.end()) return config_items::InvalidConfigItem();
+    if (!isKnown(it != m_items.end())) return config_items::InvalidConfigItem();
     return it->second;
 }
 

@@ -56,7 +56,7 @@ TEST(ValueRangeConstraint, AssertsThatThereIsAUnit) {
     const AssertionCapture assertions;
     const Range range(0, 1, "");
     ASSERT_THAT(assertions.expressions(), ElementsAre("!unit.empty()"));
-    EXPECT_EQ(assertions.failures().front().message, "");
+    EXPECT_EQ(assertions.failures().front().message, std::nullopt);
     EXPECT_EQ(assertions.failures().front().file, "lib/config_items/inc/config_item_constraints");
     EXPECT_EQ(range.getMax(), 1.0);
 }

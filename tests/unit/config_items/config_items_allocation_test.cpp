@@ -49,14 +49,25 @@ const std::string& longText() {
     return s_text;
 }
 
-TEST(Allocation, OfACloneIsOneForCopyAndReferenceCount) {
-    const channel_config::ReadOnlyConstraint readOnly(true);
-    const ValueRangeConstraint<double> range(0, 1, "pixel");
+int allocationsOfACloneOf(const IfConfigItemConstraint& constraint) {
     const int before = t_allocations;
-    const auto first = readOnly.clone();
-    EXPECT_EQ(t_allocations, before + 1);
-    const auto second = range.clone();
-    EXPECT_EQ(t_allocations, before + 2);
+    const auto clone = constraint.clone();
+    return t_allocations - before;
+}
+
+TEST(Allocation, OfEveryCloneIsOneForCopyAndReferenceCount) {
+    using namespace channel_config;
+    using BoolItem = SingleValueConfigItem<bool>;
+    using StringItem = SingleValueConfigItem<std::string>;
+    EXPECT_EQ(allocationsOfACloneOf(ReadOnlyConstraint(true)), 1);
+    EXPECT_EQ(allocationsOfACloneOf(ConfigurableDuringAcquisitionConstraint(true)), 1);
+    EXPECT_EQ(allocationsOfACloneOf(FullyIndependentSampleRateConstraint(true)), 1);
+    EXPECT_EQ(allocationsOfACloneOf(BooleanConstraint(true)), 1);
+    EXPECT_EQ(allocationsOfACloneOf(ValueRangeConstraint<double>(0, 1, "pixel")), 1);
+    // Texts short enough to need no memory of their own.
+    EXPECT_EQ(allocationsOfACloneOf(OptionConstraint<ScalarConfigItem>(ScalarConfigItem(1, "Hz"))), 1);
+    EXPECT_EQ(allocationsOfACloneOf(OptionConstraint<StringItem>(StringItem("x"))), 1);
+    EXPECT_EQ(allocationsOfACloneOf(OptionConstraint<BoolItem>(BoolItem(true))), 1);
 }
 
 TEST(Allocation, FailureInACloneIsTheStandardError) {

@@ -201,6 +201,9 @@ TEST(ItemTypes, FormTheDocumentedTree) {
     EXPECT_FALSE((std::is_base_of_v<IfValueConfigItem, RangeConfigItem<double>>));
     EXPECT_FALSE((std::is_base_of_v<IfValueConfigItem, GenericEnumConfigItem>));
     EXPECT_FALSE((std::is_base_of_v<IfValueConfigItem, InvalidConfigItem>));
+    EXPECT_FALSE((std::is_base_of_v<IfValueListConfigItem, RangeConfigItem<double>>));
+    EXPECT_FALSE((std::is_base_of_v<IfValueListConfigItem, GenericEnumConfigItem>));
+    EXPECT_FALSE((std::is_base_of_v<IfValueListConfigItem, InvalidConfigItem>));
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 #include "config_keys.h"
 
-#include <algorithm>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -170,15 +168,6 @@ TEST(ConfigKeys, AreHundredAndThirtyFourWithOneTextTwice) {
     const std::set<std::string> different(config_keys::kAllKeys.begin(), config_keys::kAllKeys.end());
     EXPECT_EQ(different.size(), 133u);
     EXPECT_STREQ(config_keys::kTedsScanEnabled, config_keys::kPluginTedsScanEnabled);
-}
-
-TEST(ConfigKeys, AreFoundOnlyWithTheirOwnCase) {
-    const auto has = [](std::string_view key) {
-        return std::find(config_keys::kAllKeys.begin(), config_keys::kAllKeys.end(), key) !=
-               config_keys::kAllKeys.end();
-    };
-    EXPECT_TRUE(has("CAMERA/Gain"));
-    EXPECT_FALSE(has("camera/gain"));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <stdexcept>
 #include <thread>
 #include <type_traits>
 
@@ -192,6 +193,19 @@ TEST(EventCounterChannel, CountsOnUnusedAndWithoutASinkButWritesNothing) {
     ASSERT_EQ(sink.count, 1u);
     EXPECT_EQ(sink.samples[0].bytes[0], 3);
     EXPECT_EQ(counter.getCount(), 4u);
+}
+
+TEST(EventCounterChannel, KeepsTheCountAndPassesOnWhatItsSinkThrows) {
+    struct Full final : zelt::IfChannelSink {
+        void addSample(std::int64_t, const void*, std::uint64_t) override {
+            throw std::runtime_error("full");
+        }
+    };
+    Counter counter;
+    Full sink;
+    counter.setSink(&sink);
+    EXPECT_THROW(counter.increment(1), std::runtime_error);
+    EXPECT_EQ(counter.getCount(), 1u);
 }
 
 TEST(EventCounterChannel, CountsWithoutAllocating) {

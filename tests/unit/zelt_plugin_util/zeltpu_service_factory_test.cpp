@@ -68,7 +68,7 @@ TEST(ServiceFactory, AssertsAReferenceToGiveBackAndSurvivesWithoutOne) {
     EXPECT_EQ(factory->release(), 0u);
     ASSERT_THAT(assertions.expressions(), ElementsAre("m_ref_count.load(std::memory_order_acquire) > 0"));
     EXPECT_EQ(assertions.failures().front().file, "lib/zelt_plugin_util/src/zeltpu_service_factory");
-    EXPECT_EQ(assertions.failures().front().message, "");
+    EXPECT_EQ(assertions.failures().front().message, std::nullopt);
     EXPECT_EQ(service.count(), 1u);
     EXPECT_EQ(factory->addRef(), 0xFFFFFFFFu);
     factory->addRef();

@@ -76,7 +76,7 @@ TEST(SimpleScalarOption, AssertsTheUnitAndKeepsItsOwnWithTheNewNumber) {
     EXPECT_EQ(scalarOf(option.getItem()).toString(), "30 fps");
     ASSERT_EQ(assertions.failures().size(), 1u);
     EXPECT_EQ(assertions.failures()[0].expression, "scalar.m_unit == m_unit");
-    EXPECT_EQ(assertions.failures()[0].message, "");
+    EXPECT_EQ(assertions.failures()[0].message, std::nullopt);
     EXPECT_EQ(assertions.failures()[0].file, kPath);
 }
 
@@ -117,6 +117,7 @@ TEST(SimpleScalarOption, AssertsUnitAndBoundsWhereItsRangeIsAskedFor) {
 TEST(NumberOptions, DeriveFromTheBaseOfAllOptionsDirectly) {
     EXPECT_TRUE((std::is_base_of_v<ChannelConfigOption, ConstantRangeOption>));
     EXPECT_TRUE((std::is_base_of_v<ChannelConfigOption, SimpleScalarOption>));
+    EXPECT_FALSE((std::is_base_of_v<SimpleOptionBase, ConstantRangeOption>));
     EXPECT_FALSE((std::is_base_of_v<SimpleOptionBase, SimpleScalarOption>));
 }
 

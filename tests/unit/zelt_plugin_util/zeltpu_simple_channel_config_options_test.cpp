@@ -324,6 +324,9 @@ TEST(OptionTypes, FormTheDocumentedTree) {
     EXPECT_TRUE((std::is_base_of_v<ChannelConfigOption, GenericOption<bool>>));
     EXPECT_TRUE((std::is_base_of_v<SimpleOptionBase, SimpleStringOption>));
     EXPECT_TRUE((std::is_base_of_v<ChannelConfigOption, SimpleOptionBase>));
+    EXPECT_TRUE((std::is_base_of_v<ChannelConfigOption, ConstantGenericOption<bool>>));
+    EXPECT_FALSE((std::is_base_of_v<SimpleOptionBase, GenericOption<std::string>>));
+    EXPECT_FALSE((std::is_base_of_v<SimpleOptionBase, ConstantGenericOption<std::string>>));
     EXPECT_FALSE((std::is_base_of_v<SimpleOptionBase, ChannelUsedOption>));
 }
 

@@ -8,6 +8,7 @@
 #include "assertion_capture.h"
 #include "channel_config_constraints.h"
 #include "channel_config_fixture.h"
+#include "config_keys.h"
 
 namespace {
 
@@ -21,7 +22,6 @@ using zelt::plugin_util::ChannelConfigOption;
 using zelt::plugin_util::GenericOption;
 
 using BoolItem = config_items::SingleValueConfigItem<bool>;
-using ChangeCallback = channel_config::IfChannelConfig::ChangeCallback;
 
 constexpr const char* kSource = "lib/zelt_plugin_util/src/zeltpu_simple_channel_config";
 
@@ -210,6 +210,42 @@ struct FailingOption : ChannelConfigOption {
     Constraints getConstraints() const override { throw std::domain_error("constraints"); }
 };
 
+TEST(SimpleChannelConfig, TellsKeysApartByCase) {
+    OpenChannelConfig config;
+    config.addOption(fixed(config_keys::kCameraGain));
+    EXPECT_TRUE(config.hasKey("CAMERA/Gain"));
+    EXPECT_FALSE(config.hasKey("camera/gain"));
+    EXPECT_EQ(text(config.getItem("camera/gain")), "Invalid ConfigItem");
+}
+
+TEST(SimpleChannelConfig, KeepsItsKeysAndPassesOnWhatAnAvailabilityCallableThrows) {
+    OpenChannelConfig config;
+    config.addOption(fixed("first"));
+    bool broken = false;
+    std::string stored;
+    config.addOption(std::make_shared<GenericOption<std::string>>(
+        "odd", GenericOption<std::string>::Callables{.isAvailable =
+                                                         [&] {
+                                                             if (broken) throw std::runtime_error("broken");
+                                                             return true;
+                                                         },
+                                                     .set =
+                                                         [&](const std::string& value) {
+                                                             stored = value;
+                                                             return true;
+                                                         }}));
+    broken = true;
+    EXPECT_THROW(config.setItem("odd", config_items::SingleValueConfigItem<std::string>("x")),
+                 std::runtime_error);
+    EXPECT_EQ(stored, "x");
+    EXPECT_THROW(config.refreshAvailableKeys(), std::runtime_error);
+    EXPECT_THROW(config.addOption(fixed("last")), std::runtime_error);
+    EXPECT_THAT(config.getKeys(), ElementsAre("first", "odd"));
+    broken = false;
+    config.refreshAvailableKeys();
+    EXPECT_THAT(config.getKeys(), ElementsAre("first", "odd", "last"));
+}
+
 TEST(SimpleChannelConfig, PassesOnWhatAnOptionThrows) {
     OpenChannelConfig config;
     config.addOption(std::make_shared<FailingOption>("a"));
@@ -221,88 +257,15 @@ TEST(SimpleChannelConfig, PassesOnWhatAnOptionThrows) {
 TEST(SimpleChannelConfig, IgnoresHostEvents) {
     OpenChannelConfig config;
     config.addOption(fixed("a"));
-    config.onHostEvent(nullptr);
-    EXPECT_THAT(config.getKeys(), ElementsAre("a"));
-}
-
-TEST(ChangeCallback, IsEmptyAtFirstAndReturnedWhenReplaced) {
-    std::string told;
-    OpenChannelConfig config;
-    EXPECT_FALSE(config.setChangeCallback([&](const std::string& key) { told += "first " + key; }));
-    const ChangeCallback first = config.setChangeCallback({});
-    ASSERT_TRUE(first);
-    first("a");
-    EXPECT_EQ(told, "first a");
-    EXPECT_FALSE(config.setChangeCallback({}));
-}
-
-TEST(ChangeCallback, IsCalledByTheChannelAndByEveryOptionWithTheKey) {
-    std::vector<std::string> told;
-    OpenChannelConfig config;
-    const auto before = fixed("before");
-    const auto after = fixed("after");
-    config.addOption(before);
-    config.setChangeCallback([&](const std::string& key) { told.push_back(key); });
-    config.addOption(after);
-    config.notifyChanged("channel");
-    before->notifyChanged();
-    after->notifyChanged();
-    EXPECT_THAT(told, ElementsAre("channel", "before", "after"));
-}
-
-TEST(ChangeCallback, IsNotCalledAnyMoreOnceReplacedOrSwitchedOff) {
-    int first = 0;
-    int second = 0;
-    OpenChannelConfig config;
-    const auto option = fixed("a");
-    config.addOption(option);
-    config.setChangeCallback([&](const std::string&) { ++first; });
-    config.setChangeCallback([&](const std::string&) { ++second; });
-    config.notifyChanged("a");
-    option->notifyChanged();
-    EXPECT_EQ(first, 0);
-    EXPECT_EQ(second, 2);
-    config.setChangeCallback({});
-    config.notifyChanged("a");
-    option->notifyChanged();
-    EXPECT_EQ(second, 2);
-}
-
-TEST(ChangeCallback, IsNotCalledByReadingSettingOrRefreshing) {
     int told = 0;
-    std::atomic<bool> used = true;
-    std::atomic<bool> available = true;
-    OpenChannelConfig config;
-    config.addOption(std::make_shared<zelt::plugin_util::ChannelUsedOption>("Used", used, false));
-    config.addOption(switchable("a", available));
     config.setChangeCallback([&](const std::string&) { ++told; });
-    config.setItem("Used", BoolItem(false));
-    config.getItem("Used");
-    available = false;
-    config.refreshAvailableKeys();
+    const AssertionCapture assertions;
+    config.onHostEvent(nullptr);
+    config.onHostEvent(&told);
+    EXPECT_THAT(config.getKeys(), ElementsAre("a"));
+    EXPECT_EQ(text(config.getItem("a")), "value");
     EXPECT_EQ(told, 0);
-}
-
-TEST(ChangeCallback, MayUseTheConfigurationAndReplaceItself) {
-    std::string told;
-    OpenChannelConfig config;
-    const auto option = fixed("a");
-    config.addOption(option);
-    config.setChangeCallback([&](const std::string& key) {
-        told += text(config.getItem(key));
-        told += config.hasKey(key) && config.getKeys().size() == 1 ? "!" : "?";
-        config.refreshAvailableKeys();
-        config.setChangeCallback([&](const std::string& next) { told += " next " + next; });
-    });
-    option->notifyChanged();
-    config.notifyChanged("b");
-    EXPECT_EQ(told, "value! next b");
-}
-
-TEST(ChangeCallback, PassesOnWhatTheHostThrows) {
-    OpenChannelConfig config;
-    config.setChangeCallback([](const std::string&) { throw std::domain_error("host"); });
-    EXPECT_THROW(config.notifyChanged("a"), std::domain_error);
+    EXPECT_THAT(assertions.failures(), IsEmpty());
 }
 
 TEST(Refresh, IsOutdoneByOneThatBeganLater) {

@@ -44,6 +44,36 @@ TEST(ChannelConfigThreads, ReadersSeeWholeListsWhileAnotherThreadRefreshes) {
     }
 }
 
+TEST(ChannelConfigThreads, SettingsAreReadAndSetWhileOthersListThem) {
+    using BoolOption = zelt::plugin_util::GenericOption<bool>;
+    using BoolItem = config_items::SingleValueConfigItem<bool>;
+    std::atomic<bool> available = true;
+    std::atomic<bool> used = true;
+    OpenChannelConfig config;
+    config.addOption(std::make_shared<zelt::plugin_util::ChannelUsedOption>("Used", used, false));
+    config.addOption(switchable("second", available));
+    config.addOption(std::make_shared<BoolOption>("flips", BoolOption::Callables{.set = [&](bool value) {
+                                                      available = value;
+                                                      return true;
+                                                  }}));
+    std::latch start(3);
+    const auto set = [&](const std::string& key) {
+        start.arrive_and_wait();
+        for (int i = 0; i < kRounds; ++i) ASSERT_TRUE(config.setItem(key, BoolItem(i % 2 == 0)));
+    };
+    {
+        const std::jthread one([&] { set("flips"); });
+        const std::jthread two([&] { set("Used"); });
+        start.arrive_and_wait();
+        for (int i = 0; i < kRounds; ++i) {
+            for (const std::string& key : config.getKeys()) ASSERT_NE(key, "");
+            ASSERT_EQ(config.getConstraints("Used").size(), 3u);
+            boost::get<BoolItem>(config.getItem("Used"));
+        }
+    }
+    EXPECT_THAT(config.getKeys(), ElementsAre("Used", "flips"));  // the last value set was false
+}
+
 TEST(ChannelConfigThreads, TheLastRefreshWinsWhenSeveralThreadsRefresh) {
     using BoolOption = zelt::plugin_util::GenericOption<bool>;
     std::array<std::atomic<bool>, 3> available{};
