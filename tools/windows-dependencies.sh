@@ -15,7 +15,7 @@ toolchain=$PWD/cmake/toolchain-windows-mingw.cmake
 fail() { echo "$*" >&2; exit 1; }
 
 versions=$(dpkg-query -W -f '${Package} ${db:Status-Status} ${Version}\n' \
-    "${windows_packages[@]}" "${copied[@]}" 2>/dev/null || true)
+    "${windows_packages[@]}" mingw-w64-x86-64-dev "${copied[@]}" 2>/dev/null || true)
 for package in "${windows_packages[@]}" "${copied[@]}"; do
     grep -q "^$package installed " <<<"$versions" || fail "The package $package is missing; install it with" \
         "apt-get install --no-install-recommends ${windows_packages[*]} ${copied[*]}, then start again."
