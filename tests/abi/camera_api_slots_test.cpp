@@ -7,7 +7,9 @@
 
 namespace {
 
+using slot_check::answer;
 using slot_check::answered;
+using slot_check::answerIf;
 using slot_check::entryOf;
 using slot_check::Mirror;
 using slot_check::MirrorOf;
@@ -135,15 +137,6 @@ class RecordingApi : public slot_check::EndOf<zelt_gige_api::CameraApi> {
     }
 
   private:
-    template <class Value>
-    static Value answer(const char* operation, Value value) {
-        answered(operation);
-        return value;
-    }
-    static void answerIf(const char* operation, bool argumentsArrived) {
-        answered(operation);
-        EXPECT_TRUE(argumentsArrived) << operation;
-    }
     static bool arrived(CameraHandle handle, const char* name) { return handle == kHandle && name == kName; }
 };
 

@@ -26,6 +26,11 @@ void answered(const std::string& operation) {
     answers().push_back(operation);
 }
 
+void answerIf(const char* operation, bool argumentsArrived) {
+    answered(operation);
+    EXPECT_TRUE(argumentsArrived) << operation;
+}
+
 std::vector<std::string> takeAnswers() {
     return std::exchange(answers(), {});
 }

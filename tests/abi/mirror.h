@@ -21,6 +21,14 @@ namespace slot_check {
 
 /// Called by each operation of a recording object, with its name.
 void answered(const std::string& operation);
+/// The same, and gives the result of the operation.
+template <class Value>
+Value answer(const char* operation, Value value) {
+    answered(operation);
+    return value;
+}
+/// The same; fails the test when the arguments are not those that were passed.
+void answerIf(const char* operation, bool argumentsArrived);
 /// The names since the last call of this.
 std::vector<std::string> takeAnswers();
 

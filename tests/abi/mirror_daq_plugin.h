@@ -56,25 +56,12 @@ class RecordingPluginCommon : public EndOf<Plugin> {
                 {"getPluginConfig", entryOf(&RecordingPluginCommon::getPluginConfig)},
                 {"onHostEvent", entryOf(&RecordingPluginCommon::onHostEvent)}};
     }
-
-  protected:
-    template <class Value>
-    static Value answer(const char* operation, Value value) {
-        answered(operation);
-        return value;
-    }
-    static void answerIf(const char* operation, bool argumentsArrived) {
-        answered(operation);
-        EXPECT_TRUE(argumentsArrived) << operation;
-    }
 };
 
 template <class Plugin>
 class RecordingDAQPlugin : public RecordingPluginCommon<Plugin> {
   public:
     using Common = RecordingPluginCommon<Plugin>;
-    using Common::answer;
-    using Common::answerIf;
     using Common::Common;
     using Config = channel_config::IfChannelConfig;
 

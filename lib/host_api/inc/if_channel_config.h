@@ -13,8 +13,8 @@ namespace channel_config {
 /// plug-in, and then answers from its last known values. It must not outlive the plug-in's library, nor must
 /// a constraint that it gave out.
 ///
-/// [host threads] Operations may be called from several threads. What goes wrong inside a setting reaches
-/// the host as a value or an answer; other exceptions of it pass through.
+/// [host threads] Operations may be called from several threads. An error inside a setting reaches the host
+/// as an invalid item or a refused value; an exception that does not passes through.
 ///
 /// Change callbacks come on host threads, also on several at once, one call per key, with no lock of the
 /// plug-in's held but the plug-in mutex: from one the host may use channel configurations, not plug-in

@@ -15,9 +15,9 @@ using config_items::InvalidConfigItem;
 using config_items::ScalarConfigItem;
 using zelt::plugin_util::ChannelConfigOption;
 using zelt::plugin_util::ChannelUsedOption;
-using zelt::plugin_util::ConstantGenericOption;
+using zelt::plugin_util::constantOption;
 using zelt::plugin_util::GenericOption;
-using zelt::plugin_util::SimpleStringOption;
+using zelt::plugin_util::readOnlyTextOption;
 
 using Options = std::vector<std::shared_ptr<ChannelConfigOption>>;
 
@@ -52,15 +52,6 @@ std::shared_ptr<ChannelConfigOption> shown(const char* key, GuardedState& state,
     return std::make_shared<GenericOption<T>>(key, std::move(callables));
 }
 
-template <typename T>
-std::shared_ptr<ChannelConfigOption> constant(const char* key, T value) {
-    return std::make_shared<ConstantGenericOption<T>>(key, std::move(value));
-}
-
-std::shared_ptr<ChannelConfigOption> readOnlyText(const char* key, const std::string& text) {
-    return std::make_shared<SimpleStringOption>(key, text, true, false);
-}
-
 /// In triggered mode the rate is the AUX frequency; without one there is no value to show.
 ConfigItemVariant frameRateItem(const ChannelState& state) {
     if (state.triggerModeIsAux) return InvalidConfigItem();
@@ -73,12 +64,12 @@ void addCameraSettings(Options& options, const ChannelIdentity& identity, Guarde
             return ScalarConfigItem(s.*value, kPixels);
         }));
     }
-    options.push_back(constant<std::string>(config_keys::kPixelAspectRatio, "1"));
+    options.push_back(constantOption<std::string>(config_keys::kPixelAspectRatio, "1"));
     options.push_back(shown<std::string>(config_keys::kFrameFormat, state,
                                          [](const ChannelState& s) { return s.frameFormat; }));
     options.push_back(
-        constant<std::string>(config_keys::kIdCameraChannelIndex, std::to_string(identity.id.second)));
-    options.push_back(constant<std::string>(config_keys::kCameraType, "GigE"));
+        constantOption<std::string>(config_keys::kIdCameraChannelIndex, std::to_string(identity.id.second)));
+    options.push_back(constantOption<std::string>(config_keys::kCameraType, "GigE"));
     options.push_back(shown<ConfigItemVariant>(config_keys::kCameraFrameSetting, state, &frameRateItem));
 }
 
@@ -88,13 +79,14 @@ Options makeChannelOptions(const ChannelIdentity& identity, GuardedState& state,
                            std::function<void(bool)> onUsedChanged) {
     Options options;
     addCameraSettings(options, identity, state);
-    options.push_back(readOnlyText(config_keys::kDefaultName, identity.name));
-    options.push_back(readOnlyText(config_keys::kShortId, identity.cameraId));
-    options.push_back(readOnlyText(config_keys::kAdditionalChannelInfo2, identity.path));
-    options.push_back(constant(config_keys::kChannelType, channel_config::DAQChannelType::Video));
+    options.push_back(readOnlyTextOption(config_keys::kDefaultName, identity.name));
+    options.push_back(readOnlyTextOption(config_keys::kShortId, identity.cameraId));
+    options.push_back(readOnlyTextOption(config_keys::kAdditionalChannelInfo2, identity.path));
+    options.push_back(constantOption(config_keys::kChannelType, channel_config::DAQChannelType::Video));
     options.push_back(
-        constant(config_keys::kSampleUpdateType, channel_config::SampleOccurrenceType::Asynchronous));
-    options.push_back(constant(config_keys::kSampleResolution, channel_config::DAQSampleResolution::Video));
+        constantOption(config_keys::kSampleUpdateType, channel_config::SampleOccurrenceType::Asynchronous));
+    options.push_back(
+        constantOption(config_keys::kSampleResolution, channel_config::DAQSampleResolution::Video));
     options.push_back(
         std::make_shared<ChannelUsedOption>(config_keys::kUsed, used, false, std::move(onUsedChanged)));
     options.push_back(

@@ -201,4 +201,13 @@ class SimpleScalarOption : public ChannelConfigOption {
     const double m_max;
 };
 
+/// A fixed value; T as of ConstantGenericOption.
+template <class T>
+std::shared_ptr<ChannelConfigOption> constantOption(std::string key, T value) {
+    return std::make_shared<ConstantGenericOption<T>>(std::move(key), std::move(value));
+}
+
+/// A text that stays as it is: read-only, and not configurable during an acquisition.
+std::shared_ptr<ChannelConfigOption> readOnlyTextOption(std::string key, std::string text);
+
 }  // namespace zelt::plugin_util

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
-#include <utility>
 
 #include "channel_config_types.h"
 #include "config_items.h"
@@ -22,35 +21,25 @@ using config_items::RangeConfigItem;
 constexpr double kRangeEnd = std::numeric_limits<std::int32_t>::max();
 constexpr const char* kNotApplicable = "N/A";
 
-template <class T>
-std::shared_ptr<ChannelConfigOption> constant(const char* key, T value) {
-    return std::make_shared<ConstantGenericOption<T>>(key, std::move(value));
-}
-
-std::shared_ptr<ChannelConfigOption> text(const char* key, const std::string& value) {
-    return std::make_shared<SimpleStringOption>(key, value, /*readOnly=*/true,
-                                                /*configurableDuringAcquisition=*/false);
-}
-
 }  // namespace
 
 EventCounterChannel::EventCounterChannel(const std::string& name, const std::string& shortId,
                                          const std::string& unit) {
     namespace keys = config_keys;
     addOption(std::make_shared<ChannelUsedOption>(keys::kUsed, m_used, /*locked=*/false));
-    addOption(constant(keys::kValid, true));
-    addOption(text(keys::kDefaultName, name));
-    addOption(text(keys::kShortId, shortId));
-    addOption(text(keys::kUnit, unit));
+    addOption(constantOption(keys::kValid, true));
+    addOption(readOnlyTextOption(keys::kDefaultName, name));
+    addOption(readOnlyTextOption(keys::kShortId, shortId));
+    addOption(readOnlyTextOption(keys::kUnit, unit));
     addOption(std::make_shared<ConstantRangeOption>(keys::kRange,
                                                     RangeConfigItem<double>(0, kRangeEnd, unit, unit)));
-    addOption(constant(keys::kMode, std::string("Events")));
-    addOption(constant(keys::kThreshold, std::string(kNotApplicable)));
-    addOption(constant(keys::kReTrigger, std::string(kNotApplicable)));
-    addOption(constant(keys::kCounterFilter, std::string(kNotApplicable)));
-    addOption(constant(keys::kChannelType, DAQChannelType::Counter));
-    addOption(constant(keys::kSampleUpdateType, SampleOccurrenceType::Asynchronous));
-    addOption(constant(keys::kSampleResolution, DAQSampleResolution::Count));
+    addOption(constantOption(keys::kMode, std::string("Events")));
+    addOption(constantOption(keys::kThreshold, std::string(kNotApplicable)));
+    addOption(constantOption(keys::kReTrigger, std::string(kNotApplicable)));
+    addOption(constantOption(keys::kCounterFilter, std::string(kNotApplicable)));
+    addOption(constantOption(keys::kChannelType, DAQChannelType::Counter));
+    addOption(constantOption(keys::kSampleUpdateType, SampleOccurrenceType::Asynchronous));
+    addOption(constantOption(keys::kSampleResolution, DAQSampleResolution::Count));
 }
 
 void EventCounterChannel::setCount(std::int64_t time, std::uint64_t count) {

@@ -69,8 +69,9 @@ bool SimpleChannelConfig::setItem(const std::string& key, const config_items::Co
 
 SimpleChannelConfig::ChangeCallback SimpleChannelConfig::setChangeCallback(ChangeCallback callback) {
     const auto shared = callback ? std::make_shared<const ChangeCallback>(callback) : nullptr;
-    const SharedChangeCallback previous = m_notifier.connected();  // destroyed when the lock is gone
+    SharedChangeCallback previous;  // destroyed when the lock is gone
     const MutexLock lock(m_callback_mutex);
+    previous = m_notifier.connected();
     m_notifier.connect(shared);
     for (const auto& option : m_registered) option->connect(shared);
     m_callback_as_given.swap(callback);

@@ -261,4 +261,9 @@ ChannelConfigOption::Constraints SimpleScalarOption::getConstraints() const {
     return constraints;
 }
 
+std::shared_ptr<ChannelConfigOption> readOnlyTextOption(std::string key, std::string text) {
+    return std::make_shared<SimpleStringOption>(std::move(key), std::move(text), /*readOnly=*/true,
+                                                /*configurableDuringAcquisition=*/false);
+}
+
 }  // namespace zelt::plugin_util

@@ -8,6 +8,8 @@
 #error "an interface includes the whole union"
 #endif
 
+#include <type_traits>
+
 #include <gtest/gtest.h>
 
 namespace {
