@@ -98,7 +98,24 @@ IMEXPORTC size_t VmbSimJournalText(char* buffer, size_t size);
 
 // Time and truth --------------------------------------------------------------------------------------------
 
-/// The simulator's true time: nanoseconds of the system's monotonic clock.
+/// Chooses between real time, which is the default, and virtual time, which starts at zero and stands still
+/// until it is driven; loads the scenario afresh. VmbErrorInvalidCall while the library is started.
+///
+/// In virtual time the library's threads run only while a client drives time by one of the next two
+/// functions, or waits in a call of the library: that call then lets time pass until it is over. One of
+/// them runs at a time, in an order that is the same in every run as long as one client thread makes all
+/// calls. Callbacks come on the library's threads as ever.
+IMEXPORTC VmbError_t VmbSimUseVirtualTime(VmbBool_t on);
+
+/// Lets `ns` nanoseconds pass. Returns when everything that was due until then, at the last of them
+/// included, has happened and its callbacks have returned. VmbErrorInvalidCall in real time and in a
+/// callback; so for the next one.
+IMEXPORTC VmbError_t VmbSimAdvance(VmbUint64_t ns);
+
+/// Lets time pass until nothing is due any more; VmbErrorTimeout when something is left after `ns`.
+IMEXPORTC VmbError_t VmbSimRunUntilIdle(VmbUint64_t ns);
+
+/// The simulator's true time: nanoseconds of the system's monotonic clock, or virtual ones.
 IMEXPORTC VmbUint64_t VmbSimTime(void);
 
 /// What every complete frame carries in its first bytes.

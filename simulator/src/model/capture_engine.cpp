@@ -13,7 +13,13 @@ thread_local const CaptureEngine* t_ownEngine = nullptr;
 
 CaptureEngine::CaptureEngine(SimulatorClock& clock, Camera& camera, FrameFaults& faults, FrameOutlet& outlet,
                              AcquisitionListener& listener)
-    : m_clock(clock), m_camera(camera), m_faults(faults), m_outlet(outlet), m_listener(listener) {}
+    : m_clock(clock),
+      m_camera(camera),
+      m_faults(faults),
+      m_outlet(outlet),
+      m_listener(listener),
+      m_changed(clock),
+      m_thread(clock) {}
 
 CaptureEngine::~CaptureEngine() {
     {
@@ -25,7 +31,7 @@ CaptureEngine::~CaptureEngine() {
 
 void CaptureEngine::start(void* owner) {
     m_owner = owner;
-    m_thread = std::thread([this] { run(); });
+    m_thread.start(ThreadRole::Frame, [this] { run(); });
 }
 
 void CaptureEngine::halt() {
@@ -35,7 +41,7 @@ void CaptureEngine::halt() {
     m_inFlightCount = 0;
     giveUpTransfer(Withdrawal::PutBack);
     m_agenda.finish();
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::quit() {
@@ -44,7 +50,7 @@ void CaptureEngine::quit() {
 }
 
 void CaptureEngine::join() {
-    if (m_thread.joinable()) m_thread.join();
+    m_thread.join();
 }
 
 bool CaptureEngine::isOwnThread() const {
@@ -74,7 +80,7 @@ void CaptureEngine::startAcquisition() {
     } else if (m_agenda.state() == ExposureAgenda::State::Idle) {
         begin(m_clock.now());
     }
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::begin(Nanoseconds now) {
@@ -94,7 +100,7 @@ void CaptureEngine::stopAcquisition() {
     m_agenda.stop(m_stoppedAt);
     // From here on the settings are free again: frames under way have taken theirs along.
     m_camera.setAcquiring(false);
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::abortAcquisition() {
@@ -107,7 +113,7 @@ void CaptureEngine::abortAcquisition() {
     giveUpTransfer(Withdrawal::PutBack);
     m_camera.setAcquiring(false);
     m_listener.onAcquisitionEnded(m_lastSent, m_stoppedAt);
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::finishIfDone() {
@@ -117,22 +123,22 @@ void CaptureEngine::finishIfDone() {
     m_camera.setAcquiring(false);
     m_listener.onAcquisitionEnded(m_lastSent, std::max(m_stoppedAt, m_linkFreeAt));
     if (m_restart) begin(m_clock.now());
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::softwareTrigger() {
     m_agenda.softwareTrigger(m_clock.now());
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::hold(bool hold) {
     m_agenda.hold(hold, m_clock.now());
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::settle() {
     m_agenda.settle(m_clock.now());
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 Result CaptureEngine::enqueue(const QueuedFrame& frame) {
@@ -166,44 +172,43 @@ void CaptureEngine::withdraw(Lock& lock, const void* record) {
     if (!concerned()) return;
     if (isCalling()) m_transfer->withdrawal = Withdrawal::Drop;
     giveUpTransfer(Withdrawal::Drop);
-    m_changed.notify_all();
+    m_changed.notify();
     const std::uint64_t transfer = m_transfers;
-    while (!isOwnThread() && concerned() && m_transfers == transfer) m_clock.wait(m_changed, lock);
+    while (!isOwnThread() && concerned() && m_transfers == transfer) m_changed.wait(lock);
 }
 
 void CaptureEngine::waitUntilQuiet(Lock& lock) {
-    while (!isOwnThread() && m_transfer && m_transfer->stage != Stage::Ready) m_clock.wait(m_changed, lock);
+    while (!isOwnThread() && m_transfer && m_transfer->stage != Stage::Ready) m_changed.wait(lock);
 }
 
 bool CaptureEngine::waitForFrames(Lock& lock, std::uint64_t count, Nanoseconds deadline) {
     while (m_callbacks < count && !m_halted && m_clock.now() < deadline) {
-        m_clock.waitUntil(m_changed, lock, deadline);
+        m_changed.waitUntil(lock, deadline);
     }
     return m_callbacks >= count;
 }
 
 bool CaptureEngine::waitUntilStopped(Lock& lock, Nanoseconds deadline) {
     while (m_agenda.state() == ExposureAgenda::State::Stopping && m_clock.now() < deadline) {
-        m_clock.waitUntil(m_changed, lock, deadline);
+        m_changed.waitUntil(lock, deadline);
     }
     return m_agenda.state() != ExposureAgenda::State::Stopping;
 }
 
 void CaptureEngine::run() {
-    enterThread(ThreadRole::Frame);
     t_ownEngine = this;
     Lock lock(m_camera.mutex());
     while (!m_quit) {
         finishIfDone();
         const auto action = next();
         if (!action) {
-            m_clock.wait(m_changed, lock);
+            m_changed.wait(lock);
         } else if (action->at > m_clock.now()) {
             // What clients measure is the time of the callback; the other steps have their times computed.
             if (action->step == Step::Deliver) {
-                m_clock.waitPrecisely(m_changed, lock, action->at);
+                m_changed.waitPrecisely(lock, action->at);
             } else {
-                m_clock.waitUntil(m_changed, lock, action->at);
+                m_changed.waitUntil(lock, action->at);
             }
         } else {
             step(lock, *action);
@@ -277,7 +282,7 @@ void CaptureEngine::beginTransfer(Lock& lock) {
     lock.lock();
     m_transfer->stage = Stage::Ready;
     if (m_transfer->withdrawal != Withdrawal::None) giveUpTransfer(m_transfer->withdrawal);
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 void CaptureEngine::deliver(Lock& lock) {
@@ -290,7 +295,7 @@ void CaptureEngine::deliver(Lock& lock) {
     lock.lock();
     if (frame.frame.callback != nullptr) ++m_callbacks;
     m_transfer.reset();
-    m_changed.notify_all();
+    m_changed.notify();
 }
 
 }  // namespace simulator

@@ -6,17 +6,16 @@
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <vector>
 
 #include "camera.h"
 #include "clock.h"
 #include "faults.h"
 #include "frame_queue.h"
+#include "library_thread.h"
 #include "sensor.h"
 #include "test_picture.h"
 
@@ -104,7 +103,7 @@ class CaptureEngine {
     bool waitUntilStopped(Lock& lock, Nanoseconds deadline);
     bool isHalted() const { return m_halted; }
     /// Lets everyone look again who waits for something from outside.
-    void wake() { m_changed.notify_all(); }
+    void wake() { m_changed.notify(); }
 
   private:
     struct Exposure {
@@ -152,7 +151,7 @@ class CaptureEngine {
     FrameOutlet& m_outlet;
     AcquisitionListener& m_listener;
     void* m_owner = nullptr;
-    std::condition_variable m_changed;
+    Condition m_changed;
 
     FrameQueue m_queue;
     ExposureAgenda m_agenda;
@@ -176,7 +175,7 @@ class CaptureEngine {
     // Of the frame thread alone.
     TestPicture m_picture;
     std::vector<std::uint8_t> m_scratch;
-    std::thread m_thread;
+    LibraryThread m_thread;
 };
 
 }  // namespace simulator

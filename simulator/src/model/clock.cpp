@@ -16,12 +16,16 @@ Nanoseconds RealClock::now() const {
         .count();
 }
 
-void RealClock::waitUntil(std::condition_variable& condition, std::unique_lock<std::mutex>& lock,
-                          Nanoseconds deadline) {
-    condition.wait_until(lock, std::chrono::steady_clock::time_point(std::chrono::nanoseconds(deadline)));
+void RealClock::waitUntil(Condition& condition, std::unique_lock<std::mutex>& lock, Nanoseconds deadline) {
+    if (deadline == kNever) {
+        condition.m_variable.wait(lock);
+    } else {
+        condition.m_variable.wait_until(
+            lock, std::chrono::steady_clock::time_point(std::chrono::nanoseconds(deadline)));
+    }
 }
 
-void RealClock::waitPrecisely(std::condition_variable& condition, std::unique_lock<std::mutex>& lock,
+void RealClock::waitPrecisely(Condition& condition, std::unique_lock<std::mutex>& lock,
                               Nanoseconds deadline) {
     if (deadline - now() > kWakeUpLatency) {
         waitUntil(condition, lock, deadline - kWakeUpLatency);
@@ -30,10 +34,6 @@ void RealClock::waitPrecisely(std::condition_variable& condition, std::unique_lo
     lock.unlock();
     while (now() < deadline) continue;
     lock.lock();
-}
-
-void RealClock::wait(std::condition_variable& condition, std::unique_lock<std::mutex>& lock) {
-    condition.wait(lock);
 }
 
 }  // namespace simulator

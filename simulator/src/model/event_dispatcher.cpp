@@ -14,7 +14,12 @@ thread_local const EventDispatcher* t_ownDispatcher = nullptr;
 }  // namespace
 
 EventDispatcher::EventDispatcher(SimulatorClock& clock, ThreadRole role, std::function<void()> delivered)
-    : m_clock(clock), m_role(role), m_delivered(std::move(delivered)) {}
+    : m_clock(clock),
+      m_role(role),
+      m_delivered(std::move(delivered)),
+      m_changed(clock),
+      m_done(clock),
+      m_thread(clock) {}
 
 EventDispatcher::~EventDispatcher() {
     stop();
@@ -24,7 +29,7 @@ void EventDispatcher::start(void* owner) {
     const Lock lock(m_mutex);
     m_owner = owner;
     m_stop = false;
-    m_thread = std::thread([this] { run(); });
+    m_thread.start(m_role, [this] { run(); });
 }
 
 void EventDispatcher::stop() {
@@ -34,9 +39,9 @@ void EventDispatcher::stop() {
         m_pending.clear();
         m_registrations.clear();
     }
-    m_changed.notify_all();
-    m_done.notify_all();
-    if (m_thread.joinable()) m_thread.join();
+    m_changed.notify();
+    m_done.notify();
+    m_thread.join();
 }
 
 bool EventDispatcher::isOwnThread() const {
@@ -68,7 +73,7 @@ Result EventDispatcher::remove(const char* feature, InvalidationCallback callbac
     const Result result = found != m_registrations.end() ? Result::Success : Result::NotFound;
     if (result == Result::Success) m_registrations.erase(found);
     const std::uint64_t event = m_inDelivery;
-    while (!isOwnThread() && runs() && m_inDelivery == event) m_clock.wait(m_done, lock);
+    while (!isOwnThread() && runs() && m_inDelivery == event) m_done.wait(lock);
     return result;
 }
 
@@ -77,7 +82,7 @@ std::uint64_t EventDispatcher::post(Event event) {
     const std::uint64_t number = ++m_posted;
     if (!m_stop && isWanted(event)) {
         m_pending.push_back({number, std::move(event)});
-        m_changed.notify_all();
+        m_changed.notify();
     }
     return number;
 }
@@ -101,7 +106,7 @@ bool EventDispatcher::waitUntilIdle(Nanoseconds deadline) {
     Lock lock(m_mutex);
     while (!m_pending.empty() || m_inDelivery != 0) {
         if (m_clock.now() >= deadline) return false;
-        m_clock.waitUntil(m_done, lock, deadline);
+        m_done.waitUntil(lock, deadline);
     }
     return true;
 }
@@ -119,15 +124,14 @@ std::vector<EventDispatcher::Registration>::iterator EventDispatcher::find(const
 }
 
 void EventDispatcher::run() {
-    enterThread(m_role);
     t_ownDispatcher = this;
     Lock lock(m_mutex);
     while (!m_stop) {
         const auto next = nextDue();
         if (next == m_pending.end()) {
-            m_clock.wait(m_changed, lock);
+            m_changed.wait(lock);
         } else if (next->event.dueAt > m_clock.now()) {
-            m_clock.waitUntil(m_changed, lock, next->event.dueAt);
+            m_changed.waitUntil(lock, next->event.dueAt);
         } else {
             const Pending pending = std::move(*next);
             m_pending.erase(next);
@@ -135,7 +139,7 @@ void EventDispatcher::run() {
             deliver(lock, pending.event);
             m_inDelivery = 0;
             lock.unlock();
-            m_done.notify_all();
+            m_done.notify();
             m_delivered();
             lock.lock();
         }
@@ -164,7 +168,7 @@ void EventDispatcher::invalidate(Lock& lock, const char* feature) {
         call.callback(m_owner, call.feature, call.context);
         lock.lock();
         m_running = nullptr;
-        m_done.notify_all();
+        m_done.notify();
     }
 }
 

@@ -2,16 +2,15 @@
 /// values that the event brings, then one call per registration on each of its features.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "clock.h"
+#include "library_thread.h"
 #include "result.h"
 #include "thread_role.h"
 
@@ -77,15 +76,15 @@ class EventDispatcher {
     const std::function<void()> m_delivered;
     void* m_owner = nullptr;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;  // an event came or must stop
-    std::condition_variable m_done;     // a callback or an event is through
+    Condition m_changed;  // an event came or must stop
+    Condition m_done;     // a callback or an event is through
     std::vector<Registration> m_registrations;
     std::deque<Pending> m_pending;
     std::uint64_t m_posted = 0;
     std::uint64_t m_inDelivery = 0;  // number of the event under way, 0 for none
     const Registration* m_running = nullptr;
     bool m_stop = false;
-    std::thread m_thread;
+    LibraryThread m_thread;
 };
 
 }  // namespace simulator

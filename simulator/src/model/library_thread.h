@@ -1,9 +1,31 @@
-/// What the operating system has to know about a thread of the library. One source per system.
+/// A thread of the library, run by the simulation's clock.
 #pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "clock.h"
+#include "thread_role.h"
 
 namespace simulator {
 
-/// Names the calling thread and makes its wake-ups as precise as the system can.
-void prepareLibraryThread(const char* name);
+class LibraryThread {
+  public:
+    explicit LibraryThread(SimulatorClock& clock) : m_clock(clock) {}
+    ~LibraryThread() { join(); }
+    LibraryThread(const LibraryThread&) = delete;
+    LibraryThread& operator=(const LibraryThread&) = delete;
+
+    /// Throws std::system_error when the system refuses a thread.
+    void start(ThreadRole role, std::function<void()> body);
+    /// Waits for the thread's end. Not on that thread.
+    void join();
+
+  private:
+    SimulatorClock& m_clock;
+    std::unique_ptr<Turn> m_turn;
+    std::thread m_thread;
+};
 
 }  // namespace simulator

@@ -7,8 +7,7 @@
 
 namespace simulator {
 
-Simulation::Simulation(SimulatorClock& clock, FrameOutlet& outlet, const std::string& scenario)
-    : m_clock(clock), m_outlet(outlet) {
+Simulation::Simulation(FrameOutlet& outlet, const std::string& scenario) : m_outlet(outlet) {
     if (const Scenario* known = findScenario(scenario)) {
         fill(*known);
     } else {
@@ -28,13 +27,13 @@ void Simulation::fill(const Scenario& scenario) {
         slot.camera = powerUp(slot);
         m_slots.push_back(std::move(slot));
     }
-    m_system = std::make_shared<SystemModule>(m_clock, [this] { return pluggedIds(); });
+    m_system = std::make_shared<SystemModule>(clock(), [this] { return pluggedIds(); });
     m_callFaults.clear();
     m_journal.reset();
 }
 
 std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
-    auto camera = std::make_shared<Camera>(*slot.row, m_clock.now());
+    auto camera = std::make_shared<Camera>(*slot.row, clock().now());
     for (const std::string& feature : slot.removed) camera->features().remove(feature);
     return camera;
 }
@@ -78,15 +77,48 @@ const char* Simulation::scenarioName() const {
 
 Result Simulation::loadScenario(const std::string& name) {
     const Scenario* scenario = findScenario(name);
-    if (scenario == nullptr) return Result::NotFound;
+    return scenario != nullptr ? reload(scenario, clock()) : Result::NotFound;
+}
+
+Result Simulation::useVirtualTime(bool on) {
+    SimulatorClock& clock = on ? static_cast<SimulatorClock&>(m_virtualClock) : m_realClock;
+    const Scenario* scenario = nullptr;
+    {
+        const Lock lock(m_mutex);
+        scenario = m_scenario;
+    }
+    return scenario != nullptr ? reload(scenario, clock) : Result::NotFound;
+}
+
+Result Simulation::reload(const Scenario* scenario, SimulatorClock& clock) {
     if (isStarted() || currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
     const std::lock_guard lifecycle(m_lifecycle);
     if (isStarted()) return Result::InvalidCall;
     // Dies behind the lock, since it takes its own, which is taken before this one elsewhere.
     const std::shared_ptr<SystemModule> former = system();
     const Lock lock(m_mutex);
+    m_virtualClock.restart();
+    m_clock = &clock;
     fill(*scenario);
     return Result::Success;
+}
+
+VirtualClock* Simulation::drivenClock() {
+    const bool driven = m_clock == &m_virtualClock && currentThreadRole() == ThreadRole::Host;
+    return driven ? &m_virtualClock : nullptr;
+}
+
+Result Simulation::advance(Nanoseconds span) {
+    VirtualClock* clock = drivenClock();
+    if (clock == nullptr) return Result::InvalidCall;
+    clock->advance(span);
+    return Result::Success;
+}
+
+Result Simulation::runUntilIdle(Nanoseconds span) {
+    VirtualClock* clock = drivenClock();
+    if (clock == nullptr) return Result::InvalidCall;
+    return clock->runUntilIdle(span) ? Result::Success : Result::Timeout;
 }
 
 std::vector<const CameraRow*> Simulation::foundCameras() {
@@ -104,7 +136,7 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     Slot* slot = findToOpen(id);
     if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
-    auto session = std::make_shared<CameraSession>(m_clock, slot->camera, slot->faults, m_outlet,
+    auto session = std::make_shared<CameraSession>(clock(), slot->camera, slot->faults, m_outlet,
                                                    mode == OpenMode::Full);
     void* const fresh = &m_handles.emplace_back();
     session->hold(slot->held);

@@ -17,6 +17,7 @@
 #include "journal.h"
 #include "scenario.h"
 #include "system_module.h"
+#include "virtual_clock.h"
 
 namespace simulator {
 
@@ -24,8 +25,8 @@ enum class OpenMode { Full, Read };
 
 class Simulation {
   public:
-    /// Starts with the scenario of that name.
-    Simulation(SimulatorClock& clock, FrameOutlet& outlet, const std::string& scenario);
+    /// Starts with the scenario of that name, in real time.
+    Simulation(FrameOutlet& outlet, const std::string& scenario);
 
     /// Other, after a sentence on the standard error stream, when the scenario is unknown. A second start
     /// changes nothing; one shutdown ends it.
@@ -36,10 +37,16 @@ class Simulation {
 
     const char* scenarioName() const;
     Result loadScenario(const std::string& name);
+    /// Changes the kind of time and loads the scenario afresh.
+    Result useVirtualTime(bool on);
+    /// InvalidCall in real time and on the library's own threads.
+    Result advance(Nanoseconds span);
+    /// As advance; Timeout when something was left to do after `span`.
+    Result runUntilIdle(Nanoseconds span);
 
     CallFaults& callFaults() { return m_callFaults; }
     Journal& journal() { return m_journal; }
-    SimulatorClock& clock() { return m_clock; }
+    SimulatorClock& clock() const { return *m_clock; }
 
     /// Cameras found by discovery; waits for its first round when that is under way.
     std::vector<const CameraRow*> foundCameras();
@@ -83,7 +90,12 @@ class Simulation {
     std::vector<std::string> pluggedIds();
     std::vector<std::shared_ptr<CameraSession>> sessions();
 
-    SimulatorClock& m_clock;
+    Result reload(const Scenario* scenario, SimulatorClock& clock);
+    VirtualClock* drivenClock();
+
+    RealClock m_realClock;
+    VirtualClock m_virtualClock;
+    std::atomic<SimulatorClock*> m_clock{&m_realClock};
     FrameOutlet& m_outlet;
     std::atomic<bool> m_started{false};
     std::mutex m_lifecycle;  // start and shutdown, one at a time; held while they wait

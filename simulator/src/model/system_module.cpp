@@ -9,6 +9,7 @@ SystemModule::SystemModule(SimulatorClock& clock, std::function<std::vector<std:
     : FeatureModule(clock, ThreadRole::Discovery, true),
       m_clock(clock),
       m_plugged(std::move(plugged)),
+      m_roundOver(clock),
       m_features(systemFeatureRows()) {}
 
 SystemModule::~SystemModule() {
@@ -32,7 +33,7 @@ void SystemModule::stop() {
         const Lock lock(m_mutex);
         m_alive = false;
     }
-    m_roundOver.notify_all();
+    m_roundOver.notify();
     events().stop();
 }
 
@@ -40,7 +41,7 @@ std::vector<std::string> SystemModule::found() {
     Lock lock(m_mutex);
     // The discovery thread itself would wait for its own round.
     const bool mayWait = !events().isOwnThread();
-    while (mayWait && m_alive && m_rounding && !m_anyRoundOver) m_clock.wait(m_roundOver, lock);
+    while (mayWait && m_alive && m_rounding && !m_anyRoundOver) m_roundOver.wait(lock);
     return m_found;
 }
 
@@ -76,7 +77,7 @@ Result SystemModule::execute(Lock& lock, const char* command) {
         m_automatic = false;
         m_rounding = false;
         ++m_generation;
-        m_roundOver.notify_all();
+        m_roundOver.notify();
     }
     return Result::Success;
 }
@@ -96,18 +97,18 @@ void SystemModule::beginAutomatic() {
         m_rounding = false;
         m_anyRoundOver = true;
         scan(true);
-        m_roundOver.notify_all();
+        m_roundOver.notify();
     };
     events().post({{}, endRound, m_clock.now() + roundLength()});
 }
 
 void SystemModule::discoverOnce(Lock& lock) {
     const Nanoseconds end = m_clock.now() + roundLength();
-    while (m_alive && m_clock.now() < end) m_clock.waitUntil(m_roundOver, lock, end);
+    while (m_alive && m_clock.now() < end) m_roundOver.waitUntil(lock, end);
     if (!m_alive) return;
     m_anyRoundOver = true;
     scan(false);
-    m_roundOver.notify_all();
+    m_roundOver.notify();
 }
 
 void SystemModule::scan(bool announceAll) {

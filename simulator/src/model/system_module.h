@@ -3,7 +3,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <string>
@@ -55,7 +54,7 @@ class SystemModule : public FeatureModule {
     const std::function<std::vector<std::string>()> m_plugged;
     std::atomic<bool> m_alive{false};
     std::mutex m_mutex;
-    std::condition_variable m_roundOver;
+    Condition m_roundOver;
     FeatureTable m_features;
     Nanoseconds m_startedAt = 0;
     std::vector<std::string> m_found;

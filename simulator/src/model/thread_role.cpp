@@ -1,6 +1,6 @@
 #include "thread_role.h"
 
-#include "library_thread.h"
+#include "native_thread.h"
 
 namespace simulator {
 namespace {

@@ -1,4 +1,5 @@
 // The control interface.
+#include <algorithm>
 #include <cstring>
 
 #include "frame_stamp.h"
@@ -12,6 +13,10 @@ namespace {
 
 Nanoseconds deadline(VmbUint32_t timeoutMs) {
     return simulation().clock().now() + timeoutMs * kMillisecond;
+}
+
+Nanoseconds span(VmbUint64_t ns) {
+    return static_cast<Nanoseconds>(std::min<VmbUint64_t>(ns, kNever));
 }
 
 /// For what concerns the open session of a camera.
@@ -146,6 +151,18 @@ size_t VmbSimJournalText(char* buffer, size_t size) {
         buffer[copied] = '\0';
     }
     return text.size() + 1;
+}
+
+VmbError_t VmbSimUseVirtualTime(VmbBool_t on) {
+    return withTexts(true, [=](Simulation& all) { return all.useVirtualTime(on); });
+}
+
+VmbError_t VmbSimAdvance(VmbUint64_t ns) {
+    return withTexts(true, [=](Simulation& all) { return all.advance(span(ns)); });
+}
+
+VmbError_t VmbSimRunUntilIdle(VmbUint64_t ns) {
+    return withTexts(true, [=](Simulation& all) { return all.runUntilIdle(span(ns)); });
 }
 
 VmbUint64_t VmbSimTime() {

@@ -35,12 +35,11 @@ std::string frameName(VmbHandle_t camera, const void* frame) {
 Simulation& simulation() {
     static_assert(std::string_view(kScenarioVariable) == VMBSIM_SCENARIO_VARIABLE);
     // Never destroyed: a client may leave threads of the library running when it exits.
-    static auto& clock = *new RealClock;
     static auto& outlet = *new VendorFrameOutlet;
     static auto& instance = *[] {
         const char* scenario = std::getenv(kScenarioVariable);
         const bool named = scenario != nullptr && *scenario != '\0';
-        return new Simulation(clock, outlet, named ? scenario : kDefaultScenario);
+        return new Simulation(outlet, named ? scenario : kDefaultScenario);
     }();
     return instance;
 }

@@ -38,7 +38,7 @@ const std::set<std::string> kControl = {
     "VmbSimLoseFrames",    "VmbSimBreakFrames",         "VmbSimClearFaults",     "VmbSimWaitForFrames",
     "VmbSimWaitForEvents", "VmbSimHoldSensor",          "VmbSimTakeQueuedFrame", "VmbSimFrameCounts",
     "VmbSimJournalStart",  "VmbSimJournalStop",         "VmbSimJournalText",     "VmbSimTime",
-    "VmbSimReadStamp"};
+    "VmbSimReadStamp",     "VmbSimUseVirtualTime",      "VmbSimAdvance",         "VmbSimRunUntilIdle"};
 
 /// The vendor's functions that are there so far.
 const std::set<std::string> kVendor = {"VmbVersionQuery",

@@ -6,7 +6,7 @@
 #include <timeapi.h>  // needs the one above
 // clang-format on
 
-#include "library_thread.h"
+#include "native_thread.h"
 
 namespace simulator {
 namespace {

@@ -1,4 +1,4 @@
-#include "library_thread.h"
+#include "native_thread.h"
 
 #if defined(__linux__)
 #include <sys/prctl.h>
