@@ -38,7 +38,7 @@ const std::set<std::string> kControl = {
     "VmbSimLoseFrames",    "VmbSimBreakFrames",         "VmbSimClearFaults",     "VmbSimWaitForFrames",
     "VmbSimWaitForEvents", "VmbSimHoldSensor",          "VmbSimTakeQueuedFrame", "VmbSimFrameCounts",
     "VmbSimJournalStart",  "VmbSimJournalStop",         "VmbSimJournalText",     "VmbSimTime",
-    "VmbSimReadStamp"};
+    "VmbSimReadStamp",     "VmbSimUnplugInterface",     "VmbSimPlugInterface",   "VmbSimTakeControl"};
 
 /// The vendor's functions that are there so far.
 const std::set<std::string> kVendor = {"VmbVersionQuery",
@@ -73,7 +73,31 @@ const std::set<std::string> kVendor = {"VmbVersionQuery",
                                        "VmbCaptureStart",
                                        "VmbCaptureEnd",
                                        "VmbCaptureFrameQueue",
-                                       "VmbCaptureQueueFlush"};
+                                       "VmbCaptureQueueFlush",
+                                       "VmbCameraInfoQuery",
+                                       "VmbFeatureListAffected",
+                                       "VmbFeatureListSelected",
+                                       "VmbFeatureFloatIncrementQuery",
+                                       "VmbFeatureEnumIsAvailable",
+                                       "VmbFeatureEnumAsInt",
+                                       "VmbFeatureEnumAsString",
+                                       "VmbFeatureEnumEntryGet",
+                                       "VmbFeatureStringSet",
+                                       "VmbFeatureStringMaxlengthQuery",
+                                       "VmbFeatureRawGet",
+                                       "VmbFeatureRawSet",
+                                       "VmbFeatureRawLengthQuery",
+                                       "VmbInterfacesList",
+                                       "VmbInterfaceOpen",
+                                       "VmbInterfaceClose",
+                                       "VmbAncillaryDataOpen",
+                                       "VmbAncillaryDataClose",
+                                       "VmbMemoryRead",
+                                       "VmbMemoryWrite",
+                                       "VmbRegistersRead",
+                                       "VmbRegistersWrite",
+                                       "VmbCameraSettingsSave",
+                                       "VmbCameraSettingsLoad"};
 
 TEST(Exports, AreTheVendorsAndTheControlFunctionsAndNothingElse) {
     Dl_info library;
