@@ -1,6 +1,7 @@
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 CONFIG REQUIRED COMPONENTS log)
 find_package(PNG REQUIRED)
+find_package(pugixml CONFIG REQUIRED)
 find_package(CLI11 CONFIG REQUIRED)
 find_package(nlohmann_json CONFIG REQUIRED)
 if(ZELT_TESTS)

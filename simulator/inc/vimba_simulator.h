@@ -33,6 +33,15 @@ IMEXPORTC VmbError_t VmbSimLoadScenario(const char* name);
 IMEXPORTC VmbError_t VmbSimUnplugCamera(const char* cameraId);
 IMEXPORTC VmbError_t VmbSimPlugCamera(const char* cameraId);
 
+/// Pulls an interface's cable, or plugs it in again. The interface's cameras are powered through it: they go
+/// and come as with their own cables.
+IMEXPORTC VmbError_t VmbSimUnplugInterface(const char* interfaceId);
+IMEXPORTC VmbError_t VmbSimPlugInterface(const char* interfaceId);
+
+/// Another program takes control of a camera, or gives it back; meanwhile it can only be opened for reading.
+/// VmbErrorInvalidAccess while this program has it open with full access.
+IMEXPORTC VmbError_t VmbSimTakeControl(const char* cameraId, VmbBool_t taken);
+
 /// Raises "DiscoveryCameraEvent" on the discovery thread with any texts, whether they make sense or not.
 IMEXPORTC VmbError_t VmbSimRaiseDiscoveryEvent(const char* event, const char* ident);
 

@@ -19,7 +19,7 @@ std::int64_t onGrid(std::int64_t value, const IntRange& range) {
 }  // namespace
 
 Camera::Camera(const CameraRow& row, Nanoseconds powerUp)
-    : m_row(row), m_features(cameraFeatureRows(row)), m_clock(powerUp, row.clockPpb) {
+    : m_row(row), m_features(cameraFeatureRows(row)), m_memory(row), m_clock(powerUp, row.clockPpb) {
     settle();
 }
 
@@ -100,6 +100,11 @@ std::int64_t Camera::frameLimit() const {
         entryName(m_features.at("AcquisitionMode"), FeatureValue(m_features.integer("AcquisitionMode")));
     if (mode == "SingleFrame") return 1;
     return mode == "MultiFrame" ? m_features.integer("AcquisitionFrameCount") : 0;
+}
+
+std::string Camera::userName() const {
+    const auto* name = std::get_if<std::string>(&m_features.value(m_features.at("DeviceUserID")));
+    return name != nullptr ? *name : "";
 }
 
 void Camera::latchClock(Nanoseconds now) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "camera_clock.h"
+#include "camera_memory.h"
 #include "camera_row.h"
 #include "clock.h"
 #include "feature_table.h"
@@ -22,6 +23,9 @@ class Camera {
     std::mutex& mutex() { return m_mutex; }
 
     FeatureTable& features() { return m_features; }
+    /// The name that a user gave the camera; may be empty.
+    std::string userName() const;
+    CameraMemory& memory() { return m_memory; }
     const CameraClock& clock() const { return m_clock; }
     const SensorSettings& sensor() const { return m_sensor; }
 
@@ -54,6 +58,7 @@ class Camera {
     const CameraRow& m_row;
     std::mutex m_mutex;
     FeatureTable m_features;
+    CameraMemory m_memory;
     CameraClock m_clock;
     SensorSettings m_sensor;
     bool m_acquiring = false;

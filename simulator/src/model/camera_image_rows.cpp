@@ -7,9 +7,13 @@ constexpr const char* kImageMode = "/ImageMode";
 constexpr const char* kImageFormat = "/ImageFormat";
 
 void addIdentityRows(FeatureRows& rows, const CameraRow& camera) {
-    rows.push_back(
-        textRow("DeviceVendorName", "Allied Vision Technologies").in("/Info").text("Maker of the camera"));
+    rows.push_back(textRow("DeviceVendorName", kVendorName).in("/Info").text("Maker of the camera"));
     rows.push_back(textRow("DeviceModelName", camera.model).in("/Info").text("Model of the camera"));
+    rows.push_back(
+        textRow("DeviceUserID", "").in("/Info").writable(16).text("Name that a user gave the camera"));
+    rows.push_back(rawRow("SimulatorRawData", 64, 1024)
+                       .in("/Info")
+                       .text("Bytes of the simulator's own, without any effect"));
     rows.push_back(textRow("DeviceID", camera.serial).in("/Info").text("Serial number of the camera"));
 }
 

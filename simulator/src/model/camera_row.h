@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "feature_row.h"
@@ -16,24 +18,46 @@ struct SensorRow {
     std::int64_t offsetXStep;
     std::int64_t offsetYStep;
     double rowSeconds;          ///< readout of one row
+    double skippedRowSeconds;   ///< of a row outside of the picture
     double readoutSeconds;      ///< fixed part of the readout
     double shortestExposureUs;  ///< also the pause that an exposure needs before the next one
 };
+
+/// An interface of the host. Texts are literals: clients keep pointers to them.
+struct InterfaceRow {
+    const char* id;
+    const char* name;
+    const char* serial;
+};
+
+inline constexpr const char* kVendorName = "Allied Vision Technologies";
 
 /// Texts are literals: clients keep pointers to them.
 struct CameraRow {
     const char* id;  ///< "DEV_" and the twelve digits of the hardware address
     const char* model;
     const char* serial;
+    const char* firmware;
+    std::int64_t partNumber;
     const char* interfaceId;
+    std::uint32_t ipAddress;  ///< first octet highest, as the next
+    std::uint32_t subnetMask;
     bool colour;
     SensorRow sensor;
     std::vector<EnumEntry> pixelFormats;  ///< numbers carry bits per pixel in bits 16 to 23
     std::int64_t powerUpFormat;
-    double powerUpRate;     ///< Hz
-    double hottestGain;     ///< dB
-    std::int64_t clockPpb;  ///< how much too fast the oscillator is
+    double powerUpRate;                          ///< Hz
+    double hottestGain;                          ///< dB
+    std::int64_t memoryFrames;                   ///< frames of full size that the camera's memory holds
+    std::int64_t clockPpb;                       ///< how much too fast the oscillator is
+    std::int64_t tickFrequency = 1'000'000'000;  ///< Hz
+
+    /// 48 bits, first octet highest.
+    std::uint64_t macAddress() const { return std::strtoull(id + 4, nullptr, 16); }
 };
+
+/// Four decimal numbers with dots; the address's first octet is its highest.
+std::string ipText(std::uint32_t address);
 
 /// All features of such a camera at power-up.
 std::vector<FeatureRow> cameraFeatureRows(const CameraRow& camera);

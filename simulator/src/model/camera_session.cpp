@@ -133,8 +133,15 @@ bool CameraSession::waitForEvents(Nanoseconds deadline) {
     return events().waitUntilIdle(deadline);
 }
 
-void CameraSession::onChanged() {
+Result CameraSession::useMemory(bool change, const std::function<Result(CameraMemory&)>& use) {
+    const Lock lock(mutex());
+    if (!isAlive()) return Result::BadHandle;
+    return change && !m_mayCapture ? Result::InvalidAccess : use(m_camera->memory());
+}
+
+void CameraSession::onChanged(const Feature& feature) {
     m_camera->settle();
+    static_cast<void>(feature);
     m_engine.settle();
 }
 

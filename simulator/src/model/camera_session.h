@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 #include "camera.h"
@@ -43,6 +44,9 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     Result queue(const FrameMemory& memory, OpaqueCallback callback);
     Result flush();
 
+    /// Memory and registers; InvalidAccess for a change of a camera that is open for reading.
+    Result useMemory(bool change, const std::function<Result(CameraMemory&)>& use);
+
     bool takeQueued(QueuedFrame& frame);
     void counts(std::uint32_t& announced, std::uint32_t& queued);
     std::uint32_t frameNumber(const void* record);
@@ -62,7 +66,8 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     void round(const Feature& feature, FeatureValue& value) const override {
         m_camera->round(feature, value);
     }
-    void onChanged() override;
+    bool isStored(const FeatureRow& row) const override { return isStreamable(row); }
+    void onChanged(const Feature& feature) override;
     Result execute(Lock& lock, const char* command) override;
     void onDelivered() override;
 

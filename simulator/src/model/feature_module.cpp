@@ -5,19 +5,31 @@
 
 namespace simulator {
 
-Result FeatureModule::find(const char* name, FeatureType type, Feature*& feature) {
+namespace {
+
+bool isSelectedBy(const FeatureRow& row, const FeatureRow& selector) {
+    return row.selector != nullptr && std::strcmp(row.selector, selector.name) == 0;
+}
+
+}  // namespace
+
+Result FeatureModule::find(const char* name, Feature*& feature) {
     if (!isAlive()) return Result::BadHandle;
     feature = features().find(name);
-    if (feature == nullptr) return Result::NotFound;
+    return feature != nullptr ? Result::Success : Result::NotFound;
+}
+
+Result FeatureModule::find(const char* name, FeatureType type, Feature*& feature) {
+    const Result found = find(name, feature);
+    if (found != Result::Success) return found;
     return feature->row.type == type ? Result::Success : Result::WrongType;
 }
 
 FeatureFacts FeatureModule::facts(const Feature& feature) {
     const auto all = features().visible();
-    const bool selects = std::any_of(all.begin(), all.end(), [&](const Feature* other) {
-        return other->row.selector != nullptr && std::strcmp(other->row.selector, feature.row.name) == 0;
-    });
-    return {&feature.row, selects};
+    const bool selects = std::any_of(
+        all.begin(), all.end(), [&](const Feature* other) { return isSelectedBy(other->row, feature.row); });
+    return {&feature.row, selects, isStored(feature.row), absentText()};
 }
 
 bool FeatureModule::isWritable(const Feature& feature) const {
@@ -33,18 +45,39 @@ Result FeatureModule::list(std::vector<FeatureFacts>& features) {
 
 Result FeatureModule::describe(const char* name, FeatureFacts& facts) {
     const Lock lock(mutex());
-    if (!isAlive()) return Result::BadHandle;
-    const Feature* feature = features().find(name);
-    if (feature == nullptr) return Result::NotFound;
-    facts = this->facts(*feature);
+    Feature* feature = nullptr;
+    const Result found = find(name, feature);
+    if (found == Result::Success) facts = this->facts(*feature);
+    return found;
+}
+
+Result FeatureModule::listAffected(const char* name, std::vector<FeatureFacts>& features) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, feature);
+    if (found != Result::Success) return found;
+    for (const char* affected : feature->row.affects) {
+        if (const Feature* known = this->features().find(affected)) features.push_back(facts(*known));
+    }
+    return Result::Success;
+}
+
+Result FeatureModule::listSelected(const char* name, std::vector<FeatureFacts>& features) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, feature);
+    if (found != Result::Success) return found;
+    for (const Feature* other : this->features().visible()) {
+        if (isSelectedBy(other->row, feature->row)) features.push_back(facts(*other));
+    }
     return Result::Success;
 }
 
 Result FeatureModule::access(const char* name, bool& readable, bool& writable) {
     const Lock lock(mutex());
-    if (!isAlive()) return Result::BadHandle;
-    const Feature* feature = features().find(name);
-    if (feature == nullptr) return Result::NotFound;
+    Feature* feature = nullptr;
+    const Result found = find(name, feature);
+    if (found != Result::Success) return found;
     readable = (feature->row.flags & kRead) != 0;
     writable = isWritable(*feature);
     return Result::Success;
@@ -76,12 +109,12 @@ Result FeatureModule::write(const char* name, FeatureType type, FeatureValue val
     const bool inCallback = currentThreadRole() == ThreadRole::Frame || m_events.isInvalidating(name);
     if (inCallback) return Result::InvalidCall;
     if (!isWritable(*feature)) return Result::InvalidAccess;
-    const Result accepted = FeatureTable::accept(*feature, value);
+    const Result accepted = features().accept(*feature, value);
     if (accepted != Result::Success) return accepted;
     round(*feature, value);
     features().value(*feature) = std::move(value);
     feature->forced = false;
-    onChanged();
+    onChanged(*feature);
     invalidate(*feature);
     return Result::Success;
 }
@@ -111,12 +144,85 @@ Result FeatureModule::floatRange(const char* name, FloatRange& range) {
     return found;
 }
 
+Result FeatureModule::floatIncrement(const char* name, double& increment) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, FeatureType::Float, feature);
+    if (found == Result::Success) increment = feature->row.gridTold ? feature->row.grid : 0;
+    return found;
+}
+
 Result FeatureModule::entries(const char* name, std::vector<EnumEntry>& entries) {
     const Lock lock(mutex());
     Feature* feature = nullptr;
     const Result found = find(name, FeatureType::Enum, feature);
     if (found == Result::Success) entries = feature->row.entries;
     return found;
+}
+
+Result FeatureModule::entry(const char* name, const char* entry, EntryFacts& facts) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, FeatureType::Enum, feature);
+    if (found != Result::Success) return found;
+    const EnumEntry* known = findEntry(*feature, entry);
+    if (known == nullptr) return Result::InvalidValue;
+    facts = {*known, features().isAvailable(*feature, *known)};
+    return Result::Success;
+}
+
+Result FeatureModule::entryOf(const char* name, std::int64_t number, const char*& entry) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, FeatureType::Enum, feature);
+    if (found != Result::Success) return found;
+    const EnumEntry* known = findEntry(*feature, number);
+    if (known == nullptr) return Result::InvalidValue;
+    entry = known->name;
+    return Result::Success;
+}
+
+Result FeatureModule::maxLength(const char* name, std::uint32_t& bytes) {
+    const Lock lock(mutex());
+    Feature* feature = nullptr;
+    const Result found = find(name, FeatureType::String, feature);
+    if (found == Result::Success) bytes = feature->row.maxLength;
+    return found;
+}
+
+Result FeatureModule::store(std::vector<StoredFeature>& features) {
+    const Lock lock(mutex());
+    if (!isAlive()) return Result::BadHandle;
+    for (const Feature* feature : this->features().visible()) {
+        if (!isStored(feature->row)) continue;
+        StoredFeature stored{&feature->row, {}};
+        for (std::size_t i = 0; i < feature->values.size(); ++i) {
+            const char* selector = feature->row.selector;
+            const char* entry =
+                selector != nullptr ? this->features().at(selector).row.entries[i].name : nullptr;
+            stored.values.emplace_back(entry, textOf(*feature, feature->values[i]));
+        }
+        features.push_back(std::move(stored));
+    }
+    return Result::Success;
+}
+
+Result FeatureModule::writeText(const char* name, std::string_view text) {
+    FeatureType type{};
+    FeatureValue value;
+    {
+        const Lock lock(mutex());
+        Feature* feature = nullptr;
+        const Result found = find(name, feature);
+        if (found != Result::Success) return found;
+        type = feature->row.type;
+        if (type == FeatureType::Enum) {
+            value = std::string(text);
+        } else if (const Result read = valueOf(*feature, text, value); read != Result::Success) {
+            return read;
+        }
+    }
+    return write(name, type, std::move(value));
 }
 
 Result FeatureModule::run(const char* name) {

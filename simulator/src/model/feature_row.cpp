@@ -3,6 +3,8 @@
 namespace simulator {
 namespace {
 
+constexpr std::uint32_t kLongestText = 256;
+
 FeatureRow row(const char* name, FeatureType type, std::uint32_t flags, FeatureValue initial) {
     FeatureRow result;
     result.name = name;
@@ -41,7 +43,13 @@ FeatureRow commandRow(const char* name) {
 }
 
 FeatureRow textRow(const char* name, const char* initial) {
-    return row(name, FeatureType::String, kRead, std::string(initial));
+    FeatureRow result = row(name, FeatureType::String, kRead, std::string(initial));
+    result.maxLength = kLongestText;
+    return result;
+}
+
+FeatureRow rawRow(const char* name, std::size_t size, std::uint32_t longest) {
+    return row(name, FeatureType::Raw, kRead, std::string(size, '\0')).writable(longest);
 }
 
 }  // namespace simulator

@@ -1,6 +1,7 @@
 /// One row of a feature table: everything about a feature that does not change while a camera lives.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -10,17 +11,33 @@
 namespace simulator {
 
 /// Numbers as in the vendor's feature records.
-enum class FeatureType : std::uint32_t { Int = 1, Float = 2, Enum = 3, String = 4, Bool = 5, Command = 6 };
+enum class FeatureType : std::uint32_t {
+    Int = 1,
+    Float = 2,
+    Enum = 3,
+    String = 4,
+    Bool = 5,
+    Command = 6,
+    Raw = 7
+};
 
 /// Bits as in the vendor's feature records.
-enum FeatureFlags : std::uint32_t { kRead = 1, kWrite = 2, kVolatile = 8 };
+/// Four has no name; real features carry it beside kRead.
+enum FeatureFlags : std::uint32_t { kRead = 1, kWrite = 2, kUnnamed = 4, kVolatile = 8 };
 
-/// An enumeration feature holds its entry's number, or a text when that text is no entry.
+/// An enumeration feature holds its entry's number, or a text when that text is no entry. Raw bytes are a
+/// string.
 using FeatureValue = std::variant<std::int64_t, double, bool, std::string>;
 
 struct EnumEntry {
     const char* name;
     std::int64_t number;
+};
+
+/// An entry that is implemented, but cannot be chosen.
+struct Unavailable {
+    const char* entry;
+    const char* under = nullptr;  ///< only while the selector has this entry; null for always
 };
 
 struct IntRange {
@@ -47,7 +64,11 @@ struct FeatureRow {
     std::vector<EnumEntry> entries;         ///< ascending by number
     const char* selector = nullptr;         ///< the feature keeps one value per entry of this one
     std::vector<FeatureValue> perSelector;  ///< initial values where they differ between those entries
-    bool locked = false;                    ///< not writable while the camera acquires
+    std::vector<Unavailable> unavailable;
+    double grid = 0;              ///< values are rounded to multiples of it, 0 for none
+    bool gridTold = false;        ///< the grid is also the feature's increment
+    std::uint32_t maxLength = 0;  ///< bytes; a text's includes its terminating zero
+    bool locked = false;          ///< not writable while the camera acquires
     std::vector<const char*> affects;
     const char* description = "";
 
@@ -76,6 +97,24 @@ struct FeatureRow {
         perSelector = std::move(values);
         return std::move(*this);
     }
+    FeatureRow&& except(std::vector<Unavailable> list) && {
+        unavailable = std::move(list);
+        return std::move(*this);
+    }
+    FeatureRow&& roundedTo(double multiple) && {
+        grid = multiple;
+        return std::move(*this);
+    }
+    FeatureRow&& inSteps(double multiple) && {
+        grid = multiple;
+        gridTold = true;
+        return std::move(*this);
+    }
+    FeatureRow&& writable(std::uint32_t longest) && {
+        flags = kRead | kWrite;
+        maxLength = longest;
+        return std::move(*this);
+    }
     FeatureRow&& affecting(std::vector<const char*> names) && {
         affects = std::move(names);
         return std::move(*this);
@@ -92,7 +131,14 @@ FeatureRow floatRow(const char* name, FloatRange range, double initial);
 FeatureRow enumRow(const char* name, std::vector<EnumEntry> entries, std::int64_t initial);
 FeatureRow boolRow(const char* name, bool initial);
 FeatureRow commandRow(const char* name);
-/// Read only.
+/// Read only; `.writable(longest)` changes that.
 FeatureRow textRow(const char* name, const char* initial);
+/// Writable bytes, all zero at first.
+FeatureRow rawRow(const char* name, std::size_t size, std::uint32_t longest);
+
+/// Values that are saved and loaded: everything a client can set.
+inline bool isStreamable(const FeatureRow& row) {
+    return (row.flags & kWrite) != 0 && row.type != FeatureType::Command;
+}
 
 }  // namespace simulator

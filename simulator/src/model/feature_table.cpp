@@ -9,13 +9,6 @@
 namespace simulator {
 namespace {
 
-const EnumEntry* findEntry(const Feature& feature, std::string_view name) {
-    for (const EnumEntry& entry : feature.row.entries) {
-        if (name == entry.name) return &entry;
-    }
-    return nullptr;
-}
-
 template <typename Number>
 bool parse(std::string_view text, Number& number) {
     const char* end = text.data() + text.size();
@@ -38,23 +31,54 @@ Result boolFromText(std::string_view text, FeatureValue& value) {
     return Result::Success;
 }
 
-Result fromText(const Feature& feature, std::string_view text, FeatureValue& value) {
-    switch (feature.row.type) {
-        case FeatureType::Int:
-            return numberFromText<std::int64_t>(text, value);
-        case FeatureType::Float:
-            return numberFromText<double>(text, value);
-        case FeatureType::Bool:
-            return boolFromText(text, value);
-        case FeatureType::Command:
-            return Result::WrongType;
-        case FeatureType::Enum:
-        case FeatureType::String:
-            break;
+Result rawFromText(std::string_view text, FeatureValue& value) {
+    if (text.size() % 2 != 0) return Result::InvalidValue;
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        std::uint8_t byte = 0;
+        const char* end = text.data() + i + 2;
+        const auto [stop, error] = std::from_chars(text.data() + i, end, byte, 16);
+        if (error != std::errc() || stop != end) return Result::InvalidValue;
+        bytes.push_back(static_cast<char>(byte));
     }
-    const EnumEntry* entry = findEntry(feature, text);
-    value = entry != nullptr ? FeatureValue(entry->number) : FeatureValue(std::string(text));
+    value = std::move(bytes);
     return Result::Success;
+}
+
+std::string textOfRaw(const std::string& bytes) {
+    constexpr const char* kDigits = "0123456789abcdef";
+    std::string text;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += {kDigits[byte >> 4], kDigits[byte & 0xF]};
+    }
+    return text;
+}
+
+template <typename Number>
+std::string textOfNumber(Number number) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, number).ptr};
+}
+
+double onGrid(const FeatureRow& row, const FloatRange& range, double value) {
+    if (row.grid <= 0) return value;
+    // Dividing by a whole number gives the double nearest to the decimal fraction; multiplying by 0.1 not.
+    const double perUnit = std::round(1 / row.grid);
+    const auto multiple = [&](double steps) { return perUnit > 1 ? steps / perUnit : steps * row.grid; };
+    const double steps = std::round(value / row.grid);
+    if (multiple(steps) > range.max) return multiple(steps - 1);
+    return multiple(steps) < range.min ? multiple(steps + 1) : multiple(steps);
+}
+
+bool isWithin(const IntRange& range, std::int64_t number) {
+    if (number < range.min || number > range.max) return false;
+    const auto above = static_cast<std::uint64_t>(number) - static_cast<std::uint64_t>(range.min);
+    return above % static_cast<std::uint64_t>(range.increment) == 0;
+}
+
+Result acceptedIf(bool fits) {
+    return fits ? Result::Success : Result::InvalidValue;
 }
 
 }  // namespace
@@ -72,7 +96,9 @@ FeatureTable::FeatureTable(std::vector<FeatureRow> rows) {
     for (auto& [name, feature] : m_features) {
         if (feature.row.selector == nullptr) continue;
         feature.values = feature.row.perSelector;
-        feature.values.resize(at(feature.row.selector).row.entries.size(), feature.row.initial);
+        // A selector without entries is a number; whoever owns the table then computes the selected value.
+        const std::size_t entries = at(feature.row.selector).row.entries.size();
+        feature.values.resize(std::max<std::size_t>(1, entries), feature.row.initial);
     }
 }
 
@@ -144,38 +170,51 @@ void FeatureTable::assign(std::string_view name, FeatureValue value) {
     this->value(feature) = std::move(value);
 }
 
-Result FeatureTable::accept(const Feature& feature, FeatureValue& value) {
+bool FeatureTable::isAvailable(const Feature& feature, const EnumEntry& entry) const {
+    if (feature.row.unavailable.empty()) return true;
+    const std::string_view selected =
+        feature.row.selector != nullptr ? at(feature.row.selector).row.entries[slot(feature)].name : "";
+    return std::none_of(feature.row.unavailable.begin(), feature.row.unavailable.end(),
+                        [&](const Unavailable& out) {
+                            return std::string_view(out.entry) == entry.name &&
+                                   (out.under == nullptr || selected == out.under);
+                        });
+}
+
+Result FeatureTable::accept(const Feature& feature, FeatureValue& value) const {
     switch (feature.row.type) {
-        case FeatureType::Int: {
-            const auto number = std::get<std::int64_t>(value);
-            const IntRange& range = feature.intRange;
-            if (number < range.min || number > range.max) return Result::InvalidValue;
-            const auto above = static_cast<std::uint64_t>(number) - static_cast<std::uint64_t>(range.min);
-            return above % static_cast<std::uint64_t>(range.increment) == 0 ? Result::Success
-                                                                            : Result::InvalidValue;
-        }
+        case FeatureType::Int:
+            return acceptedIf(isWithin(feature.intRange, std::get<std::int64_t>(value)));
         case FeatureType::Float: {
             const double number = std::get<double>(value);
             // Written so that not-a-number fails.
             const bool inside = number >= feature.floatRange.min && number <= feature.floatRange.max;
-            return inside ? Result::Success : Result::InvalidValue;
+            if (inside) value = onGrid(feature.row, feature.floatRange, number);
+            return acceptedIf(inside);
         }
         case FeatureType::Enum: {
             const EnumEntry* entry = findEntry(feature, std::get<std::string>(value));
-            if (entry == nullptr) return Result::InvalidValue;
+            if (entry == nullptr || !isAvailable(feature, *entry)) return Result::InvalidValue;
             value = entry->number;
             return Result::Success;
         }
-        default:
-            return Result::Success;
+        case FeatureType::String:
+            return acceptedIf(std::get<std::string>(value).size() < feature.row.maxLength);
+        case FeatureType::Raw:
+            return std::get<std::string>(value).size() <= feature.row.maxLength ? Result::Success
+                                                                                : Result::BadParameter;
+        case FeatureType::Bool:
+        case FeatureType::Command:
+            break;
     }
+    return Result::Success;
 }
 
 Result FeatureTable::force(std::string_view name, std::string_view text) {
     Feature* feature = find(name);
     if (feature == nullptr) return Result::NotFound;
     FeatureValue parsed;
-    const Result readable = fromText(*feature, text, parsed);
+    const Result readable = valueOf(*feature, text, parsed);
     if (readable != Result::Success) return readable;
     value(*feature) = std::move(parsed);
     feature->forced = true;
@@ -197,12 +236,54 @@ std::vector<const Feature*> FeatureTable::visible() const {
     return features;
 }
 
+const EnumEntry* findEntry(const Feature& feature, std::string_view name) {
+    for (const EnumEntry& entry : feature.row.entries) {
+        if (name == entry.name) return &entry;
+    }
+    return nullptr;
+}
+
+const EnumEntry* findEntry(const Feature& feature, std::int64_t number) {
+    for (const EnumEntry& entry : feature.row.entries) {
+        if (number == entry.number) return &entry;
+    }
+    return nullptr;
+}
+
+std::string textOf(const Feature& feature, const FeatureValue& value) {
+    if (feature.row.type == FeatureType::Enum) return entryName(feature, value);
+    if (feature.row.type == FeatureType::Raw) return textOfRaw(std::get<std::string>(value));
+    if (const auto* number = std::get_if<std::int64_t>(&value)) return textOfNumber(*number);
+    if (const auto* number = std::get_if<double>(&value)) return textOfNumber(*number);
+    if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "true" : "false";
+    return std::get<std::string>(value);
+}
+
+Result valueOf(const Feature& feature, std::string_view text, FeatureValue& value) {
+    switch (feature.row.type) {
+        case FeatureType::Int:
+            return numberFromText<std::int64_t>(text, value);
+        case FeatureType::Float:
+            return numberFromText<double>(text, value);
+        case FeatureType::Bool:
+            return boolFromText(text, value);
+        case FeatureType::Raw:
+            return rawFromText(text, value);
+        case FeatureType::Command:
+            return Result::WrongType;
+        case FeatureType::Enum:
+        case FeatureType::String:
+            break;
+    }
+    const EnumEntry* entry = findEntry(feature, text);
+    value = entry != nullptr ? FeatureValue(entry->number) : FeatureValue(std::string(text));
+    return Result::Success;
+}
+
 const char* entryName(const Feature& feature, const FeatureValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) return keptText(*text);
-    for (const EnumEntry& entry : feature.row.entries) {
-        if (entry.number == std::get<std::int64_t>(value)) return entry.name;
-    }
-    return "";
+    const EnumEntry* entry = findEntry(feature, std::get<std::int64_t>(value));
+    return entry != nullptr ? entry->name : "";
 }
 
 const char* keptText(std::string_view text) {

@@ -46,9 +46,11 @@ class FeatureTable {
     /// For values that an event brings.
     void assign(std::string_view name, FeatureValue value);
 
-    /// Is the value within range and on the increment; an enumeration's text an entry? Turns that text into
-    /// its number.
-    static Result accept(const Feature& feature, FeatureValue& value);
+    /// Is the value within range and on the increment, short enough, an enumeration's text an entry that is
+    /// available? Turns that text into its number and rounds to the feature's grid.
+    Result accept(const Feature& feature, FeatureValue& value) const;
+    /// May the entry be chosen now?
+    bool isAvailable(const Feature& feature, const EnumEntry& entry) const;
     /// Sets a value from its text form without any check but that the text has the form.
     Result force(std::string_view name, std::string_view text);
     /// From here on clients see no such feature.
@@ -62,6 +64,16 @@ class FeatureTable {
 
     std::map<std::string, Feature, std::less<>> m_features;
 };
+
+/// Null for an unknown name.
+const EnumEntry* findEntry(const Feature& feature, std::string_view name);
+/// Null for an unknown number.
+const EnumEntry* findEntry(const Feature& feature, std::int64_t number);
+
+/// Text form of a value: entries by name, raw bytes in hexadecimal digits, everything else as it is read.
+std::string textOf(const Feature& feature, const FeatureValue& value);
+/// Value of a text form; InvalidValue when the text has not the form.
+Result valueOf(const Feature& feature, std::string_view text, FeatureValue& value);
 
 /// The name of an enumeration's value; a text of the library that stays valid.
 const char* entryName(const Feature& feature, const FeatureValue& value);

@@ -3,13 +3,20 @@
 namespace simulator {
 namespace {
 
+constexpr InterfaceRow kNetwork{"SimulatedNetwork0", "Simulated network 0", "02-000000-0000"};
+constexpr std::uint32_t kLinkLocalMask = 0xFFFF'0000;
+
 // Both oscillators are off, each its own way, so that nothing can take camera time for true time.
 CameraRow colourCamera() {
     return {
         .id = "DEV_000F31A10001",
         .model = "Manta_G-033C",
         .serial = "50-0503300001",
-        .interfaceId = "SimulatedNetwork0",
+        .firmware = "00.01.54.11800",
+        .partNumber = 503300,
+        .interfaceId = kNetwork.id,
+        .ipAddress = 0xA9FE'0A01,
+        .subnetMask = kLinkLocalMask,
         .colour = true,
         .sensor = {.width = 656,
                    .height = 492,
@@ -18,6 +25,7 @@ CameraRow colourCamera() {
                    .offsetXStep = 4,
                    .offsetYStep = 2,
                    .rowSeconds = 2.249e-5,
+                   .skippedRowSeconds = 1.51e-6,
                    .readoutSeconds = 0.0001984,
                    .shortestExposureUs = 30},
         .pixelFormats = {{"Mono8", 0x01080001},
@@ -29,6 +37,7 @@ CameraRow colourCamera() {
         .powerUpFormat = 0x01080009,
         .powerUpRate = 50,
         .hottestGain = 32,
+        .memoryFrames = 69,
         .clockPpb = 12'000,
     };
 }
@@ -38,7 +47,11 @@ CameraRow monochromeCamera() {
         .id = "DEV_000F31A10002",
         .model = "Manta_G-032B",
         .serial = "50-0503200002",
-        .interfaceId = "SimulatedNetwork0",
+        .firmware = "00.01.54.11800",
+        .partNumber = 503200,
+        .interfaceId = kNetwork.id,
+        .ipAddress = 0xA9FE'0A02,
+        .subnetMask = kLinkLocalMask,
         .colour = false,
         .sensor = {.width = 656,
                    .height = 492,
@@ -47,12 +60,14 @@ CameraRow monochromeCamera() {
                    .offsetXStep = 1,
                    .offsetYStep = 1,
                    .rowSeconds = 2.434e-5,
+                   .skippedRowSeconds = 3.01e-6,
                    .readoutSeconds = 0.0004955,
                    .shortestExposureUs = 26},
         .pixelFormats = {{"Mono8", 0x01080001}, {"Mono12", 0x01100005}},
         .powerUpFormat = 0x01080001,
         .powerUpRate = 40,
         .hottestGain = 26,
+        .memoryFrames = 202,
         .clockPpb = -8'000,
     };
 }
@@ -60,8 +75,8 @@ CameraRow monochromeCamera() {
 const std::vector<Scenario>& scenarios() {
     // Never destroyed: a client may leave cameras open when it exits.
     static const auto& all = *new std::vector<Scenario>{
-        {kDefaultScenario, {colourCamera(), monochromeCamera()}},
-        {"zero-cameras", {}},
+        {kDefaultScenario, {kNetwork}, {colourCamera(), monochromeCamera()}},
+        {"zero-cameras", {kNetwork}, {}},
     };
     return all;
 }
@@ -81,6 +96,14 @@ std::string scenarioNames() {
         names += (names.empty() ? "" : ", ") + std::string(scenario.name);
     }
     return names;
+}
+
+std::string ipText(std::uint32_t address) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        text += std::to_string(address >> shift & 0xFF) + (shift > 0 ? "." : "");
+    }
+    return text;
 }
 
 }  // namespace simulator

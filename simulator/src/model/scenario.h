@@ -1,4 +1,4 @@
-/// Which cameras there are.
+/// Which interfaces and cameras there are.
 #pragma once
 
 #include <string>
@@ -11,7 +11,8 @@ namespace simulator {
 
 struct Scenario {
     const char* name;
-    std::vector<CameraRow> cameras;
+    std::vector<InterfaceRow> interfaces;
+    std::vector<CameraRow> cameras;  ///< each on one of the interfaces
 };
 
 /// Null for an unknown name.

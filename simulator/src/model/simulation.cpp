@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 #include "thread_role.h"
 
@@ -12,13 +13,15 @@ Simulation::Simulation(FrameOutlet& outlet, const std::string& scenario) : m_out
         fill(*known);
     } else {
         m_unknownScenario = scenario;
-        fill({"", {}});
+        fill({"", {}, {}});
         m_scenario = nullptr;
     }
 }
 
 void Simulation::fill(const Scenario& scenario) {
     m_scenario = &scenario;
+    m_links.clear();
+    for (const InterfaceRow& row : scenario.interfaces) m_links.push_back({&row, true});
     m_slots.clear();
     for (const CameraRow& row : scenario.cameras) {
         Slot slot;
@@ -65,8 +68,11 @@ void Simulation::shutdown() {
     m_started = false;
     m_system->stop();
     for (const auto& session : sessions()) session->close();
+    for (const auto& module : openInterfaces()) module->close();
     const Lock lock(m_mutex);
     m_sessions.clear();
+    m_interfaces.clear();
+    m_ancillaries.clear();
     for (Slot& slot : m_slots) slot.session.reset();
 }
 
@@ -121,14 +127,32 @@ Result Simulation::runUntilIdle(Nanoseconds span) {
     return clock->runUntilIdle(span) ? Result::Success : Result::Timeout;
 }
 
-std::vector<const CameraRow*> Simulation::foundCameras() {
-    std::vector<const CameraRow*> cameras;
+std::vector<CameraListing> Simulation::foundCameras() {
+    std::vector<CameraListing> cameras;
     const std::vector<std::string> ids = system()->found();
     const Lock lock(m_mutex);
     for (const std::string& id : ids) {
-        if (const Slot* slot = find(id)) cameras.push_back(slot->row);
+        if (const Slot* slot = find(id)) cameras.push_back(listing(*slot));
     }
     return cameras;
+}
+
+Result Simulation::describe(const std::string& id, CameraListing& listing) {
+    const Lock lock(m_mutex);
+    const Slot* slot = findToOpen(id);
+    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    listing = this->listing(*slot);
+    return Result::Success;
+}
+
+CameraListing Simulation::listing(const Slot& slot) const {
+    const bool controlled = slot.taken || (slot.session != nullptr && slot.controlled);
+    std::string name;
+    if (slot.camera != nullptr) {
+        const Lock lock(slot.camera->mutex());
+        name = slot.camera->userName();
+    }
+    return {slot.row, name.empty() ? slot.row->model : keptText(name), !controlled};
 }
 
 Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
@@ -136,6 +160,7 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     Slot* slot = findToOpen(id);
     if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
+    if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
     auto session = std::make_shared<CameraSession>(clock(), slot->camera, slot->faults, m_outlet,
                                                    mode == OpenMode::Full);
     void* const fresh = &m_handles.emplace_back();
@@ -143,6 +168,7 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     session->start(fresh);
     m_sessions.emplace(fresh, session);
     slot->session = std::move(session);
+    slot->controlled = mode == OpenMode::Full;
     handle = fresh;
     return Result::Success;
 }
@@ -172,8 +198,10 @@ std::shared_ptr<SystemModule> Simulation::system() const {
 std::shared_ptr<FeatureModule> Simulation::module(void* handle) {
     const Lock lock(m_mutex);
     if (handle != nullptr && handle == m_systemHandle) return m_system;
-    const auto found = m_sessions.find(handle);
-    return found != m_sessions.end() ? found->second : nullptr;
+    if (const auto found = m_sessions.find(handle); found != m_sessions.end()) return found->second;
+    if (const auto found = m_interfaces.find(handle); found != m_interfaces.end()) return found->second;
+    const auto found = m_ancillaries.find(handle);
+    return found != m_ancillaries.end() ? found->second : nullptr;
 }
 
 std::shared_ptr<CameraSession> Simulation::session(void* handle) {
@@ -190,6 +218,15 @@ Result Simulation::session(const std::string& id, std::shared_ptr<CameraSession>
     return session != nullptr ? Result::Success : Result::DeviceNotOpen;
 }
 
+std::uint32_t Simulation::frameNumber(void* handle, const void* record) {
+    for (const auto& session : sessions()) {
+        const bool asked = handle == nullptr || handle == session->handle();
+        const std::uint32_t number = asked ? session->frameNumber(record) : 0;
+        if (number != 0) return number;
+    }
+    return 0;
+}
+
 Simulation::Slot* Simulation::find(const std::string& id) {
     for (Slot& slot : m_slots) {
         if (id == slot.row->id) return &slot;
@@ -199,18 +236,10 @@ Simulation::Slot* Simulation::find(const std::string& id) {
 
 Simulation::Slot* Simulation::findToOpen(const std::string& id) {
     for (Slot& slot : m_slots) {
-        if (id == slot.row->serial || "DEV_" + id == slot.row->id) return &slot;
+        const CameraRow& row = *slot.row;
+        if (id == row.serial || "DEV_" + id == row.id || id == ipText(row.ipAddress)) return &slot;
     }
     return find(id);
-}
-
-std::vector<std::string> Simulation::pluggedIds() {
-    const Lock lock(m_mutex);
-    std::vector<std::string> ids;
-    for (const Slot& slot : m_slots) {
-        if (slot.camera != nullptr) ids.emplace_back(slot.row->id);
-    }
-    return ids;
 }
 
 std::vector<std::shared_ptr<CameraSession>> Simulation::sessions() {
@@ -218,22 +247,6 @@ std::vector<std::shared_ptr<CameraSession>> Simulation::sessions() {
     std::vector<std::shared_ptr<CameraSession>> all;
     for (const auto& [handle, session] : m_sessions) all.push_back(session);
     return all;
-}
-
-Result Simulation::plug(const std::string& id, bool plugged) {
-    std::shared_ptr<CameraSession> cut;
-    {
-        const Lock lock(m_mutex);
-        Slot* slot = find(id);
-        if (slot == nullptr) return Result::NotFound;
-        if (plugged == (slot->camera != nullptr)) return Result::Success;
-        slot->camera = plugged ? powerUp(*slot) : nullptr;
-        cut = std::move(slot->session);
-        slot->session.reset();
-    }
-    if (cut != nullptr) cut->disconnect();
-    system()->onCabling();
-    return Result::Success;
 }
 
 Result Simulation::raiseDiscovery(const std::string& event, const std::string& ident) {
@@ -294,6 +307,7 @@ Result Simulation::waitForEvents(Nanoseconds deadline) {
     if (currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
     bool idle = system()->events().waitUntilIdle(deadline);
     for (const auto& session : sessions()) idle = session->waitForEvents(deadline) && idle;
+    for (const auto& module : openInterfaces()) idle = module->events().waitUntilIdle(deadline) && idle;
     return idle ? Result::Success : Result::Timeout;
 }
 

@@ -11,9 +11,11 @@
 #include <string>
 #include <vector>
 
+#include "ancillary_module.h"
 #include "camera.h"
 #include "camera_session.h"
 #include "faults.h"
+#include "interface_module.h"
 #include "journal.h"
 #include "scenario.h"
 #include "system_module.h"
@@ -22,6 +24,13 @@
 namespace simulator {
 
 enum class OpenMode { Full, Read };
+
+/// What a list says about a camera.
+struct CameraListing {
+    const CameraRow* row = nullptr;
+    const char* name = "";  ///< the one that a user gave it, or its model; stays valid
+    bool mayControl = true;
+};
 
 class Simulation {
   public:
@@ -49,9 +58,19 @@ class Simulation {
     SimulatorClock& clock() const { return *m_clock; }
 
     /// Cameras found by discovery; waits for its first round when that is under way.
-    std::vector<const CameraRow*> foundCameras();
+    std::vector<CameraListing> foundCameras();
+    /// For a camera that is plugged in, by any name that `open` takes.
+    Result describe(const std::string& id, CameraListing& listing);
+    /// By identifier, hardware address, network address or serial text.
     Result open(const std::string& id, OpenMode mode, void*& handle);
     Result close(void* handle);
+
+    /// Interfaces with a cable.
+    std::vector<const InterfaceRow*> interfaces();
+    Result openInterface(const std::string& id, void*& handle);
+    Result closeInterface(void* handle);
+    void openAncillary(const ChunkData& data, void*& handle);
+    Result closeAncillary(void* handle);
 
     /// Null for a handle that is unknown.
     std::shared_ptr<FeatureModule> module(void* handle);
@@ -59,7 +78,15 @@ class Simulation {
     /// The open session of a camera, NotFound for an unknown id, DeviceNotOpen when there is none.
     Result session(const std::string& id, std::shared_ptr<CameraSession>& session);
 
+    /// Position in the order in which the camera's frames were announced, 0 for none. A null handle means
+    /// any camera.
+    std::uint32_t frameNumber(void* handle, const void* record);
+
     Result plug(const std::string& id, bool plugged);
+    /// The interface's cameras go and come with it.
+    Result plugInterface(const std::string& id, bool plugged);
+    /// Another program takes the camera, or gives it back. InvalidAccess while this one controls it.
+    Result takeControl(const std::string& id, bool taken);
     Result raiseDiscovery(const std::string& event, const std::string& ident);
     /// A null id means the library's own features.
     Result removeFeature(const char* id, const std::string& feature);
@@ -71,9 +98,16 @@ class Simulation {
     Result waitForEvents(Nanoseconds deadline);
 
   private:
-    /// A place for a camera; without cable it has none.
+    struct Link {
+        const InterfaceRow* row = nullptr;
+        bool plugged = true;
+    };
+    /// A place for a camera; without its cable, or its interface's, it has none.
     struct Slot {
         const CameraRow* row = nullptr;
+        bool cabled = true;
+        bool taken = false;       // another program controls it
+        bool controlled = false;  // the session does
         std::set<std::string> removed;
         bool held = false;
         std::shared_ptr<FrameFaults> faults;
@@ -86,8 +120,14 @@ class Simulation {
     std::shared_ptr<Camera> powerUp(const Slot& slot) const;
     Slot* find(const std::string& id);
     Slot* findToOpen(const std::string& id);
+    Link* findLink(const std::string& id);
+    CameraListing listing(const Slot& slot) const;
+    /// Makes or takes away the slot's camera, whichever its cables ask for. The session that this cuts off.
+    std::shared_ptr<CameraSession> settleCable(Slot& slot);
     std::shared_ptr<SystemModule> system() const;
-    std::vector<std::string> pluggedIds();
+    /// Cameras that are plugged in; with an interface's id only those on it.
+    std::vector<std::string> pluggedIds(const std::string& interfaceId = {});
+    std::vector<std::shared_ptr<InterfaceModule>> openInterfaces();
     std::vector<std::shared_ptr<CameraSession>> sessions();
 
     Result reload(const Scenario* scenario, SimulatorClock& clock);
@@ -102,8 +142,11 @@ class Simulation {
     mutable std::mutex m_mutex;
     std::string m_unknownScenario;
     const Scenario* m_scenario = nullptr;
+    std::vector<Link> m_links;
     std::vector<Slot> m_slots;
     std::map<void*, std::shared_ptr<CameraSession>> m_sessions;  // by handle
+    std::map<void*, std::shared_ptr<InterfaceModule>> m_interfaces;
+    std::map<void*, std::shared_ptr<AncillaryModule>> m_ancillaries;
     std::deque<char> m_handles;  // their addresses are the handles, none of them given out twice
     void* m_systemHandle = nullptr;
     std::shared_ptr<SystemModule> m_system;

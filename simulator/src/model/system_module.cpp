@@ -50,9 +50,22 @@ void SystemModule::onCabling() {
     if (m_alive && m_automatic && !m_rounding) scan(false);
 }
 
+void SystemModule::onInterface(const std::string& event, const std::string& id) {
+    const Lock lock(m_mutex);
+    if (!m_alive || !m_automatic) return;
+    post(kInterfaceNews, event, id);
+    if (!m_rounding) scan(false);
+}
+
+void SystemModule::onControl(const std::string& event, const std::string& id) {
+    const Lock lock(m_mutex);
+    const bool known = std::find(m_found.begin(), m_found.end(), id) != m_found.end();
+    if (m_alive && m_automatic && known) post(kCameraNews, event, id);
+}
+
 void SystemModule::raise(const std::string& event, const std::string& ident) {
     const Lock lock(m_mutex);
-    post(event, ident);
+    post(kCameraNews, event, ident);
 }
 
 Result SystemModule::remove(const std::string& feature) {
@@ -117,25 +130,25 @@ void SystemModule::scan(bool announceAll) {
         return std::find(ids.begin(), ids.end(), id) != ids.end();
     };
     for (const std::string& id : m_found) {
-        if (!contains(plugged, id)) post("Missing", id);
+        if (!contains(plugged, id)) post(kCameraNews, "Missing", id);
     }
     std::erase_if(m_found, [&](const std::string& id) { return !contains(plugged, id); });
     for (const std::string& id : plugged) {
         const bool known = contains(m_found, id);
         if (!known) m_found.push_back(id);
-        if (!known || announceAll) post("Detected", id);
+        if (!known || announceAll) post(kCameraNews, "Detected", id);
     }
 }
 
-void SystemModule::post(const std::string& event, const std::string& ident) {
-    events().post({{"DiscoveryCameraIdent", "DiscoveryCameraEvent"}, [this, event, ident] {
+void SystemModule::post(const News& news, const std::string& event, const std::string& ident) {
+    events().post({{news.ident, news.event}, [this, news, event, ident] {
                        const Lock lock(m_mutex);
-                       m_features.assign("DiscoveryCameraIdent", ident);
-                       const Feature& feature = m_features.at("DiscoveryCameraEvent");
+                       m_features.assign(news.ident, ident);
                        FeatureValue value = event;
                        // A text that is no entry is kept as it is.
-                       if (FeatureTable::accept(feature, value) != Result::Success) value = event;
-                       m_features.assign("DiscoveryCameraEvent", value);
+                       if (m_features.accept(m_features.at(news.event), value) != Result::Success)
+                           value = event;
+                       m_features.assign(news.event, value);
                    }});
 }
 

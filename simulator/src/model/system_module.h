@@ -31,6 +31,10 @@ class SystemModule : public FeatureModule {
     std::vector<std::string> found();
     /// A camera came or went.
     void onCabling();
+    /// An interface came or went, and its cameras with it.
+    void onInterface(const std::string& event, const std::string& id);
+    /// Another program took a camera or gave it back.
+    void onControl(const std::string& event, const std::string& id);
     void raise(const std::string& event, const std::string& ident);
     Result force(const std::string& feature, const std::string& text);
     Result remove(const std::string& feature);
@@ -40,12 +44,21 @@ class SystemModule : public FeatureModule {
     FeatureTable& features() override { return m_features; }
     void refresh(const Feature& feature) override;
     Result execute(Lock& lock, const char* command) override;
+    const char* absentText() const override { return nullptr; }
 
   private:
     /// Compares what is found with what is plugged in and raises an event for each difference, or also for
     /// every camera that stays.
     void scan(bool announceAll);
-    void post(const std::string& event, const std::string& ident);
+    /// Names of the features that tell of one kind of device.
+    struct News {
+        const char* ident;
+        const char* event;
+    };
+    static constexpr News kCameraNews{"DiscoveryCameraIdent", "DiscoveryCameraEvent"};
+    static constexpr News kInterfaceNews{"DiscoveryInterfaceIdent", "DiscoveryInterfaceEvent"};
+
+    void post(const News& news, const std::string& event, const std::string& ident);
     void beginAutomatic();
     void discoverOnce(Lock& lock);
     Nanoseconds roundLength() const;

@@ -5,14 +5,14 @@ using namespace simulator;
 
 namespace {
 
-VmbCameraInfo_t cameraInfo(const CameraRow* row) {
+VmbCameraInfo_t cameraInfo(const CameraListing& camera) {
     VmbCameraInfo_t info{};
-    info.cameraIdString = row->id;
-    info.cameraName = row->model;
-    info.modelName = row->model;
-    info.serialString = row->serial;
-    info.permittedAccess = VmbAccessModeFull | VmbAccessModeRead;
-    info.interfaceIdString = row->interfaceId;
+    info.cameraIdString = camera.row->id;
+    info.cameraName = camera.name;
+    info.modelName = camera.row->model;
+    info.serialString = camera.row->serial;
+    info.permittedAccess = camera.mayControl ? VmbAccessModeFull | VmbAccessModeRead : VmbAccessModeRead;
+    info.interfaceIdString = camera.row->interfaceId;
     return info;
 }
 
@@ -32,6 +32,18 @@ VmbError_t VmbCamerasList(VmbCameraInfo_t* array, VmbUint32_t length, VmbUint32_
         const Given given{found != nullptr, array == nullptr || sizeofInfo == sizeof *array};
         return withLibrary(given, [&](Simulation& all) {
             return fillList(all.foundCameras(), array, length, found, cameraInfo);
+        });
+    });
+}
+
+VmbError_t VmbCameraInfoQuery(const char* id, VmbCameraInfo_t* info, VmbUint32_t sizeofInfo) {
+    return vendorCall("VmbCameraInfoQuery", {id, sizeofInfo}, {}, [&] {
+        const Given given{id != nullptr && info != nullptr, sizeofInfo == sizeof *info};
+        return withLibrary(given, [&](Simulation& all) {
+            CameraListing camera;
+            const Result described = all.describe(id, camera);
+            if (described == Result::Success) *info = cameraInfo(camera);
+            return described;
         });
     });
 }

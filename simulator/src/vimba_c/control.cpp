@@ -64,6 +64,20 @@ VmbError_t VmbSimPlugCamera(const char* cameraId) {
     return withTexts(cameraId != nullptr, [=](Simulation& all) { return all.plug(cameraId, true); });
 }
 
+VmbError_t VmbSimUnplugInterface(const char* interfaceId) {
+    return withTexts(interfaceId != nullptr,
+                     [=](Simulation& all) { return all.plugInterface(interfaceId, false); });
+}
+
+VmbError_t VmbSimPlugInterface(const char* interfaceId) {
+    return withTexts(interfaceId != nullptr,
+                     [=](Simulation& all) { return all.plugInterface(interfaceId, true); });
+}
+
+VmbError_t VmbSimTakeControl(const char* cameraId, VmbBool_t taken) {
+    return withTexts(cameraId != nullptr, [=](Simulation& all) { return all.takeControl(cameraId, taken); });
+}
+
 VmbError_t VmbSimRaiseDiscoveryEvent(const char* event, const char* ident) {
     return withTexts(event != nullptr && ident != nullptr,
                      [=](Simulation& all) { return all.raiseDiscovery(event, ident); });

@@ -1,4 +1,5 @@
 // Values of features, by type.
+#include <algorithm>
 #include <cstring>
 
 #include "vendor_call.h"
@@ -29,6 +30,25 @@ Result copyText(const std::string& text, char* buffer, VmbUint32_t size, VmbUint
     if (size < needed) return Result::MoreData;
     std::memcpy(buffer, text.c_str(), needed);
     return Result::Success;
+}
+
+Result copyBytes(const std::string& bytes, char* buffer, VmbUint32_t size, VmbUint32_t* filled) {
+    const auto needed = static_cast<VmbUint32_t>(bytes.size());
+    if (filled != nullptr) *filled = needed;
+    if (buffer == nullptr) return Result::Success;
+    if (size < needed) return Result::MoreData;
+    std::copy_n(bytes.data(), needed, buffer);
+    return Result::Success;
+}
+
+/// `use(text)` gets the value of a text or raw feature.
+template <typename Use>
+VmbError_t withBytes(VmbHandle_t handle, const char* name, FeatureType type, bool given, Use&& use) {
+    return withModule(handle, {name != nullptr && given}, [&](FeatureModule& module) {
+        FeatureValue value;
+        const Result read = module.read(name, type, value);
+        return read == Result::Success ? use(std::get<std::string>(value)) : read;
+    });
 }
 
 }  // namespace
@@ -91,6 +111,20 @@ VmbError_t VmbFeatureFloatRangeQuery(const VmbHandle_t handle, const char* name,
     });
 }
 
+VmbError_t VmbFeatureFloatIncrementQuery(const VmbHandle_t handle, const char* name, VmbBool_t* hasIncrement,
+                                         double* increment) {
+    return vendorCall("VmbFeatureFloatIncrementQuery", {handle, name}, {hasIncrement, increment}, [&] {
+        const bool given = name != nullptr && (hasIncrement != nullptr || increment != nullptr);
+        return withModule(handle, {given}, [&](FeatureModule& module) {
+            double step = 0;
+            const Result known = module.floatIncrement(name, step);
+            if (known == Result::Success && hasIncrement != nullptr) *hasIncrement = step > 0;
+            if (known == Result::Success && increment != nullptr) *increment = step;
+            return known;
+        });
+    });
+}
+
 VmbError_t VmbFeatureEnumGet(const VmbHandle_t handle, const char* name, const char** value) {
     return vendorCall("VmbFeatureEnumGet", {handle, name}, {value}, [&] {
         return withModule(handle, {name != nullptr && value != nullptr},
@@ -106,30 +140,53 @@ VmbError_t VmbFeatureEnumSet(const VmbHandle_t handle, const char* name, const c
     });
 }
 
-VmbError_t VmbFeatureEnumRangeQuery(const VmbHandle_t handle, const char* name, const char** array,
-                                    VmbUint32_t length, VmbUint32_t* filled) {
-    return vendorCall("VmbFeatureEnumRangeQuery", {handle, name, length}, {filled}, [&] {
-        const bool given = name != nullptr && (array != nullptr || filled != nullptr);
-        return withModule(handle, {given}, [&](FeatureModule& module) {
-            std::vector<EnumEntry> entries;
-            const Result known = module.entries(name, entries);
-            if (known != Result::Success) return known;
-            return fillList(entries, array, length, filled,
-                            [](const EnumEntry& entry) { return entry.name; });
-        });
-    });
-}
-
 VmbError_t VmbFeatureStringGet(const VmbHandle_t handle, const char* name, char* buffer, VmbUint32_t size,
                                VmbUint32_t* filled) {
     const auto outputs = [&] { return buffer != nullptr ? Output(buffer) : Output(filled); };
     return vendorCall("VmbFeatureStringGet", {handle, name, size}, {outputs()}, [&] {
-        const bool given = name != nullptr && (buffer != nullptr || filled != nullptr);
-        return withModule(handle, {given}, [&](FeatureModule& module) {
-            FeatureValue value;
-            const Result read = module.read(name, FeatureType::String, value);
-            if (read != Result::Success) return read;
-            return copyText(std::get<std::string>(value), buffer, size, filled);
+        return withBytes(handle, name, FeatureType::String, buffer != nullptr || filled != nullptr,
+                         [=](const std::string& text) { return copyText(text, buffer, size, filled); });
+    });
+}
+
+VmbError_t VmbFeatureStringSet(const VmbHandle_t handle, const char* name, const char* value) {
+    return vendorCall("VmbFeatureStringSet", {handle, name, value}, {}, [&] {
+        return withModule(handle, {name != nullptr && value != nullptr}, [&](FeatureModule& module) {
+            return module.write(name, FeatureType::String, std::string(value));
+        });
+    });
+}
+
+VmbError_t VmbFeatureStringMaxlengthQuery(const VmbHandle_t handle, const char* name,
+                                          VmbUint32_t* maxLength) {
+    return vendorCall("VmbFeatureStringMaxlengthQuery", {handle, name}, {maxLength}, [&] {
+        return withModule(handle, {name != nullptr && maxLength != nullptr},
+                          [&](FeatureModule& module) { return module.maxLength(name, *maxLength); });
+    });
+}
+
+VmbError_t VmbFeatureRawGet(const VmbHandle_t handle, const char* name, char* buffer, VmbUint32_t size,
+                            VmbUint32_t* filled) {
+    return vendorCall("VmbFeatureRawGet", {handle, name, size}, {filled}, [&] {
+        return withBytes(handle, name, FeatureType::Raw, buffer != nullptr || filled != nullptr,
+                         [=](const std::string& bytes) { return copyBytes(bytes, buffer, size, filled); });
+    });
+}
+
+VmbError_t VmbFeatureRawSet(const VmbHandle_t handle, const char* name, const char* buffer,
+                            VmbUint32_t size) {
+    return vendorCall("VmbFeatureRawSet", {handle, name, size}, {}, [&] {
+        return withModule(handle, {name != nullptr && buffer != nullptr}, [&](FeatureModule& module) {
+            return module.write(name, FeatureType::Raw, std::string(buffer, size));
+        });
+    });
+}
+
+VmbError_t VmbFeatureRawLengthQuery(const VmbHandle_t handle, const char* name, VmbUint32_t* length) {
+    return vendorCall("VmbFeatureRawLengthQuery", {handle, name}, {length}, [&] {
+        return withBytes(handle, name, FeatureType::Raw, length != nullptr, [=](const std::string& bytes) {
+            *length = static_cast<VmbUint32_t>(bytes.size());
+            return Result::Success;
         });
     });
 }

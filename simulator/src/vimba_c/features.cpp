@@ -1,39 +1,24 @@
 // What features there are, commands, and notice of changes.
+#include "feature_records.h"
 #include "vendor_call.h"
 
 using namespace simulator;
 
 namespace {
 
-// "GevTimestampValue" reads "Gev Timestamp Value".
-const char* displayName(const char* name) {
-    std::string spaced;
-    for (const char* c = name; *c != '\0'; ++c) {
-        const bool begins = *c >= 'A' && *c <= 'Z' && c != name && (c[-1] < 'A' || c[-1] > 'Z');
-        if (begins) spaced += ' ';
-        spaced += *c;
-    }
-    return keptText(spaced);
-}
+using Listing = Result (FeatureModule::*)(const char*, std::vector<FeatureFacts>&);
 
-VmbFeatureInfo_t featureInfo(const FeatureFacts& facts) {
-    const FeatureRow& row = *facts.row;
-    VmbFeatureInfo_t info{};
-    info.name = row.name;
-    info.featureDataType = static_cast<VmbFeatureData_t>(row.type);
-    info.featureFlags = row.flags;
-    info.category = row.category;
-    info.displayName = displayName(row.name);
-    info.unit = row.unit;
-    info.representation = "";
-    info.visibility = VmbFeatureVisibilityBeginner;
-    info.tooltip = "";
-    info.description = row.description;
-    info.sfncNamespace = "Custom";
-    info.isStreamable = (row.flags & VmbFeatureFlagsWrite) != 0 && row.type != FeatureType::Command;
-    info.hasAffectedFeatures = !row.affects.empty();
-    info.hasSelectedFeatures = facts.selects;
-    return info;
+/// The features that depend on another one in some way.
+VmbError_t listRelated(VmbHandle_t handle, const char* name, Listing listing, VmbFeatureInfo_t* array,
+                       VmbUint32_t length, VmbUint32_t* found, VmbUint32_t sizeofInfo) {
+    const Given given{name != nullptr && (array != nullptr || found != nullptr),
+                      array == nullptr || sizeofInfo == sizeof *array};
+    return withModule(handle, given, [&](FeatureModule& module) {
+        std::vector<FeatureFacts> features;
+        const Result listed = (module.*listing)(name, features);
+        if (listed != Result::Success) return listed;
+        return fillList(features, array, length, found, featureInfo);
+    });
 }
 
 }  // namespace
@@ -62,6 +47,20 @@ VmbError_t VmbFeatureInfoQuery(const VmbHandle_t handle, const char* name, VmbFe
             if (described == Result::Success) *info = featureInfo(facts);
             return described;
         });
+    });
+}
+
+VmbError_t VmbFeatureListAffected(const VmbHandle_t handle, const char* name, VmbFeatureInfo_t* array,
+                                  VmbUint32_t length, VmbUint32_t* found, VmbUint32_t sizeofInfo) {
+    return vendorCall("VmbFeatureListAffected", {handle, name, length, sizeofInfo}, {found}, [&] {
+        return listRelated(handle, name, &FeatureModule::listAffected, array, length, found, sizeofInfo);
+    });
+}
+
+VmbError_t VmbFeatureListSelected(const VmbHandle_t handle, const char* name, VmbFeatureInfo_t* array,
+                                  VmbUint32_t length, VmbUint32_t* found, VmbUint32_t sizeofInfo) {
+    return vendorCall("VmbFeatureListSelected", {handle, name, length, sizeofInfo}, {found}, [&] {
+        return listRelated(handle, name, &FeatureModule::listSelected, array, length, found, sizeofInfo);
     });
 }
 

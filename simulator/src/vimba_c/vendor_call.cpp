@@ -25,8 +25,7 @@ std::string handleName(VmbHandle_t handle) {
 }
 
 std::string frameName(VmbHandle_t camera, const void* frame) {
-    const auto session = simulation().session(camera);
-    const std::uint32_t number = session != nullptr ? session->frameNumber(frame) : 0;
+    const std::uint32_t number = simulation().frameNumber(camera, frame);
     return number != 0 ? "frame " + std::to_string(number) : "unknown frame";
 }
 
