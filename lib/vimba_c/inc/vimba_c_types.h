@@ -30,7 +30,7 @@ typedef void* VmbHandle_t;
 #define gVimbaHandle ((VmbHandle_t)1)
 
 /// Time-out in milliseconds that never runs out.
-#define VMBINFINITE ((VmbUint32_t)0xFFFFFFFFu)
+#define VMBINFINITE 0xFFFFFFFFu
 
 /// 0 is success, errors are negative.
 typedef VmbInt32_t VmbError_t;

@@ -20,7 +20,7 @@ std::vector<FeatureRow> rows(const ChunkData& data) {
 
 }  // namespace
 
-AncillaryModule::AncillaryModule(SimulatorClock& clock, const ChunkData& data)
-    : FeatureModule(clock, ThreadRole::Event, false), m_features(rows(data)) {}
+AncillaryModule::AncillaryModule(const LibraryContext& library, const ChunkData& data)
+    : FeatureModule(library, ThreadRole::Event, false), m_features(rows(data)) {}
 
 }  // namespace simulator

@@ -10,7 +10,7 @@ namespace simulator {
 
 class AncillaryModule : public FeatureModule {
   public:
-    AncillaryModule(SimulatorClock& clock, const ChunkData& data);
+    AncillaryModule(const LibraryContext& library, const ChunkData& data);
 
     const char* name() const override { return "ancillary data"; }
     bool isAlive() const override { return true; }

@@ -7,10 +7,6 @@ namespace simulator {
 namespace {
 
 constexpr std::int64_t kLargestPassingPacket = 8999;
-constexpr int kExposuresToSettle = 3;
-constexpr const char* kAutoFunctions[] = {"ExposureAuto", "GainAuto", "BalanceWhiteAuto"};
-constexpr std::int64_t kAutoOff = 1;
-constexpr std::int64_t kAutoOnce = 3;
 
 std::int64_t onGrid(std::int64_t value, const IntRange& range) {
     return value < range.min ? range.min : value - (value - range.min) % range.increment;
@@ -18,8 +14,15 @@ std::int64_t onGrid(std::int64_t value, const IntRange& range) {
 
 }  // namespace
 
-Camera::Camera(const CameraRow& row, Nanoseconds powerUp)
-    : m_row(row), m_features(cameraFeatureRows(row)), m_memory(row), m_clock(powerUp, row.clockPpb) {
+Camera::Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp)
+    : m_row(row), m_features(cameraFeatureRows(row)), m_memory(row), m_clock(powerUp, oscillator) {
+    replaceClock(oscillator, powerUp);
+}
+
+void Camera::replaceClock(const OscillatorRow& oscillator, Nanoseconds now) {
+    m_clock = CameraClock(now, oscillator);
+    m_features.compute("GevTimestampTickFrequency", oscillator.tickFrequency);
+    m_lastTicks = 0;
     settle();
 }
 
@@ -38,6 +41,8 @@ void Camera::settle() {
     m_features.compute("PayloadSize", static_cast<std::int64_t>(picture.payload()));
     settleRanges();
     settleTiming(picture);
+    settleTrigger();
+    settleEvents();
 }
 
 PictureShape Camera::shape() const {
@@ -76,23 +81,38 @@ void Camera::settleTiming(const PictureShape& picture) {
 
     const double rate = std::clamp(m_features.number("AcquisitionFrameRateAbs"), 1e-3, 1e6);
     m_sensor.shape = picture;
-    m_sensor.trigger = trigger();
     m_sensor.exposure = std::llround(exposureUs * 1e3);
     m_sensor.readout = readoutTime(m_row.sensor, picture.height);
     m_sensor.transfer = transferTime(picture.payload(), bytesPerSecond);
-    m_sensor.period = m_clock.trueSpan(std::llround(1e9 / rate));
-    m_sensor.shortestPeriod = m_clock.trueSpan(std::llround(1e9 / limit));
+    m_sensor.period = std::llround(1e9 / rate);
+    m_sensor.shortestPeriod = std::llround(1e9 / limit);
     m_sensor.frameLimit = frameLimit();
 }
 
-TriggerKind Camera::trigger() const {
-    const Feature& source = m_features.at("TriggerSource");
-    if (m_features.integer("TriggerMode", "FrameStart") == 0) return TriggerKind::FixedRate;
-    const std::int64_t number = m_features.integer("TriggerSource", "FrameStart");
-    const std::string_view name = entryName(source, number);
-    if (name == "Freerun") return TriggerKind::Freerun;
-    if (name == "FixedRate") return TriggerKind::FixedRate;
-    return name == "Software" ? TriggerKind::Software : TriggerKind::External;
+void Camera::settleTrigger() {
+    const auto entry = [this](const char* feature) {
+        return std::string_view(
+            entryName(m_features.at(feature), FeatureValue(m_features.integer(feature, "FrameStart"))));
+    };
+    const std::string_view source = entry("TriggerSource");
+    const bool paced = entry("TriggerMode") == "Off" || source == "FixedRate";
+    m_sensor.trigger = paced                  ? TriggerKind::FixedRate
+                       : source == "Freerun"  ? TriggerKind::Freerun
+                       : source == "Software" ? TriggerKind::Software
+                                              : TriggerKind::External;
+    m_sensor.isLine1 = source == "Line1";
+    m_sensor.activation = static_cast<Activation>(m_features.integer("TriggerActivation", "FrameStart"));
+    m_sensor.triggerDelay = std::llround(m_features.number("TriggerDelayAbs", "FrameStart") * 1e3);
+    m_sensor.latchesTrigger = entry("TriggerOverlap") == "PreviousFrame";
+    m_sensor.holdsStream = m_features.has("StreamHoldEnable") && m_features.integer("StreamHoldEnable") == 1;
+}
+
+void Camera::settleEvents() {
+    m_notified = 0;
+    for (std::size_t i = 0; i < kCameraEventNames.size(); ++i) {
+        const bool on = m_features.integer("EventNotification", kCameraEventNames[i]) == 1;
+        m_notified |= static_cast<std::uint32_t>(on) << i;
+    }
 }
 
 std::int64_t Camera::frameLimit() const {
@@ -115,14 +135,10 @@ void Camera::adjustPacketSize() {
     m_features.compute("GevSCPSPacketSize", kLargestPassingPacket);
 }
 
-void Camera::noteExposure() {
-    bool waiting = false;
-    for (const char* name : kAutoFunctions) {
-        if (!m_features.has(name) || m_features.integer(name) != kAutoOnce) continue;
-        waiting = true;
-        if (m_exposuresInOnce + 1 >= kExposuresToSettle) m_features.compute(name, kAutoOff);
-    }
-    m_exposuresInOnce = waiting ? (m_exposuresInOnce + 1) % kExposuresToSettle : 0;
+unsigned Camera::noteExposure() {
+    const unsigned changes = m_autoFunctions.evaluate(m_features, m_scene);
+    if (changes != 0) settle();
+    return changes;
 }
 
 void Camera::resetStatistics() {
@@ -139,7 +155,7 @@ void Camera::count(const char* statistic) {
 
 void Camera::noteStamp(std::uint64_t ticks) {
     if (m_lastTicks != 0 && ticks > m_lastTicks) {
-        m_features.compute("StatFrameRate", static_cast<double>(CameraClock::kTickFrequency) /
+        m_features.compute("StatFrameRate", static_cast<double>(m_clock.tickFrequency()) /
                                                 static_cast<double>(ticks - m_lastTicks));
     }
     m_lastTicks = ticks;

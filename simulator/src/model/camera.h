@@ -5,7 +5,9 @@
 #include <mutex>
 #include <string>
 
+#include "auto_functions.h"
 #include "camera_clock.h"
+#include "camera_event.h"
 #include "camera_memory.h"
 #include "camera_row.h"
 #include "clock.h"
@@ -17,7 +19,7 @@ namespace simulator {
 /// Everything but `row` and `mutex` is covered by the mutex.
 class Camera {
   public:
-    Camera(const CameraRow& row, Nanoseconds powerUp);
+    Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp);
 
     const CameraRow& row() const { return m_row; }
     std::mutex& mutex() { return m_mutex; }
@@ -37,12 +39,18 @@ class Camera {
     bool isAcquiring() const { return m_acquiring; }
     void setAcquiring(bool acquiring) { m_acquiring = acquiring; }
 
+    bool notifies(CameraEvent event) const { return (m_notified >> static_cast<unsigned>(event) & 1) != 0; }
+
     void resetClock(Nanoseconds now) { m_clock.reset(now); }
+    /// The camera's clock becomes another one, which starts now.
+    void replaceClock(const OscillatorRow& oscillator, Nanoseconds now);
+    void seedClock(std::uint64_t seed) { m_clock.setSeed(seed); }
     void latchClock(Nanoseconds now);
     void adjustPacketSize();
 
-    /// An automatic function in mode Once has settled after some exposures.
-    void noteExposure();
+    void setScene(const Scene& scene) { m_scene = scene; }
+    /// Lets the automatic functions work. Bits of AutomaticChange.
+    unsigned noteExposure();
     /// The statistics of a new acquisition.
     void resetStatistics();
     void count(const char* statistic);
@@ -52,7 +60,8 @@ class Camera {
     PictureShape shape() const;
     void settleRanges();
     void settleTiming(const PictureShape& shape);
-    TriggerKind trigger() const;
+    void settleTrigger();
+    void settleEvents();
     std::int64_t frameLimit() const;
 
     const CameraRow& m_row;
@@ -62,7 +71,9 @@ class Camera {
     CameraClock m_clock;
     SensorSettings m_sensor;
     bool m_acquiring = false;
-    int m_exposuresInOnce = 0;
+    AutoFunctions m_autoFunctions;
+    Scene m_scene;
+    std::uint32_t m_notified = 0;  // a bit per CameraEvent
     std::uint64_t m_lastTicks = 0;
 };
 

@@ -7,40 +7,44 @@
 
 namespace simulator {
 
+struct OscillatorRow {
+    std::int64_t tickFrequency = kSecond;  ///< Hz, 1 to 10^9
+    std::uint64_t startTicks = 0;          ///< at power-up
+    std::int64_t errorPpb = 0;             ///< how much too fast it is, within 10^6
+    /// The error swings slowly between plus and minus this much, as with the temperature of a room.
+    std::int64_t driftPpb = 0;
+    Nanoseconds driftPeriod = 3600 * kSecond;
+    Nanoseconds stampJitter = 0;  ///< stamps are off by up to this much, either way
+    std::uint64_t seed = 0;       ///< of the jitter
+};
+
+/// Not synchronised.
 class CameraClock {
   public:
-    static constexpr std::int64_t kTickFrequency = 1'000'000'000;
-
-    /// Starts at zero at true time `powerUp`; the oscillator is `ppb` parts in 10^9 too fast.
-    CameraClock(Nanoseconds powerUp, std::int64_t ppb) : m_powerUp(powerUp), m_ppb(ppb) {}
+    CameraClock(Nanoseconds powerUp, const OscillatorRow& oscillator);
 
     /// Makes the counter zero at true time `now`.
-    void reset(Nanoseconds now) { m_zero = ownTime(now); }
+    void reset(Nanoseconds now);
 
-    std::uint64_t ticks(Nanoseconds now) const {
-        const std::int64_t ticks = ownTime(now) - m_zero;
-        return ticks > 0 ? static_cast<std::uint64_t>(ticks) : 0;
-    }
+    /// The counter at a true time.
+    std::uint64_t ticks(Nanoseconds now) const { return ticksOf(ownTime(now)); }
+    /// The stamp of what happened then; `position` picks its error.
+    std::uint64_t stamp(Nanoseconds at, std::uint64_t position) const;
 
-    /// True length of a span that this clock measures as `own` nanoseconds.
-    Nanoseconds trueSpan(Nanoseconds own) const {
-        // Second order is below a nanosecond for every span and error that occurs here.
-        return own - scaled(own) + scaled(scaled(own));
-    }
+    /// Nanoseconds that the oscillator has counted since power-up, at a true time, and back.
+    Nanoseconds ownTime(Nanoseconds now) const;
+    Nanoseconds trueTime(Nanoseconds own) const;
+
+    void setSeed(std::uint64_t seed) { m_oscillator.seed = seed; }
+    std::int64_t tickFrequency() const { return m_oscillator.tickFrequency; }
 
   private:
-    std::int64_t ownTime(Nanoseconds now) const {
-        const Nanoseconds span = now - m_powerUp;
-        return span + scaled(span);
-    }
-    // Split, since the plain product leaves 64 bits after some days.
-    std::int64_t scaled(Nanoseconds span) const {
-        return span / kSecond * m_ppb + span % kSecond * m_ppb / kSecond;
-    }
+    std::uint64_t ticksOf(Nanoseconds own) const;
 
     Nanoseconds m_powerUp;
-    std::int64_t m_ppb;
-    std::int64_t m_zero = 0;
+    OscillatorRow m_oscillator;
+    Nanoseconds m_zero = 0;  // own time of the last reset
+    std::uint64_t m_ticksAtZero;
 };
 
 }  // namespace simulator

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "camera_clock.h"
 #include "feature_row.h"
 
 namespace simulator {
@@ -46,11 +47,10 @@ struct CameraRow {
     SensorRow sensor;
     std::vector<EnumEntry> pixelFormats;  ///< numbers carry bits per pixel in bits 16 to 23
     std::int64_t powerUpFormat;
-    double powerUpRate;                          ///< Hz
-    double hottestGain;                          ///< dB
-    std::int64_t memoryFrames;                   ///< frames of full size that the camera's memory holds
-    std::int64_t clockPpb;                       ///< how much too fast the oscillator is
-    std::int64_t tickFrequency = 1'000'000'000;  ///< Hz
+    double powerUpRate;         ///< Hz
+    double hottestGain;         ///< dB
+    std::int64_t memoryFrames;  ///< frames of full size that the camera's memory holds
+    OscillatorRow oscillator;
 
     /// 48 bits, first octet highest.
     std::uint64_t macAddress() const { return std::strtoull(id + 4, nullptr, 16); }

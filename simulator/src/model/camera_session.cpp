@@ -5,15 +5,13 @@
 
 namespace simulator {
 
-CameraSession::CameraSession(SimulatorClock& clock, std::shared_ptr<Camera> camera,
-                             std::shared_ptr<FrameFaults> faults, FrameOutlet& outlet, bool writable)
-    : FeatureModule(clock, ThreadRole::Event, writable),
-      m_clock(clock),
+CameraSession::CameraSession(const Surroundings& surroundings, std::shared_ptr<Camera> camera, bool writable)
+    : FeatureModule(surroundings, ThreadRole::Event, writable),
+      m_surroundings(surroundings),
+      m_clock(surroundings.clock),
       m_camera(std::move(camera)),
-      m_faults(std::move(faults)),
-      m_outlet(outlet),
       m_mayCapture(writable),
-      m_engine(clock, *m_camera, *m_faults, outlet, *this) {}
+      m_engine(surroundings, *m_camera, *this) {}
 
 CameraSession::~CameraSession() {
     close();
@@ -44,24 +42,38 @@ void CameraSession::close() {
 
 Result CameraSession::announce(FrameMemory& memory) {
     const Lock lock(mutex());
-    return isAlive() ? m_engine.queue().announce(memory) : Result::BadHandle;
+    if (!isAlive()) return Result::BadHandle;
+    if (m_engine.queue().announced(memory.record) != nullptr) {
+        m_surroundings.misuses.add("the frame was announced already");
+    }
+    return m_engine.queue().announce(memory);
+}
+
+void CameraSession::checkMemory(const AnnouncedFrame& frame) {
+    if (frame.owned == nullptr && !isAccessible(frame.memory)) m_surroundings.misuses.add(kBufferGone);
 }
 
 Result CameraSession::revoke(const void* record) {
     Lock lock(mutex());
     AnnouncedFrame frame;
+    if (m_engine.queue().isQueued(record)) m_surroundings.misuses.add("the frame was still queued");
     const Result revoked = m_engine.queue().revoke(record, frame);
-    if (revoked == Result::Success) m_engine.withdraw(lock, record);
-    if (frame.owned != nullptr) m_outlet.takeBack(frame.memory.record);
+    if (revoked == Result::Success) {
+        checkMemory(frame);
+        m_engine.withdraw(lock, record);
+    }
+    if (frame.owned != nullptr) m_surroundings.outlet.takeBack(frame.memory.record);
     return isAlive() ? revoked : Result::BadHandle;
 }
 
 Result CameraSession::revokeAll() {
     Lock lock(mutex());
+    if (m_engine.queue().queuedCount() > 0) m_surroundings.misuses.add("frames were still queued");
     const std::vector<AnnouncedFrame> frames = m_engine.queue().revokeAll();
+    for (const AnnouncedFrame& frame : frames) checkMemory(frame);
     m_engine.withdraw(lock, nullptr);
     for (const AnnouncedFrame& frame : frames) {
-        if (frame.owned != nullptr) m_outlet.takeBack(frame.memory.record);
+        if (frame.owned != nullptr) m_surroundings.outlet.takeBack(frame.memory.record);
     }
     return outcome();
 }
@@ -86,9 +98,15 @@ Result CameraSession::queue(const FrameMemory& memory, OpaqueCallback callback) 
     return m_engine.enqueue({announced != nullptr ? *announced : memory, callback, m_clock.now()});
 }
 
+Result CameraSession::waitForFrame(const void* record, Nanoseconds deadline) {
+    Lock lock(mutex());
+    if (!isAlive()) return Result::BadHandle;
+    return m_engine.waitForFrame(lock, record, deadline);
+}
+
 Result CameraSession::flush() {
     Lock lock(mutex());
-    m_engine.queue().flush();
+    m_engine.flush();
     if (!isAlive()) m_engine.waitUntilQuiet(lock);
     return outcome();
 }
@@ -117,6 +135,11 @@ void CameraSession::hold(bool hold) {
 void CameraSession::settle() {
     const Lock lock(mutex());
     m_engine.settle();
+}
+
+void CameraSession::onLine() {
+    const Lock lock(mutex());
+    m_engine.wake();
 }
 
 Result CameraSession::waitForFrames(std::uint64_t count, Nanoseconds deadline) {
@@ -158,30 +181,35 @@ Result CameraSession::execute(Lock&, const char* command) {
     return Result::Success;
 }
 
-bool CameraSession::isNotified(const char* event) const {
-    return m_camera->features().integer("EventNotification", event) == 1;
+void CameraSession::onEvent(CameraEvent event, std::uint64_t frameId, Nanoseconds at) {
+    const std::string feature = std::string("Event") + kCameraEventNames[static_cast<std::size_t>(event)];
+    const char* const name = keptText(feature);
+    const char* const timestamp = keptText(feature + "Timestamp");
+    const char* const frame = keptText(feature + "FrameID");
+    const auto ticks = static_cast<std::int64_t>(m_camera->clock().ticks(at));
+    const auto id = static_cast<std::int64_t>(frameId);
+    const std::uint64_t number = events().post({{timestamp, frame, name},
+                                                [=, this] {
+                                                    assign({{timestamp, ticks}, {frame, id}});
+                                                },
+                                                at > m_clock.now() ? at : 0});
+    if (event == CameraEvent::AcquisitionStart) m_startEvent = number;
 }
 
-void CameraSession::onAcquisitionStarted(std::uint64_t firstId, Nanoseconds at) {
-    m_startEvent = 0;
-    if (!isNotified("AcquisitionStart")) return;
-    const auto ticks = static_cast<std::int64_t>(m_camera->clock().ticks(at));
-    const auto id = static_cast<std::int64_t>(firstId);
-    m_startEvent = events().post(
-        {{"EventAcquisitionStartTimestamp", "EventAcquisitionStartFrameID", "EventAcquisitionStart"},
-         [=, this] {
-             assign({{"EventAcquisitionStartTimestamp", ticks}, {"EventAcquisitionStartFrameID", id}});
-         }});
-}
-
-void CameraSession::onAcquisitionEnded(std::uint64_t lastId, Nanoseconds at) {
-    if (!isNotified("AcquisitionEnd")) return;
-    const auto ticks = static_cast<std::int64_t>(m_camera->clock().ticks(at));
-    const auto id = static_cast<std::int64_t>(lastId);
-    events().post(
-        {{"EventAcquisitionEndTimestamp", "EventAcquisitionEndFrameID", "EventAcquisitionEnd"}, [=, this] {
-             assign({{"EventAcquisitionEndTimestamp", ticks}, {"EventAcquisitionEndFrameID", id}});
-         }});
+void CameraSession::onAutomaticChange(unsigned changes) {
+    static constexpr std::pair<unsigned, const char*> kFeatures[] = {
+        {kExposureMoved, "ExposureTimeAbs"},
+        {kExposureMoved, "AcquisitionFrameRateLimit"},
+        {kGainMoved, "Gain"},
+        {kBalanceMoved, "BalanceRatioAbs"},
+        {kExposureAutoEnded, "ExposureAuto"},
+        {kGainAutoEnded, "GainAuto"},
+        {kBalanceAutoEnded, "BalanceWhiteAuto"}};
+    Event event;
+    for (const auto& [bit, feature] : kFeatures) {
+        if ((changes & bit) != 0) event.features.push_back(feature);
+    }
+    events().post(std::move(event));
 }
 
 bool CameraSession::isStartAnnounced() const {

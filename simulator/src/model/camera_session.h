@@ -18,8 +18,7 @@ namespace simulator {
 
 class CameraSession : public FeatureModule, private AcquisitionListener {
   public:
-    CameraSession(SimulatorClock& clock, std::shared_ptr<Camera> camera, std::shared_ptr<FrameFaults> faults,
-                  FrameOutlet& outlet, bool writable);
+    CameraSession(const Surroundings& surroundings, std::shared_ptr<Camera> camera, bool writable);
     ~CameraSession() override;
 
     /// Starts the threads; callbacks get `handle`. Throws when the system refuses a thread.
@@ -40,6 +39,8 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     Result revokeAll();
     Result startCapture();
     Result endCapture();
+    /// Waits for a frame that was queued; see CaptureEngine::waitForFrame.
+    Result waitForFrame(const void* record, Nanoseconds deadline);
     /// BadHandle also for a record without memory that was not announced. Does not allocate.
     Result queue(const FrameMemory& memory, OpaqueCallback callback);
     Result flush();
@@ -53,6 +54,8 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     void hold(bool hold);
     /// Settings were changed from outside.
     void settle();
+    /// The signal at the line was.
+    void onLine();
     /// Timeout, or DeviceNotOpen when the session ended.
     Result waitForFrames(std::uint64_t count, Nanoseconds deadline);
     bool waitForEvents(Nanoseconds deadline);
@@ -72,16 +75,15 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     void onDelivered() override;
 
   private:
-    void onAcquisitionStarted(std::uint64_t firstId, Nanoseconds at) override;
-    void onAcquisitionEnded(std::uint64_t lastId, Nanoseconds at) override;
+    void onEvent(CameraEvent event, std::uint64_t frameId, Nanoseconds at) override;
+    void onAutomaticChange(unsigned changes) override;
     bool isStartAnnounced() const override;
-    bool isNotified(const char* event) const;
+    void checkMemory(const AnnouncedFrame& frame);
     Result outcome() const { return isAlive() ? Result::Success : Result::BadHandle; }
 
+    const Surroundings m_surroundings;
     SimulatorClock& m_clock;
     const std::shared_ptr<Camera> m_camera;
-    const std::shared_ptr<FrameFaults> m_faults;
-    FrameOutlet& m_outlet;
     const bool m_mayCapture;
     std::atomic<bool> m_alive{true};
     void* m_handle = nullptr;

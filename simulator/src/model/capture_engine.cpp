@@ -11,15 +11,27 @@ thread_local const CaptureEngine* t_ownEngine = nullptr;
 
 }  // namespace
 
-CaptureEngine::CaptureEngine(SimulatorClock& clock, Camera& camera, FrameFaults& faults, FrameOutlet& outlet,
-                             AcquisitionListener& listener)
-    : m_clock(clock),
+/// A call that waits: progress is told as long as there is one.
+class CaptureEngine::Watch {
+  public:
+    explicit Watch(CaptureEngine& engine) : m_engine(engine) { ++m_engine.m_watches; }
+    ~Watch() { --m_engine.m_watches; }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+  private:
+    CaptureEngine& m_engine;
+};
+
+CaptureEngine::CaptureEngine(const Surroundings& surroundings, Camera& camera, AcquisitionListener& listener)
+    : m_surroundings(surroundings),
+      m_clock(surroundings.clock),
       m_camera(camera),
-      m_faults(faults),
-      m_outlet(outlet),
+      m_line(*surroundings.line),
       m_listener(listener),
-      m_changed(clock),
-      m_thread(clock) {}
+      m_changed(m_clock),
+      m_progress(m_clock),
+      m_thread(m_clock) {}
 
 CaptureEngine::~CaptureEngine() {
     {
@@ -42,6 +54,7 @@ void CaptureEngine::halt() {
     giveUpTransfer(Withdrawal::PutBack);
     m_agenda.finish();
     m_changed.notify();
+    progress();
 }
 
 void CaptureEngine::quit() {
@@ -53,6 +66,10 @@ void CaptureEngine::join() {
     m_thread.join();
 }
 
+void CaptureEngine::enterOwnThread() {
+    t_ownEngine = this;
+}
+
 bool CaptureEngine::isOwnThread() const {
     return t_ownEngine == this;
 }
@@ -61,7 +78,7 @@ Result CaptureEngine::startCapture() {
     if (m_capturing) return Result::InvalidAccess;
     m_capturing = true;
     ++m_captures;
-    m_nextId = 1;
+    if (m_surroundings.choices.option(Choice::FrameIdAfterRestart) == 0) m_nextId = 1;
     m_callbacks = 0;
     return Result::Success;
 }
@@ -72,6 +89,7 @@ void CaptureEngine::endCapture(Lock& lock) {
     waitUntilQuiet(lock);
     // Behind the wait: the last callback may have queued its frame again.
     m_queue.flush();
+    progress();
 }
 
 void CaptureEngine::startAcquisition() {
@@ -85,12 +103,13 @@ void CaptureEngine::startAcquisition() {
 
 void CaptureEngine::begin(Nanoseconds now) {
     m_restart = false;
-    m_agenda.start(now);
+    if (!m_watchingLine) m_line.skipTo(now);
+    m_agenda.start(now, m_camera.sensor(), m_line.isHigh());
     m_camera.setAcquiring(true);
     m_camera.resetStatistics();
     m_linkFreeAt = now;
     m_lastSent = m_nextId - 1;
-    m_listener.onAcquisitionStarted(m_nextId, now);
+    report(CameraEvent::AcquisitionStart, m_nextId, now);
 }
 
 void CaptureEngine::stopAcquisition() {
@@ -112,18 +131,19 @@ void CaptureEngine::abortAcquisition() {
     m_inFlightCount = 0;
     giveUpTransfer(Withdrawal::PutBack);
     m_camera.setAcquiring(false);
-    m_listener.onAcquisitionEnded(m_lastSent, m_stoppedAt);
+    report(CameraEvent::AcquisitionEnd, m_lastSent, m_stoppedAt);
     m_changed.notify();
+    progress();
 }
 
 void CaptureEngine::finishIfDone() {
     if (m_agenda.state() != ExposureAgenda::State::Stopping) return;
-    if (m_transfer || m_inFlightCount > 0 || m_agenda.next(m_camera.sensor())) return;
+    if (m_transfer || m_inFlightCount > 0 || m_agenda.next(m_camera.sensor(), m_camera.clock())) return;
     m_agenda.finish();
     m_camera.setAcquiring(false);
-    m_listener.onAcquisitionEnded(m_lastSent, std::max(m_stoppedAt, m_linkFreeAt));
+    report(CameraEvent::AcquisitionEnd, m_lastSent, std::max(m_stoppedAt, m_linkFreeAt));
     if (m_restart) begin(m_clock.now());
-    m_changed.notify();
+    progress();
 }
 
 void CaptureEngine::softwareTrigger() {
@@ -137,16 +157,25 @@ void CaptureEngine::hold(bool hold) {
 }
 
 void CaptureEngine::settle() {
-    m_agenda.settle(m_clock.now());
+    m_agenda.settle(m_clock.now(), m_camera.sensor(), m_line.isHigh());
     m_changed.notify();
 }
 
 Result CaptureEngine::enqueue(const QueuedFrame& frame) {
-    if (m_transfer && m_transfer->frame.memory.record == frame.memory.record) {
-        if (m_transfer->withdrawal == Withdrawal::Drop) return Result::BadHandle;
-        if (!isCalling()) return Result::InvalidCall;
+    const bool needsCapture = m_surroundings.choices.option(Choice::QueueBeforeStart) == 1;
+    if (needsCapture && !m_capturing) return Result::InvalidCall;
+    const void* record = frame.memory.record;
+    if (isUnderWay(record) && m_transfer->withdrawal == Withdrawal::Drop) return Result::BadHandle;
+    if (m_queue.isQueued(record) || (isUnderWay(record) && !isCalling())) {
+        m_surroundings.misuses.add("the frame is queued already");
+        return Result::InvalidCall;
     }
     return m_queue.queue(frame);
+}
+
+void CaptureEngine::flush() {
+    m_queue.flush();
+    progress();
 }
 
 std::size_t CaptureEngine::queuedCount() const {
@@ -169,133 +198,75 @@ void CaptureEngine::withdraw(Lock& lock, const void* record) {
     const auto concerned = [&] {
         return m_transfer && (record == nullptr || m_transfer->frame.memory.record == record);
     };
-    if (!concerned()) return;
-    if (isCalling()) m_transfer->withdrawal = Withdrawal::Drop;
-    giveUpTransfer(Withdrawal::Drop);
-    m_changed.notify();
+    if (concerned()) {
+        if (isCalling()) m_transfer->withdrawal = Withdrawal::Drop;
+        giveUpTransfer(Withdrawal::Drop);
+        m_changed.notify();
+    }
+    progress();
+    const Watch watch(*this);
     const std::uint64_t transfer = m_transfers;
-    while (!isOwnThread() && concerned() && m_transfers == transfer) m_changed.wait(lock);
+    while (!isOwnThread() && concerned() && m_transfers == transfer) m_progress.wait(lock);
 }
 
 void CaptureEngine::waitUntilQuiet(Lock& lock) {
-    while (!isOwnThread() && m_transfer && m_transfer->stage != Stage::Ready) m_changed.wait(lock);
+    const Watch watch(*this);
+    while (!isOwnThread() && m_transfer && m_transfer->stage != Stage::Ready) m_progress.wait(lock);
+}
+
+bool CaptureEngine::isUnderWay(const void* record) const {
+    return m_transfer && m_transfer->frame.memory.record == record;
+}
+
+Result CaptureEngine::waitForFrame(Lock& lock, const void* record, Nanoseconds deadline) {
+    if (isOwnThread()) return Result::InvalidCall;
+    const auto isPending = [&] { return m_queue.isQueued(record) || isUnderWay(record); };
+    if (!isPending() && m_queue.announced(record) == nullptr) return Result::BadHandle;
+    if (!isPending() && m_queue.isFilled(record)) return Result::Success;
+    FrameWaiter waiter{record, false};
+    m_frameWaiters.push_back(&waiter);
+    Result result = Result::Timeout;
+    for (bool pended = isPending(); m_clock.now() < deadline; pended = pended || isPending()) {
+        if (m_halted) result = Result::BadHandle;
+        if (waiter.filled && !isUnderWay(record)) result = Result::Success;
+        if (result != Result::Timeout || (pended && !isPending())) break;
+        m_progress.waitUntil(lock, deadline);
+    }
+    std::erase(m_frameWaiters, &waiter);
+    return result;
 }
 
 bool CaptureEngine::waitForFrames(Lock& lock, std::uint64_t count, Nanoseconds deadline) {
     while (m_callbacks < count && !m_halted && m_clock.now() < deadline) {
-        m_changed.waitUntil(lock, deadline);
+        m_awaitedCallbacks = std::min(m_awaitedCallbacks, count);
+        m_progress.waitUntil(lock, deadline);
     }
     return m_callbacks >= count;
 }
 
 bool CaptureEngine::waitUntilStopped(Lock& lock, Nanoseconds deadline) {
+    const Watch watch(*this);
     while (m_agenda.state() == ExposureAgenda::State::Stopping && m_clock.now() < deadline) {
-        m_changed.waitUntil(lock, deadline);
+        m_progress.waitUntil(lock, deadline);
     }
     return m_agenda.state() != ExposureAgenda::State::Stopping;
 }
 
-void CaptureEngine::run() {
-    t_ownEngine = this;
-    Lock lock(m_camera.mutex());
-    while (!m_quit) {
-        finishIfDone();
-        const auto action = next();
-        if (!action) {
-            m_changed.wait(lock);
-        } else if (action->at > m_clock.now()) {
-            // What clients measure is the time of the callback; the other steps have their times computed.
-            if (action->step == Step::Deliver) {
-                m_changed.waitPrecisely(lock, action->at);
-            } else {
-                m_changed.waitUntil(lock, action->at);
-            }
-        } else {
-            step(lock, *action);
-        }
-    }
+void CaptureEngine::progress() {
+    const bool reached = m_callbacks >= m_awaitedCallbacks || m_halted;
+    if (m_watches == 0 && m_frameWaiters.empty() && !reached) return;
+    // Whoever still waits says so again.
+    m_awaitedCallbacks = kNobody;
+    m_progress.notify();
 }
 
-std::optional<CaptureEngine::Next> CaptureEngine::next() const {
-    std::optional<Next> first;
-    const auto consider = [&](Nanoseconds at, Step step) {
-        if (!first || at < first->at) first = {at, step};
-    };
-    if (m_transfer) {
-        if (m_listener.isStartAnnounced()) consider(m_transfer->exposure.dueAt, Step::Deliver);
-    } else if (m_inFlightCount > 0) {
-        consider(m_inFlight[m_firstInFlight].transferAt, Step::Transfer);
-    }
-    if (const auto start = m_agenda.next(m_camera.sensor())) consider(*start, Step::Expose);
-    return first;
+void CaptureEngine::report(CameraEvent event, std::uint64_t id, Nanoseconds at) {
+    if (m_camera.notifies(event)) m_listener.onEvent(event, clientId(id), at);
 }
 
-void CaptureEngine::step(Lock& lock, const Next& next) {
-    switch (next.step) {
-        case Step::Deliver:
-            deliver(lock);
-            break;
-        case Step::Transfer:
-            beginTransfer(lock);
-            break;
-        case Step::Expose:
-            expose(next.at);
-            break;
-    }
-}
-
-void CaptureEngine::expose(Nanoseconds start) {
-    const SensorSettings& settings = m_camera.sensor();
-    m_agenda.expose(start, settings);
-    m_camera.noteExposure();
-    const std::uint64_t id = m_nextId++;
-    const FrameFate fate = m_faults.next();
-    if (m_inFlightCount == kInFlight) return;  // The camera's memory is full: the picture is lost.
-    Exposure& exposure = m_inFlight[(m_firstInFlight + m_inFlightCount++) % kInFlight];
-    exposure.id = id;
-    exposure.capture = m_captures;
-    exposure.start = start;
-    exposure.transferAt = std::max(start + settings.exposure + settings.readout, m_linkFreeAt);
-    exposure.dueAt = exposure.transferAt + settings.transfer;
-    exposure.ticks = m_camera.clock().ticks(start);
-    exposure.shape = settings.shape;
-    exposure.fate = fate;
-    m_linkFreeAt = exposure.dueAt;
-}
-
-void CaptureEngine::beginTransfer(Lock& lock) {
-    const Exposure exposure = m_inFlight[m_firstInFlight];
-    m_firstInFlight = (m_firstInFlight + 1) % kInFlight;
-    --m_inFlightCount;
-    m_lastSent = exposure.id;
-    if (!m_capturing || exposure.capture != m_captures || exposure.fate.lost) return;
-    Transfer transfer;
-    transfer.exposure = exposure;
-    if (!m_queue.take(exposure.transferAt, transfer.frame)) {
-        m_camera.count("StatFrameUnderrun");
-        return;
-    }
-    m_transfer = transfer;
-    ++m_transfers;
-    lock.unlock();
-    draw(transfer);
-    lock.lock();
-    m_transfer->stage = Stage::Ready;
-    if (m_transfer->withdrawal != Withdrawal::None) giveUpTransfer(m_transfer->withdrawal);
-    m_changed.notify();
-}
-
-void CaptureEngine::deliver(Lock& lock) {
-    m_transfer->stage = Stage::Calling;
-    const FrameReport frame = report(*m_transfer);
-    m_camera.count(frame.status == 0 ? "StatFrameDelivered" : "StatFrameDropped");
-    m_camera.noteStamp(frame.ticks);
-    lock.unlock();
-    m_outlet.deliver(m_owner, frame);
-    lock.lock();
-    if (frame.frame.callback != nullptr) ++m_callbacks;
-    m_transfer.reset();
-    m_changed.notify();
+std::uint64_t CaptureEngine::clientId(std::uint64_t id) const {
+    const bool wraps = m_surroundings.choices.option(Choice::FrameIdWidth) == 1;
+    return wraps && id > 0 ? (id - 1) % 65'535 + 1 : id;
 }
 
 }  // namespace simulator

@@ -13,10 +13,10 @@
 
 #include "camera.h"
 #include "clock.h"
-#include "faults.h"
 #include "frame_queue.h"
 #include "library_thread.h"
 #include "sensor.h"
+#include "surroundings.h"
 #include "test_picture.h"
 
 namespace simulator {
@@ -42,11 +42,13 @@ class FrameOutlet {
     ~FrameOutlet() = default;
 };
 
-/// Learns of acquisitions. The camera's mutex is held during each call.
+/// Learns what the camera does. The camera's mutex is held during each call.
 class AcquisitionListener {
   public:
-    virtual void onAcquisitionStarted(std::uint64_t firstId, Nanoseconds at) = 0;
-    virtual void onAcquisitionEnded(std::uint64_t lastId, Nanoseconds at) = 0;
+    /// For events that the client wants; `at` may lie ahead.
+    virtual void onEvent(CameraEvent event, std::uint64_t frameId, Nanoseconds at) = 0;
+    /// Automatic functions did something; bits of AutomaticChange.
+    virtual void onAutomaticChange(unsigned changes) = 0;
     /// May frames of the acquisition that started last reach the client?
     virtual bool isStartAnnounced() const = 0;
 
@@ -59,8 +61,7 @@ class CaptureEngine {
   public:
     using Lock = std::unique_lock<std::mutex>;
 
-    CaptureEngine(SimulatorClock& clock, Camera& camera, FrameFaults& faults, FrameOutlet& outlet,
-                  AcquisitionListener& listener);
+    CaptureEngine(const Surroundings& surroundings, Camera& camera, AcquisitionListener& listener);
     ~CaptureEngine();
 
     /// Starts the thread; `owner` is what callbacks get. Throws when the system refuses a thread.
@@ -73,7 +74,7 @@ class CaptureEngine {
     void join();
     bool isOwnThread() const;
 
-    /// InvalidAccess when it runs already. Frame ids start at 1 again.
+    /// InvalidAccess when it runs already.
     Result startCapture();
     /// Empties the queue and waits for a running callback, unless it is called from it.
     void endCapture(Lock& lock);
@@ -87,8 +88,10 @@ class CaptureEngine {
     void settle();
 
     FrameQueue& queue() { return m_queue; }
+    /// Empties the queue; a frame that is being filled stays.
+    void flush();
     /// Also refuses, with InvalidCall, a frame that is being filled, and with BadHandle one that was revoked
-    /// during its callback.
+    /// during its callback or has no memory any more.
     Result enqueue(const QueuedFrame& frame);
     std::size_t queuedCount() const;
     /// For a record that was revoked (null: for all): gives up its transfer and waits until its memory is
@@ -97,12 +100,16 @@ class CaptureEngine {
     /// Waits until no callback runs, unless it is called from it.
     void waitUntilQuiet(Lock& lock);
 
+    /// Waits until the frame was filled and its callback has returned. BadHandle for a frame that is neither
+    /// announced nor queued, and when halted; InvalidCall from the callback; Timeout at `deadline`, and when
+    /// the frame left the queue unfilled.
+    Result waitForFrame(Lock& lock, const void* record, Nanoseconds deadline);
     /// Waits for that many callbacks since the start of capture; false at `deadline` or when halted.
     bool waitForFrames(Lock& lock, std::uint64_t count, Nanoseconds deadline);
     /// Waits until no stop is under way; false at `deadline`.
     bool waitUntilStopped(Lock& lock, Nanoseconds deadline);
     bool isHalted() const { return m_halted; }
-    /// Lets everyone look again who waits for something from outside.
+    /// Lets the thread look again at what comes from outside.
     void wake() { m_changed.notify(); }
 
   private:
@@ -124,18 +131,28 @@ class CaptureEngine {
         Stage stage = Stage::Drawing;
         Withdrawal withdrawal = Withdrawal::None;
     };
-    enum class Step { Deliver, Transfer, Expose };
+    enum class Step { Edge, Trigger, Deliver, Transfer, Expose };
     struct Next {
         Nanoseconds at;
         Step step;
     };
     /// As many frames as the camera's memory holds.
     static constexpr std::size_t kInFlight = 64;
+    static constexpr std::uint64_t kNobody = UINT64_MAX;
 
     void run();
+    void enterOwnThread();
     std::optional<Next> next() const;
     void step(Lock& lock, const Next& next);
     void begin(Nanoseconds now);
+    /// Edges of the line that came while nobody cared are over.
+    void watchLine();
+    void takeEdge();
+    void report(CameraEvent event, std::uint64_t id, Nanoseconds at);
+    std::uint64_t clientId(std::uint64_t id) const;
+    bool isUnderWay(const void* record) const;
+    /// Tells those who wait in a call.
+    void progress();
     void finishIfDone();
     void expose(Nanoseconds start);
     void beginTransfer(Lock& lock);
@@ -145,17 +162,30 @@ class CaptureEngine {
     bool isCalling() const { return m_transfer && m_transfer->stage == Stage::Calling; }
     FrameReport report(const Transfer& transfer) const;
 
+    /// A call that waits for a frame to be filled.
+    struct FrameWaiter {
+        const void* record;
+        bool filled;
+    };
+    class Watch;
+
+    const Surroundings m_surroundings;
     SimulatorClock& m_clock;
     Camera& m_camera;
-    FrameFaults& m_faults;
-    FrameOutlet& m_outlet;
+    LineInput& m_line;
     AcquisitionListener& m_listener;
     void* m_owner = nullptr;
-    Condition m_changed;
+    Condition m_changed;   // the thread has to look again
+    Condition m_progress;  // a call may have waited long enough
 
     FrameQueue m_queue;
     ExposureAgenda m_agenda;
     bool m_capturing = false;
+    bool m_watchingLine = false;
+    int m_watches = 0;                           // calls that wait
+    std::uint64_t m_awaitedCallbacks = kNobody;  // the lowest number that a call waits for
+    std::vector<FrameWaiter*> m_frameWaiters;
+    std::uint64_t m_exposures = 0;
     std::uint64_t m_captures = 0;
     bool m_restart = false;
     bool m_halted = false;

@@ -54,7 +54,7 @@ FrameReport CaptureEngine::report(const Transfer& transfer) const {
     FrameReport report;
     report.frame = transfer.frame;
     report.shape = exposure.shape;
-    report.id = exposure.id;
+    report.id = clientId(exposure.id);
     report.ticks = exposure.ticks;
     report.status = exposure.fate.status;
     report.imageSize = static_cast<std::uint32_t>(report.status == 0 ? payload : payload - gap(payload));

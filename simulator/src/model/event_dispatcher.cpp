@@ -53,14 +53,16 @@ bool EventDispatcher::isInvalidating(const char* feature) const {
     return isOwnThread() && m_running != nullptr && std::strcmp(m_running->feature, feature) == 0;
 }
 
-void EventDispatcher::add(const char* feature, InvalidationCallback callback, void* context) {
+bool EventDispatcher::add(const char* feature, InvalidationCallback callback, void* context) {
     const Lock lock(m_mutex);
     const auto found = find(feature, callback);
-    if (found != m_registrations.end()) {
+    const bool known = found != m_registrations.end();
+    if (known) {
         found->context = context;
     } else {
         m_registrations.push_back({keptText(feature), callback, context});
     }
+    return known;
 }
 
 Result EventDispatcher::remove(const char* feature, InvalidationCallback callback) {

@@ -39,8 +39,8 @@ class EventDispatcher {
     /// Is the caller in a callback for this feature?
     bool isInvalidating(const char* feature) const;
 
-    /// The same feature and callback again: replaces the context.
-    void add(const char* feature, InvalidationCallback callback, void* context);
+    /// The same feature and callback again: replaces the context, and is true.
+    bool add(const char* feature, InvalidationCallback callback, void* context);
     /// When it returns no call of this registration runs or will start. It does not wait on the own thread.
     /// NotFound when there is no such registration.
     Result remove(const char* feature, InvalidationCallback callback);

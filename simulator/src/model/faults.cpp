@@ -41,6 +41,30 @@ bool CallFaults::find(const char* function, const char* argument, std::int32_t& 
     return found;
 }
 
+void CableFaults::add(const std::string& function, bool anyArgument, const std::string& argument,
+                      std::int32_t nth, const std::string& cameraId, bool plugged) {
+    const std::lock_guard lock(m_mutex);
+    m_orders.push_back({cameraId, plugged});
+    m_calls.add(function, anyArgument, argument, nth, static_cast<std::int32_t>(m_orders.size()));
+}
+
+void CableFaults::clear() {
+    const std::lock_guard lock(m_mutex);
+    m_calls.clear();
+    m_orders.clear();
+}
+
+bool CableFaults::strikes(const char* function, const char* argument, std::string& cameraId, bool& plugged) {
+    std::int32_t number = 0;
+    if (!m_calls.strikes(function, argument, number)) return false;
+    const std::lock_guard lock(m_mutex);
+    if (number < 1 || static_cast<std::size_t>(number) > m_orders.size()) return false;
+    const Order& order = m_orders[static_cast<std::size_t>(number) - 1];
+    cameraId = order.cameraId;
+    plugged = order.plugged;
+    return true;
+}
+
 void FrameFaults::lose(std::uint32_t count) {
     const std::lock_guard lock(m_mutex);
     m_lost += count;

@@ -41,6 +41,26 @@ class CallFaults {
     std::vector<Fault> m_faults;
 };
 
+/// Cables that are pulled or plugged in while a call is under way. [any thread]
+class CableFaults {
+  public:
+    void add(const std::string& function, bool anyArgument, const std::string& argument, std::int32_t nth,
+             const std::string& cameraId, bool plugged);
+    void clear();
+    /// Counts a call; the camera concerned when this is the one. Costs one load when nothing is ordered.
+    bool strikes(const char* function, const char* argument, std::string& cameraId, bool& plugged);
+
+  private:
+    struct Order {
+        std::string cameraId;
+        bool plugged;
+    };
+
+    std::mutex m_mutex;
+    std::vector<Order> m_orders;  // by the codes of the faults
+    CallFaults m_calls;
+};
+
 /// What becomes of a frame on its way.
 struct FrameFate {
     bool lost = false;

@@ -101,13 +101,21 @@ Result FeatureModule::readEntry(const char* name, const char*& entry) {
     return found;
 }
 
+bool FeatureModule::mayNotSetHere(const char* name) const {
+    const std::uint32_t option = m_library.choices.option(Choice::SetInCallback);
+    if (option <= 1 && currentThreadRole() == ThreadRole::Frame) return true;
+    return option == 0 && m_events.isInvalidating(name);
+}
+
 Result FeatureModule::write(const char* name, FeatureType type, FeatureValue value) {
     const Lock lock(mutex());
     Feature* feature = nullptr;
     const Result found = find(name, type, feature);
     if (found != Result::Success) return found;
-    const bool inCallback = currentThreadRole() == ThreadRole::Frame || m_events.isInvalidating(name);
-    if (inCallback) return Result::InvalidCall;
+    if (mayNotSetHere(name)) {
+        m_library.misuses.add("a set inside a callback");
+        return Result::InvalidCall;
+    }
     if (!isWritable(*feature)) return Result::InvalidAccess;
     const Result accepted = features().accept(*feature, value);
     if (accepted != Result::Success) return accepted;
@@ -248,7 +256,8 @@ Result FeatureModule::registerInvalidation(const char* name, InvalidationCallbac
     const Lock lock(mutex());
     if (!isAlive()) return Result::BadHandle;
     if (features().find(name) == nullptr) return Result::NotFound;
-    m_events.add(name, callback, context);
+    const bool again = m_events.add(name, callback, context);
+    if (again) m_library.misuses.add("the callback was registered already");
     return Result::Success;
 }
 

@@ -12,6 +12,7 @@
 #include "event_dispatcher.h"
 #include "feature_table.h"
 #include "result.h"
+#include "surroundings.h"
 
 namespace simulator {
 
@@ -85,8 +86,10 @@ class FeatureModule {
   protected:
     using Lock = std::unique_lock<std::mutex>;
 
-    FeatureModule(SimulatorClock& clock, ThreadRole eventThread, bool writable)
-        : m_writable(writable), m_events(clock, eventThread, [this] { onDelivered(); }) {}
+    FeatureModule(const LibraryContext& library, ThreadRole eventThread, bool writable)
+        : m_library(library),
+          m_writable(writable),
+          m_events(library.clock, eventThread, [this] { onDelivered(); }) {}
 
     virtual std::mutex& mutex() = 0;
     virtual FeatureTable& features() = 0;
@@ -113,6 +116,9 @@ class FeatureModule {
     void invalidate(const Feature& feature);
     FeatureFacts facts(const Feature& feature);
 
+    bool mayNotSetHere(const char* name) const;
+
+    const LibraryContext m_library;
     const bool m_writable;
     EventDispatcher m_events;
 };

@@ -138,15 +138,25 @@ std::int64_t FeatureTable::integer(std::string_view name) const {
     return number != nullptr ? *number : 0;
 }
 
-std::int64_t FeatureTable::integer(std::string_view name, std::string_view selectorEntry) const {
+const FeatureValue* FeatureTable::valueUnder(std::string_view name, std::string_view selectorEntry) const {
     const Feature& feature = at(name);
     const auto& entries = at(feature.row.selector).row.entries;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        if (selectorEntry != entries[i].name) continue;
-        const auto* number = std::get_if<std::int64_t>(&feature.values[i]);
-        return number != nullptr ? *number : 0;
+        if (selectorEntry == entries[i].name) return &feature.values[i];
     }
-    return 0;
+    return nullptr;
+}
+
+std::int64_t FeatureTable::integer(std::string_view name, std::string_view selectorEntry) const {
+    const FeatureValue* value = valueUnder(name, selectorEntry);
+    const auto* number = value != nullptr ? std::get_if<std::int64_t>(value) : nullptr;
+    return number != nullptr ? *number : 0;
+}
+
+double FeatureTable::number(std::string_view name, std::string_view selectorEntry) const {
+    const FeatureValue* value = valueUnder(name, selectorEntry);
+    const auto* number = value != nullptr ? std::get_if<double>(value) : nullptr;
+    return number != nullptr ? *number : 0;
 }
 
 double FeatureTable::number(std::string_view name) const {
@@ -162,6 +172,12 @@ bool FeatureTable::flag(std::string_view name) const {
 void FeatureTable::compute(std::string_view name, FeatureValue value) {
     Feature& feature = at(name);
     if (!feature.forced) this->value(feature) = std::move(value);
+}
+
+void FeatureTable::compute(std::string_view name, std::string_view selectorEntry, FeatureValue value) {
+    // The table is not const here, so neither is the value.
+    auto* place = const_cast<FeatureValue*>(valueUnder(name, selectorEntry));
+    if (place != nullptr && !at(name).forced) *place = std::move(value);
 }
 
 void FeatureTable::assign(std::string_view name, FeatureValue value) {

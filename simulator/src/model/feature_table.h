@@ -41,8 +41,11 @@ class FeatureTable {
     /// Integer value under one entry of the selector, whatever is selected now.
     std::int64_t integer(std::string_view name, std::string_view selectorEntry) const;
 
+    double number(std::string_view name, std::string_view selectorEntry) const;
+
     /// For values that the model computes: has no effect on a forced feature.
     void compute(std::string_view name, FeatureValue value);
+    void compute(std::string_view name, std::string_view selectorEntry, FeatureValue value);
     /// For values that an event brings.
     void assign(std::string_view name, FeatureValue value);
 
@@ -61,6 +64,8 @@ class FeatureTable {
 
   private:
     std::size_t slot(const Feature& feature) const;
+    /// Null for an entry that the selector does not have.
+    const FeatureValue* valueUnder(std::string_view name, std::string_view selectorEntry) const;
 
     std::map<std::string, Feature, std::less<>> m_features;
 };

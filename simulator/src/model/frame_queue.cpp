@@ -3,7 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "native_memory.h"
+
 namespace simulator {
+
+bool isAccessible(const FrameMemory& memory) {
+    return isWritableMemory(memory.record, 1) && isWritableMemory(memory.buffer, memory.size);
+}
 
 // One place more than can be queued: a frame that was taken can always be put back.
 FrameQueue::FrameQueue() : m_ring(kMostQueued + 1) {}
@@ -39,23 +45,38 @@ std::vector<AnnouncedFrame> FrameQueue::revokeAll() {
     return std::exchange(m_announced, {});
 }
 
-const FrameMemory* FrameQueue::announced(const void* record) const {
+const AnnouncedFrame* FrameQueue::find(const void* record) const {
     for (const AnnouncedFrame& known : m_announced) {
-        if (known.memory.record == record) return &known.memory;
+        if (known.memory.record == record) return &known;
     }
     return nullptr;
 }
 
+const FrameMemory* FrameQueue::announced(const void* record) const {
+    const AnnouncedFrame* known = find(record);
+    return known != nullptr ? &known->memory : nullptr;
+}
+
 std::uint32_t FrameQueue::number(const void* record) const {
-    for (const AnnouncedFrame& known : m_announced) {
-        if (known.memory.record == record) return known.number;
+    const AnnouncedFrame* known = find(record);
+    return known != nullptr ? known->number : 0;
+}
+
+bool FrameQueue::isFilled(const void* record) const {
+    const AnnouncedFrame* known = find(record);
+    return known != nullptr && known->filled;
+}
+
+void FrameQueue::setFilled(const void* record, bool filled) {
+    for (AnnouncedFrame& known : m_announced) {
+        if (known.memory.record == record) known.filled = filled;
     }
-    return 0;
 }
 
 Result FrameQueue::queue(const QueuedFrame& frame) {
     if (isQueued(frame.memory.record)) return Result::InvalidCall;
     if (m_count >= kMostQueued) return Result::Resources;
+    setFilled(frame.memory.record, false);
     slot(m_count++) = frame;
     return Result::Success;
 }

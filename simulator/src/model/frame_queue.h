@@ -20,6 +20,9 @@ struct FrameMemory {
     std::uint32_t size = 0;
 };
 
+/// False when the client has freed it, as far as the system can tell.
+bool isAccessible(const FrameMemory& memory);
+
 struct QueuedFrame {
     FrameMemory memory;
     OpaqueCallback callback = nullptr;  ///< may be null
@@ -29,6 +32,7 @@ struct QueuedFrame {
 struct AnnouncedFrame {
     FrameMemory memory;
     std::uint32_t number = 0;               ///< position in the order of announcement, from 1
+    bool filled = false;                    ///< since it was queued last
     std::unique_ptr<std::uint8_t[]> owned;  ///< the image's memory when the client brought none
 };
 
@@ -47,6 +51,9 @@ class FrameQueue {
     /// What was announced for the record, if anything.
     const FrameMemory* announced(const void* record) const;
     std::size_t announcedCount() const { return m_announced.size(); }
+    /// Was an announced frame filled since it was queued last?
+    bool isFilled(const void* record) const;
+    void markFilled(const void* record) { setFilled(record, true); }
     /// 0 for a record that was not announced.
     std::uint32_t number(const void* record) const;
 
@@ -66,6 +73,8 @@ class FrameQueue {
 
     QueuedFrame& slot(std::size_t index) { return m_ring[(m_first + index) % m_ring.size()]; }
     const QueuedFrame& slot(std::size_t index) const { return m_ring[(m_first + index) % m_ring.size()]; }
+    const AnnouncedFrame* find(const void* record) const;
+    void setFilled(const void* record, bool filled);
     void drop(const void* record);
 
     std::vector<AnnouncedFrame> m_announced;

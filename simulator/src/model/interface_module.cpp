@@ -28,9 +28,9 @@ std::vector<FeatureRow> rows() {
 
 }  // namespace
 
-InterfaceModule::InterfaceModule(SimulatorClock& clock, const InterfaceRow& row, Devices devices,
+InterfaceModule::InterfaceModule(const LibraryContext& library, const InterfaceRow& row, Devices devices,
                                  std::function<Devices()> current)
-    : FeatureModule(clock, ThreadRole::Event, true),
+    : FeatureModule(library, ThreadRole::Event, true),
       m_row(row),
       m_current(std::move(current)),
       m_features(rows()),

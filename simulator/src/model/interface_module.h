@@ -17,7 +17,7 @@ class InterfaceModule : public FeatureModule {
     using Devices = std::vector<std::string>;
 
     /// `devices` names the cameras that are plugged in now, `current` the same for later.
-    InterfaceModule(SimulatorClock& clock, const InterfaceRow& row, Devices devices,
+    InterfaceModule(const LibraryContext& library, const InterfaceRow& row, Devices devices,
                     std::function<Devices()> current);
     ~InterfaceModule() override;
 

@@ -38,7 +38,7 @@ CameraRow colourCamera() {
         .powerUpRate = 50,
         .hottestGain = 32,
         .memoryFrames = 69,
-        .clockPpb = 12'000,
+        .oscillator = {.errorPpb = 12'000},
     };
 }
 
@@ -68,7 +68,7 @@ CameraRow monochromeCamera() {
         .powerUpRate = 40,
         .hottestGain = 26,
         .memoryFrames = 202,
-        .clockPpb = -8'000,
+        .oscillator = {.errorPpb = -8'000},
     };
 }
 

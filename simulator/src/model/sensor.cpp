@@ -31,11 +31,14 @@ double rateOnGrid(double rate, double limit) {
     return 1e6 / period;
 }
 
-void ExposureAgenda::start(Nanoseconds now) {
+void ExposureAgenda::start(Nanoseconds now, const SensorSettings& settings, bool lineHigh) {
     m_state = State::Running;
-    m_notBefore = now + kStartDelay;
+    m_notBefore = m_firstAt = now + kStartDelay;
     m_last.reset();
     m_triggered.reset();
+    m_activeSince.reset();
+    if (isActive(settings.activation, lineHigh)) m_activeSince = now;
+    m_delayedCount = 0;
     m_exposed = 0;
 }
 
@@ -45,12 +48,15 @@ void ExposureAgenda::stop(Nanoseconds now) {
     m_stopAt = now;
 }
 
-void ExposureAgenda::settle(Nanoseconds now) {
+void ExposureAgenda::settle(Nanoseconds now, const SensorSettings& settings, bool lineHigh) {
     m_notBefore = std::max(m_notBefore, now);
+    const bool active = settings.trigger == TriggerKind::External && isActive(settings.activation, lineHigh);
+    if (!active) m_activeSince.reset();
+    if (active && !m_activeSince) m_activeSince = now;
 }
 
 void ExposureAgenda::hold(bool hold, Nanoseconds now) {
-    if (m_held && !hold) settle(now);
+    if (m_held && !hold) m_notBefore = std::max(m_notBefore, now);
     m_held = hold;
 }
 
@@ -58,23 +64,73 @@ void ExposureAgenda::softwareTrigger(Nanoseconds now) {
     if (m_state == State::Running) m_triggered = now;
 }
 
-std::optional<Nanoseconds> ExposureAgenda::next(const SensorSettings& settings) const {
-    if (m_state == State::Idle || m_held || settings.trigger == TriggerKind::External) return std::nullopt;
-    Nanoseconds start = m_notBefore;
-    if (m_last) {
-        const bool paced = settings.trigger == TriggerKind::FixedRate;
-        const Nanoseconds period = paced ? settings.period : 0;
-        start = std::max(start, *m_last + std::max(period, settings.shortestPeriod));
+void ExposureAgenda::lineEdge(Nanoseconds at, bool rising, const SensorSettings& settings) {
+    switch (settings.activation) {
+        case Activation::LevelHigh:
+        case Activation::LevelLow:
+            m_activeSince.reset();
+            if (isActive(settings.activation, rising)) m_activeSince = at + settings.triggerDelay;
+            return;
+        case Activation::RisingEdge:
+            if (!rising) return;
+            break;
+        case Activation::FallingEdge:
+            if (rising) return;
+            break;
+        case Activation::AnyEdge:
+            break;
     }
-    if (settings.trigger == TriggerKind::Software) {
-        if (!m_triggered) return std::nullopt;
-        start = std::max(start, *m_triggered);
+    if (m_delayedCount == kPendingTriggers) return;
+    m_delayed[(m_firstDelayed + m_delayedCount++) % kPendingTriggers] = at + settings.triggerDelay;
+}
+
+Nanoseconds ExposureAgenda::nextTrigger() const {
+    return m_delayedCount > 0 ? m_delayed[m_firstDelayed] : kNever;
+}
+
+void ExposureAgenda::takeTrigger(const SensorSettings& settings, const CameraClock& clock) {
+    const Nanoseconds at = m_delayed[m_firstDelayed];
+    m_firstDelayed = (m_firstDelayed + 1) % kPendingTriggers;
+    --m_delayedCount;
+    trigger(at, settings, clock);
+}
+
+void ExposureAgenda::trigger(Nanoseconds at, const SensorSettings& settings, const CameraClock& clock) {
+    if (m_state != State::Running || m_held || m_triggered) return;
+    const Nanoseconds ready = readyAt(settings, clock);
+    if (at >= ready) {
+        m_triggered = at;
+    } else if (settings.latchesTrigger) {
+        m_triggered = ready;
+    }
+}
+
+Nanoseconds ExposureAgenda::leastSpan(const SensorSettings& settings) {
+    const bool paced = settings.trigger == TriggerKind::FixedRate;
+    return std::max(paced ? settings.period : 0, settings.shortestPeriod);
+}
+
+Nanoseconds ExposureAgenda::readyAt(const SensorSettings& settings, const CameraClock& clock) const {
+    return m_last ? std::max(m_firstAt, clock.trueTime(m_lastOwn + leastSpan(settings))) : m_firstAt;
+}
+
+std::optional<Nanoseconds> ExposureAgenda::next(const SensorSettings& settings,
+                                                const CameraClock& clock) const {
+    if (m_state == State::Idle || m_held) return std::nullopt;
+    Nanoseconds start = std::max(m_notBefore, readyAt(settings, clock));
+    if (settings.trigger == TriggerKind::Software || settings.trigger == TriggerKind::External) {
+        const auto& signal = m_triggered ? m_triggered : m_activeSince;
+        if (!signal) return std::nullopt;
+        start = std::max(start, *signal);
     }
     if (m_state == State::Stopping && start >= m_stopAt) return std::nullopt;
     return start;
 }
 
-void ExposureAgenda::expose(Nanoseconds start, const SensorSettings& settings) {
+void ExposureAgenda::expose(Nanoseconds start, const SensorSettings& settings, const CameraClock& clock) {
+    // By the camera's own clock and free of rounding, so that its ticks from frame to frame are exact.
+    const bool onTime = m_last && start == clock.trueTime(m_lastOwn + leastSpan(settings));
+    m_lastOwn = onTime ? m_lastOwn + leastSpan(settings) : clock.ownTime(start);
     m_last = start;
     m_triggered.reset();
     ++m_exposed;

@@ -1,9 +1,11 @@
 /// When a sensor exposes, and how long a frame's way is.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
+#include "camera_clock.h"
 #include "camera_row.h"
 #include "clock.h"
 
@@ -15,6 +17,14 @@ enum class TriggerKind {
     Software,
     External,  ///< a line; nothing is exposed without its signal
 };
+
+/// What of the signal at a line triggers.
+enum class Activation { RisingEdge, FallingEdge, AnyEdge, LevelHigh, LevelLow };
+
+/// Is the signal active, for the activations by level, while the line is high or low?
+constexpr bool isActive(Activation activation, bool high) {
+    return activation == Activation::LevelHigh ? high : activation == Activation::LevelLow && !high;
+}
 
 /// Geometry of one picture. `format` carries the bits per pixel in its bits 16 to 23.
 struct PictureShape {
@@ -29,16 +39,21 @@ struct PictureShape {
     bool operator==(const PictureShape&) const = default;
 };
 
-/// What the camera's settings make of the next exposure; spans in true time.
+/// What the camera's settings make of the next exposure; spans in true time unless said otherwise.
 struct SensorSettings {
     PictureShape shape;
     TriggerKind trigger = TriggerKind::External;
+    bool isLine1 = false;  ///< the only line to which anything is connected
+    Activation activation = Activation::RisingEdge;
+    Nanoseconds triggerDelay = 0;
+    bool latchesTrigger = false;  ///< a signal before its time is kept for the next exposure
     Nanoseconds exposure = 0;
     Nanoseconds readout = 0;
     Nanoseconds transfer = 0;
-    Nanoseconds period = 0;          ///< of the set rate
+    Nanoseconds period = 0;          ///< of the set rate; by the camera's own clock, as the next
     Nanoseconds shortestPeriod = 0;  ///< that sensor, exposure and bandwidth permit
     std::int64_t frameLimit = 0;     ///< frames per acquisition, 0 for no limit
+    bool holdsStream = false;        ///< pictures stay in the camera's memory
 };
 
 /// Readout of a picture of `rows` rows.
@@ -59,31 +74,51 @@ class ExposureAgenda {
   public:
     enum class State { Idle, Running, Stopping };
 
-    void start(Nanoseconds now);
+    /// `lineHigh`: the signal at the camera's line now.
+    void start(Nanoseconds now, const SensorSettings& settings, bool lineHigh);
     /// No exposure starts at or after `now`; the acquisition ends with `finish`.
     void stop(Nanoseconds now);
     void finish() { m_state = State::Idle; }
     /// Settings changed: what was not exposed before `now` is not made up for.
-    void settle(Nanoseconds now);
+    void settle(Nanoseconds now, const SensorSettings& settings, bool lineHigh);
     void hold(bool hold, Nanoseconds now);
     void softwareTrigger(Nanoseconds now);
+    /// The signal at the line that triggers has changed. At most kPendingTriggers delayed triggers are under
+    /// way; more are ignored.
+    void lineEdge(Nanoseconds at, bool rising, const SensorSettings& settings);
+    /// When the next delayed trigger takes effect; kNever for none.
+    Nanoseconds nextTrigger() const;
+    void takeTrigger(const SensorSettings& settings, const CameraClock& clock);
 
     State state() const { return m_state; }
     /// True start of the next exposure, if any is due without further signals.
-    std::optional<Nanoseconds> next(const SensorSettings& settings) const;
+    std::optional<Nanoseconds> next(const SensorSettings& settings, const CameraClock& clock) const;
     /// Takes the exposure that `next` announced.
-    void expose(Nanoseconds start, const SensorSettings& settings);
+    void expose(Nanoseconds start, const SensorSettings& settings, const CameraClock& clock);
+    /// From when on a trigger starts the next exposure at once.
+    Nanoseconds readyAt(const SensorSettings& settings, const CameraClock& clock) const;
 
   private:
     /// Between the command and the first exposure.
     static constexpr Nanoseconds kStartDelay = 4'200;
+    static constexpr std::size_t kPendingTriggers = 16;
+
+    void trigger(Nanoseconds at, const SensorSettings& settings, const CameraClock& clock);
+    /// Between two starts, by the camera's own clock.
+    static Nanoseconds leastSpan(const SensorSettings& settings);
 
     State m_state = State::Idle;
     bool m_held = false;
     Nanoseconds m_notBefore = 0;
+    Nanoseconds m_firstAt = 0;
     Nanoseconds m_stopAt = 0;
     std::optional<Nanoseconds> m_last;
+    Nanoseconds m_lastOwn = 0;  // the last start by the camera's clock, free of rounding
     std::optional<Nanoseconds> m_triggered;
+    std::optional<Nanoseconds> m_activeSince;  // of a signal that triggers by its level
+    std::array<Nanoseconds, kPendingTriggers> m_delayed;
+    std::size_t m_firstDelayed = 0;
+    std::size_t m_delayedCount = 0;
     std::int64_t m_exposed = 0;
 };
 

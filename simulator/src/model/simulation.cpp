@@ -1,5 +1,6 @@
 #include "simulation.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
 #include <utility>
@@ -27,26 +28,39 @@ void Simulation::fill(const Scenario& scenario) {
         Slot slot;
         slot.row = &row;
         slot.faults = std::make_shared<FrameFaults>();
+        slot.line = std::make_shared<LineInput>();
+        slot.oscillator = row.oscillator;
+        slot.oscillator.seed = m_seed ^ row.macAddress();
         slot.camera = powerUp(slot);
         m_slots.push_back(std::move(slot));
     }
-    m_system = std::make_shared<SystemModule>(clock(), [this] { return pluggedIds(); });
+    m_system = std::make_shared<SystemModule>(library(), [this] { return pluggedIds(); });
     m_callFaults.clear();
+    m_cableFaults.clear();
+    m_choices.reset();
+    m_misuses.clear();
     m_journal.reset();
 }
 
 std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
-    auto camera = std::make_shared<Camera>(*slot.row, clock().now());
+    auto camera = std::make_shared<Camera>(*slot.row, slot.oscillator, clock().now());
+    camera->setScene(slot.scene);
     for (const std::string& feature : slot.removed) camera->features().remove(feature);
     return camera;
 }
 
+Result Simulation::startAgain() {
+    if (m_choices.option(Choice::RepeatedStartup) == 2) return Result::InvalidCall;
+    ++m_startups;
+    return Result::Success;
+}
+
 Result Simulation::startup(void* systemHandle) {
-    if (isStarted()) return Result::Success;
+    if (isStarted()) return startAgain();
     // A callback must not wait for the shutdown that waits for it.
     if (currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
     const std::lock_guard lifecycle(m_lifecycle);
-    if (isStarted()) return Result::Success;
+    if (isStarted()) return startAgain();
     if (m_scenario == nullptr) {
         std::fprintf(stderr, "%s names the scenario \"%s\", but the simulator knows only: %s.\n",
                      kScenarioVariable, m_unknownScenario.c_str(), scenarioNames().c_str());
@@ -57,6 +71,7 @@ Result Simulation::startup(void* systemHandle) {
         m_systemHandle = systemHandle;
     }
     m_system->start(systemHandle);
+    m_startups = 1;
     m_started = true;
     return Result::Success;
 }
@@ -65,6 +80,7 @@ void Simulation::shutdown() {
     if (currentThreadRole() != ThreadRole::Host) return;
     const std::lock_guard lifecycle(m_lifecycle);
     if (!isStarted()) return;
+    if (m_choices.option(Choice::RepeatedStartup) == 1 && --m_startups > 0) return;
     m_started = false;
     m_system->stop();
     for (const auto& session : sessions()) session->close();
@@ -161,8 +177,8 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
     if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
-    auto session = std::make_shared<CameraSession>(clock(), slot->camera, slot->faults, m_outlet,
-                                                   mode == OpenMode::Full);
+    const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line};
+    auto session = std::make_shared<CameraSession>(surroundings, slot->camera, mode == OpenMode::Full);
     void* const fresh = &m_handles.emplace_back();
     session->hold(slot->held);
     session->start(fresh);
@@ -175,7 +191,7 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
 
 Result Simulation::close(void* handle) {
     std::shared_ptr<CameraSession> session = this->session(handle);
-    if (session == nullptr) return Result::BadHandle;
+    if (session == nullptr) return unknownHandle(handle);
     if (currentThreadRole() == ThreadRole::Frame || session->isOwnThread()) return Result::InvalidCall;
     {
         const Lock lock(m_mutex);
@@ -291,6 +307,66 @@ Result Simulation::holdSensor(const std::string& id, bool hold) {
     return Result::Success;
 }
 
+void Simulation::seed(std::uint64_t seed) {
+    const Lock lock(m_mutex);
+    m_seed = seed;
+    for (Slot& slot : m_slots) {
+        // One source drives all lines: its jitter is the same for every camera.
+        slot.line->setSeed(seed);
+        slot.oscillator.seed = seed ^ slot.row->macAddress();
+        if (slot.camera == nullptr) continue;
+        const Lock cameraLock(slot.camera->mutex());
+        slot.camera->seedClock(slot.oscillator.seed);
+    }
+}
+
+Result Simulation::replaceClock(const std::string& id, const OscillatorRow& oscillator) {
+    const Lock lock(m_mutex);
+    Slot* slot = find(id);
+    if (slot == nullptr) return Result::NotFound;
+    OscillatorRow seeded = oscillator;
+    seeded.seed = slot->oscillator.seed;
+    if (slot->camera != nullptr) {
+        const Lock cameraLock(slot->camera->mutex());
+        if (slot->camera->isAcquiring()) return Result::InvalidAccess;
+        slot->camera->replaceClock(seeded, clock().now());
+    }
+    slot->oscillator = seeded;
+    return Result::Success;
+}
+
+Result Simulation::setScene(const std::string& id, const Scene& scene) {
+    const Lock lock(m_mutex);
+    Slot* slot = find(id);
+    if (slot == nullptr) return Result::NotFound;
+    slot->scene = scene;
+    if (slot->camera == nullptr) return Result::Success;
+    const Lock cameraLock(slot->camera->mutex());
+    slot->camera->setScene(scene);
+    return Result::Success;
+}
+
+Result Simulation::useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds)>& use) {
+    const Lock lock(m_mutex);
+    const Nanoseconds now = clock().now();
+    Result result = id == nullptr ? Result::Success : Result::NotFound;
+    for (Slot& slot : m_slots) {
+        if (id != nullptr && std::string_view(id) != slot.row->id) continue;
+        result = use(*slot.line, now);
+        if (result != Result::Success) return result;
+        if (slot.session != nullptr) slot.session->onLine();
+    }
+    return result;
+}
+
+Result Simulation::unknownHandle(void* handle) {
+    const Lock lock(m_mutex);
+    const bool wasValid =
+        std::any_of(m_handles.begin(), m_handles.end(), [=](const char& given) { return &given == handle; });
+    if (wasValid) m_misuses.add("the handle was closed before");
+    return Result::BadHandle;
+}
+
 std::shared_ptr<FrameFaults> Simulation::frameFaults(const std::string& id) {
     const Lock lock(m_mutex);
     const Slot* slot = find(id);
@@ -299,6 +375,7 @@ std::shared_ptr<FrameFaults> Simulation::frameFaults(const std::string& id) {
 
 void Simulation::clearFaults() {
     m_callFaults.clear();
+    m_cableFaults.clear();
     const Lock lock(m_mutex);
     for (Slot& slot : m_slots) slot.faults->clear();
 }

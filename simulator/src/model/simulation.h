@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -54,6 +55,9 @@ class Simulation {
     Result runUntilIdle(Nanoseconds span);
 
     CallFaults& callFaults() { return m_callFaults; }
+    CableFaults& cableFaults() { return m_cableFaults; }
+    Choices& choices() { return m_choices; }
+    MisuseLog& misuses() { return m_misuses; }
     Journal& journal() { return m_journal; }
     SimulatorClock& clock() const { return *m_clock; }
 
@@ -92,6 +96,15 @@ class Simulation {
     Result removeFeature(const char* id, const std::string& feature);
     Result forceFeature(const char* id, const std::string& feature, const std::string& text);
     Result holdSensor(const std::string& id, bool hold);
+    /// The random numbers of all cameras and lines.
+    void seed(std::uint64_t seed);
+    /// InvalidAccess while the camera acquires.
+    Result replaceClock(const std::string& id, const OscillatorRow& oscillator);
+    Result setScene(const std::string& id, const Scene& scene);
+    /// Does something with the line of one camera, or with every camera's for a null id.
+    Result useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds now)>& use);
+    /// BadHandle; a handle that was valid once is a misuse.
+    Result unknownHandle(void* handle);
     /// Null for an unknown id.
     std::shared_ptr<FrameFaults> frameFaults(const std::string& id);
     void clearFaults();
@@ -110,7 +123,10 @@ class Simulation {
         bool controlled = false;  // the session does
         std::set<std::string> removed;
         bool held = false;
+        OscillatorRow oscillator;
+        Scene scene;
         std::shared_ptr<FrameFaults> faults;
+        std::shared_ptr<LineInput> line;
         std::shared_ptr<Camera> camera;
         std::shared_ptr<CameraSession> session;
     };
@@ -130,14 +146,22 @@ class Simulation {
     std::vector<std::shared_ptr<InterfaceModule>> openInterfaces();
     std::vector<std::shared_ptr<CameraSession>> sessions();
 
+    Result startAgain();
     Result reload(const Scenario* scenario, SimulatorClock& clock);
     VirtualClock* drivenClock();
 
+    LibraryContext library() { return {clock(), m_choices, m_misuses}; }
+
+    Journal m_journal;
+    MisuseLog m_misuses{m_journal};
+    Choices m_choices;
     RealClock m_realClock;
     VirtualClock m_virtualClock;
     std::atomic<SimulatorClock*> m_clock{&m_realClock};
     FrameOutlet& m_outlet;
     std::atomic<bool> m_started{false};
+    std::atomic<int> m_startups{0};
+    std::uint64_t m_seed = 0;
     std::mutex m_lifecycle;  // start and shutdown, one at a time; held while they wait
     mutable std::mutex m_mutex;
     std::string m_unknownScenario;
@@ -151,7 +175,7 @@ class Simulation {
     void* m_systemHandle = nullptr;
     std::shared_ptr<SystemModule> m_system;
     CallFaults m_callFaults;
-    Journal m_journal;
+    CableFaults m_cableFaults;
 };
 
 /// Name of the environment variable that names the scenario to start with.

@@ -97,7 +97,7 @@ Result Simulation::openInterface(const std::string& id, void*& handle) {
     const Lock lock(m_mutex);
     const Link* link = findLink(id);
     if (link == nullptr || !link->plugged) return Result::NotFound;
-    auto module = std::make_shared<InterfaceModule>(clock(), *link->row, devices,
+    auto module = std::make_shared<InterfaceModule>(library(), *link->row, devices,
                                                     [this, id] { return pluggedIds(id); });
     void* const fresh = &m_handles.emplace_back();
     module->start(fresh);
@@ -124,7 +124,7 @@ Result Simulation::closeInterface(void* handle) {
 void Simulation::openAncillary(const ChunkData& data, void*& handle) {
     const Lock lock(m_mutex);
     void* const fresh = &m_handles.emplace_back();
-    m_ancillaries.emplace(fresh, std::make_shared<AncillaryModule>(clock(), data));
+    m_ancillaries.emplace(fresh, std::make_shared<AncillaryModule>(library(), data));
     handle = fresh;
 }
 

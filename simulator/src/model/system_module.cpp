@@ -5,11 +5,12 @@
 
 namespace simulator {
 
-SystemModule::SystemModule(SimulatorClock& clock, std::function<std::vector<std::string>()> plugged)
-    : FeatureModule(clock, ThreadRole::Discovery, true),
-      m_clock(clock),
+SystemModule::SystemModule(const LibraryContext& library, std::function<std::vector<std::string>()> plugged)
+    : FeatureModule(library, ThreadRole::Discovery, true),
+      m_library(library),
+      m_clock(library.clock),
       m_plugged(std::move(plugged)),
-      m_roundOver(clock),
+      m_roundOver(library.clock),
       m_features(systemFeatureRows()) {}
 
 SystemModule::~SystemModule() {
@@ -116,6 +117,7 @@ void SystemModule::beginAutomatic() {
 }
 
 void SystemModule::discoverOnce(Lock& lock) {
+    if (currentThreadRole() != ThreadRole::Host) m_library.misuses.add(kWaitInCallback);
     const Nanoseconds end = m_clock.now() + roundLength();
     while (m_alive && m_clock.now() < end) m_roundOver.waitUntil(lock, end);
     if (!m_alive) return;

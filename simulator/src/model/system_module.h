@@ -16,7 +16,7 @@ namespace simulator {
 class SystemModule : public FeatureModule {
   public:
     /// `plugged` names the cameras that answer to discovery now.
-    SystemModule(SimulatorClock& clock, std::function<std::vector<std::string>()> plugged);
+    SystemModule(const LibraryContext& library, std::function<std::vector<std::string>()> plugged);
     ~SystemModule() override;
 
     /// Starts the discovery thread; callbacks get `handle`. Throws when the system refuses a thread.
@@ -63,6 +63,7 @@ class SystemModule : public FeatureModule {
     void discoverOnce(Lock& lock);
     Nanoseconds roundLength() const;
 
+    const LibraryContext m_library;
     SimulatorClock& m_clock;
     const std::function<std::vector<std::string>()> m_plugged;
     std::atomic<bool> m_alive{false};

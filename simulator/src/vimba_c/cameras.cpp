@@ -56,6 +56,8 @@ VmbError_t VmbCameraOpen(const char* id, VmbAccessMode_t accessMode, VmbHandle_t
 }
 
 VmbError_t VmbCameraClose(const VmbHandle_t handle) {
-    return vendorCall("VmbCameraClose", {handle}, {},
-                      [&] { return withLibrary({}, [&](Simulation& all) { return all.close(handle); }); });
+    return vendorCall("VmbCameraClose", {handle}, {}, [&] {
+        reportWaitInCallback();
+        return withLibrary({}, [&](Simulation& all) { return all.close(handle); });
+    });
 }

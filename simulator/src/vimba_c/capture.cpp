@@ -49,6 +49,7 @@ VmbError_t VmbCaptureStart(const VmbHandle_t handle) {
 
 VmbError_t VmbCaptureEnd(const VmbHandle_t handle) {
     return vendorCall("VmbCaptureEnd", {handle}, {}, [&] {
+        reportWaitInCallback();
         return withCamera(handle, {}, [](CameraSession& camera) { return camera.endCapture(); });
     });
 }
@@ -59,6 +60,16 @@ VmbError_t VmbCaptureFrameQueue(const VmbHandle_t handle, const VmbFrame_t* fram
         return withCamera(handle, {}, [&](CameraSession& camera) {
             return camera.queue(memoryOf(frame), reinterpret_cast<OpaqueCallback>(callback));
         });
+    });
+}
+
+VmbError_t VmbCaptureFrameWait(const VmbHandle_t handle, const VmbFrame_t* frame, VmbUint32_t timeout) {
+    return vendorCall("VmbCaptureFrameWait", {handle, Argument(handle, frame), timeout}, {}, [&] {
+        reportWaitInCallback();
+        const Nanoseconds now = simulation().clock().now();
+        const Nanoseconds end = timeout == VMBINFINITE ? kNever : now + timeout * kMillisecond;
+        return withCamera(handle, {frame != nullptr},
+                          [&](CameraSession& camera) { return camera.waitForFrame(frame, end); });
     });
 }
 

@@ -20,6 +20,7 @@ void VmbShutdown() {
         const std::initializer_list<Argument> none;
         CallScope scope("VmbShutdown", none);
         VmbError_t result = VmbErrorSuccess;
+        reportWaitInCallback();
         if (!scope.fails(result)) simulation().shutdown();
         scope.finishVoid();
         return VmbErrorSuccess;

@@ -81,8 +81,30 @@ std::string Output::written() const {
 }
 
 CallScope::CallScope(const char* function, const Arguments& arguments)
-    : m_function(function), m_arguments(arguments), m_journalled(simulation().journal().isOn()) {
+    : m_function(function),
+      m_arguments(arguments),
+      m_journalled(simulation().journal().isOn()),
+      m_outer(t_current) {
     if (m_journalled) m_before = line();
+    t_current = this;
+}
+
+const char* CallScope::firstText() const {
+    for (const Argument& argument : m_arguments) {
+        if (argument.isText()) return argument.text();
+    }
+    return nullptr;
+}
+
+void CallScope::midway() {
+    const auto* call = static_cast<const CallScope*>(t_current);
+    std::string camera;
+    bool plugged = false;
+    if (call == nullptr ||
+        !simulation().cableFaults().strikes(call->m_function, call->firstText(), camera, plugged)) {
+        return;
+    }
+    simulation().plug(camera, plugged);
 }
 
 std::string CallScope::line() const {
@@ -96,11 +118,7 @@ std::string CallScope::line() const {
 }
 
 bool CallScope::fails(VmbError_t& result) {
-    const char* first = nullptr;
-    for (const Argument& argument : m_arguments) {
-        if (first == nullptr && argument.isText()) first = argument.text();
-    }
-    return simulation().callFaults().strikes(m_function, first, result);
+    return simulation().callFaults().strikes(m_function, firstText(), result);
 }
 
 void CallScope::finish(VmbError_t result, const std::initializer_list<Output>& outputs) {
@@ -112,6 +130,15 @@ void CallScope::finish(VmbError_t result, const std::initializer_list<Output>& o
         for (const Output& output : outputs) text += output.written();
     }
     simulation().journal().append(text);
+}
+
+VmbError_t notStarted() {
+    simulation().misuses().add("the library is not started");
+    return VmbErrorApiNotStarted;
+}
+
+void reportWaitInCallback() {
+    if (currentThreadRole() != ThreadRole::Host) simulation().misuses().add(kWaitInCallback);
 }
 
 void CallScope::finishVoid() {

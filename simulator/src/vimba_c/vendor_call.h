@@ -77,23 +77,33 @@ class Output {
 };
 
 /// One call from its beginning to its end.
-class CallScope {
+class CallScope final : public CurrentCall {
   public:
     using Arguments = std::initializer_list<Argument>;
 
     CallScope(const char* function, const Arguments& arguments);
+    ~CallScope() { t_current = m_outer; }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+
+    std::string text() const override { return m_journalled ? m_before : line(); }
     /// Does an ordered fault take the place of the call?
     bool fails(VmbError_t& result);
+    /// The call has passed its checks: cables that were ordered to be pulled or plugged in now are.
+    static void midway();
     void finish(VmbError_t result, const std::initializer_list<Output>& outputs);
     void finishVoid();
 
   private:
     std::string line() const;
+    /// Null when there is none.
+    const char* firstText() const;
 
     const char* m_function;
     const Arguments& m_arguments;
     const bool m_journalled;
     std::string m_before;  // arguments as they read before the call
+    const CurrentCall* const m_outer;
 };
 
 template <typename Body>
@@ -122,6 +132,11 @@ VmbError_t vendorCall(const char* function, std::initializer_list<Argument> argu
     });
 }
 
+/// VmbErrorApiNotStarted, which is a misuse.
+VmbError_t notStarted();
+/// For calls that may wait: on a thread of the library they are a misuse.
+void reportWaitInCallback();
+
 /// What is checked behind the handle and before the name.
 struct Given {
     bool arguments = true;   ///< no pointer is null that must not be
@@ -136,28 +151,35 @@ inline VmbError_t checkGiven(const Given& given) {
 
 template <typename Body>
 VmbError_t withLibrary(const Given& given, Body&& body) {
-    if (!simulation().isStarted()) return VmbErrorApiNotStarted;
+    if (!simulation().isStarted()) return notStarted();
     const VmbError_t checked = checkGiven(given);
-    return checked == VmbErrorSuccess ? code(body(simulation())) : checked;
+    if (checked != VmbErrorSuccess) return checked;
+    CallScope::midway();
+    return code(body(simulation()));
 }
 
 template <typename Body>
 VmbError_t withModule(VmbHandle_t handle, const Given& given, Body&& body) {
-    if (!simulation().isStarted()) return VmbErrorApiNotStarted;
+    if (!simulation().isStarted()) return notStarted();
     const std::shared_ptr<FeatureModule> module = simulation().module(handle);
-    if (module == nullptr || !module->isAlive()) return VmbErrorBadHandle;
+    if (module == nullptr) return code(simulation().unknownHandle(handle));
+    if (!module->isAlive()) return VmbErrorBadHandle;
     const VmbError_t checked = checkGiven(given);
-    return checked == VmbErrorSuccess ? code(body(*module)) : checked;
+    if (checked != VmbErrorSuccess) return checked;
+    CallScope::midway();
+    return code(body(*module));
 }
 
 /// Also for a camera that is gone: taking memory back from it must still wait for its threads.
 template <typename Body>
 VmbError_t withCamera(VmbHandle_t handle, const Given& given, Body&& body) {
-    if (!simulation().isStarted()) return VmbErrorApiNotStarted;
+    if (!simulation().isStarted()) return notStarted();
     const std::shared_ptr<CameraSession> session = simulation().session(handle);
-    if (session == nullptr) return VmbErrorBadHandle;
+    if (session == nullptr) return code(simulation().unknownHandle(handle));
     const VmbError_t checked = session->isAlive() ? checkGiven(given) : VmbErrorSuccess;
-    return checked == VmbErrorSuccess ? code(body(*session)) : checked;
+    if (checked != VmbErrorSuccess) return checked;
+    CallScope::midway();
+    return code(body(*session));
 }
 
 /// The two-step lists: counts, or fills as far as the array goes.

@@ -1,0 +1,28 @@
+/// What the parts of the library share, and what a camera finds around it besides.
+#pragma once
+
+#include <memory>
+
+#include "choices.h"
+#include "clock.h"
+#include "faults.h"
+#include "line_input.h"
+#include "misuse_log.h"
+
+namespace simulator {
+
+class FrameOutlet;
+
+struct LibraryContext {
+    SimulatorClock& clock;
+    const Choices& choices;
+    MisuseLog& misuses;
+};
+
+struct Surroundings : LibraryContext {
+    FrameOutlet& outlet;
+    std::shared_ptr<FrameFaults> faults;
+    std::shared_ptr<LineInput> line;
+};
+
+}  // namespace simulator
