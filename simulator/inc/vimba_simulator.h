@@ -53,6 +53,81 @@ IMEXPORTC VmbError_t VmbSimRemoveFeature(const char* cameraId, const char* featu
 /// leaves the value alone until a client sets it or an event brings another.
 IMEXPORTC VmbError_t VmbSimForceFeature(const char* cameraId, const char* feature, const char* text);
 
+/// What the camera looks at; its automatic exposure, gain and white balance settle on it.
+typedef struct VmbSimScene {
+    double percentPerMillisecond;  ///< mean level, in percent of the highest, per millisecond at gain 0 dB
+    double red;                    ///< ratios of the white balance that make its grey grey
+    double blue;
+} VmbSimScene;
+
+/// At power-up: half of the highest level at 15 ms, both ratios 1.
+IMEXPORTC VmbError_t VmbSimSetScene(const char* cameraId, const VmbSimScene* scene);
+
+/// What the vendor's documentation leaves open. The options are numbered in the order in which they are
+/// named here; the first holds for every scenario that was just loaded.
+typedef enum VmbSimChoice {
+    VmbSimChoiceFrameIdAfterRestart,  ///< of capture: 0 starts at 1, 1 goes on
+    VmbSimChoiceFrameIdWidth,         ///< 0 has 64 bits, 1 has 16: 65535 is followed by 1
+    VmbSimChoiceQueueBeforeStart,     ///< of capture: 0 accepts, 1 answers VmbErrorInvalidCall
+    VmbSimChoiceRepeatedStartup,  ///< 0 is not counted, 1 needs as many shutdowns, 2 is VmbErrorInvalidCall
+    VmbSimChoiceSetInCallback     ///< 0 is refused in frame callbacks and for a feature in its own
+                                  ///< invalidation callback, 1 only in frame callbacks, 2 nowhere
+} VmbSimChoice;
+
+/// VmbErrorNotFound for an unknown choice, VmbErrorInvalidValue for an option that it does not have.
+IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
+
+// Clocks and lines ----------------------------------------------------------------------------------------
+
+/// Picks the random numbers of jitter. The same seed gives the same ones.
+IMEXPORTC void VmbSimSeed(VmbUint64_t seed);
+
+typedef struct VmbSimOscillator {
+    VmbUint64_t tickFrequency;  ///< Hz, 1 to 10^9
+    VmbUint64_t startTicks;     ///< of the counter
+    VmbInt32_t errorPpb;        ///< how much too fast it is, in parts of 10^9, within 10^6
+    VmbInt32_t driftPpb;        ///< the error swings by this much either way, within 10^6 ...
+    VmbUint32_t driftPeriodS;   ///< ... once in so many seconds, not 0
+    VmbUint32_t jitterNs;       ///< stamps are off by up to so much, evenly spread, either way
+} VmbSimOscillator;
+
+/// The camera's clock becomes this one and starts now; so it does whenever the camera is plugged in again.
+/// VmbErrorInvalidAccess while it acquires.
+IMEXPORTC VmbError_t VmbSimSetOscillator(const char* cameraId, const VmbSimOscillator* oscillator);
+
+typedef struct VmbSimRhythm {
+    VmbUint64_t numerator;    ///< of the frequency in Hz; 1 to 10^9
+    VmbUint64_t denominator;  ///< 1 to 10^9; at most 10^6 Hz in all
+    VmbUint64_t phaseNs;      ///< from now to the first rising edge; at least the jitter
+    VmbUint64_t widthNs;      ///< of the pulses, 1 to a quarter of the period
+    VmbUint64_t jitterNs;  ///< rising edges are off by up to so much either way, at most a 16th of the period
+} VmbSimRhythm;
+
+/// Drives the input "Line1" of one camera, or of every camera for a null id (they then see one signal, its
+/// jitter included). The pulse n rises n * denominator / numerator seconds after the first, rounded down to
+/// nanoseconds. Whatever drove the line before no longer does, and a high line falls. Nothing is connected to
+/// the other lines: they are low.
+IMEXPORTC VmbError_t VmbSimDriveLine(const char* cameraId, const VmbSimRhythm* rhythm);
+
+/// Adds pulses that rise at these true times, each not before now and at least four widths after the one
+/// before it; a rhythm ends. One pulse, or a recorded list of them.
+IMEXPORTC VmbError_t VmbSimPulseLine(const char* cameraId, const VmbUint64_t* times, VmbUint32_t count,
+                                     VmbUint64_t widthNs);
+
+/// Nothing drives the line any more; it is low.
+IMEXPORTC VmbError_t VmbSimSilenceLine(const char* cameraId);
+
+typedef enum VmbSimPulseFault {
+    VmbSimPulseMissing,  ///< does not come
+    VmbSimPulseDoubled,  ///< comes again, one width after its end
+    VmbSimPulseBouncing  ///< rises three times within an eighth of its width, or 20 microseconds
+} VmbSimPulseFault;
+
+/// Spoils pulses: `count` of them from number `first` on. Pulses are counted from 1 since the line was driven
+/// or silenced last.
+IMEXPORTC VmbError_t VmbSimDisturbLine(const char* cameraId, VmbSimPulseFault fault, VmbUint64_t first,
+                                       VmbUint64_t count);
+
 // Faults ------------------------------------------------------------------------------------------------
 
 /// Makes the `nth` call (1 is the next) of a vendor function fail with a code, without any other effect.
@@ -70,6 +145,11 @@ IMEXPORTC VmbError_t VmbSimBreakFrames(const char* cameraId, VmbUint32_t count, 
 IMEXPORTC void VmbSimClearFaults(void);
 
 // Observing and driving -----------------------------------------------------------------------------------
+
+/// Pulls the camera's cable, or plugs it in, in the middle of the `nth` call of a function: behind its checks
+/// and before it takes effect. Counted as for VmbSimFailCall.
+IMEXPORTC VmbError_t VmbSimCableDuring(const char* cameraId, VmbBool_t plugged, const char* function,
+                                       const char* argument, VmbInt32_t nth);
 
 /// Waits until the camera has called the frame callback `count` times since its capture started;
 /// VmbErrorTimeout after `timeoutMs` milliseconds. A call counts when it has returned.
@@ -104,6 +184,15 @@ IMEXPORTC void VmbSimJournalStop(void);
 /// "frame N" in order of announcement, texts in quotes, numbers plainly, callbacks and contexts not at all.
 /// A successful get has its value behind the result: `= 0, 656`. A fault leaves its code as the result.
 IMEXPORTC size_t VmbSimJournalText(char* buffer, size_t size);
+
+/// What no client should do is recorded as misuse, whether the library puts up with it or not, also while the
+/// journal is off: a call after close or without start-up, a frame announced or queued twice, a queued frame
+/// revoked, memory freed while its frame is announced (seen when a picture is due and when the frame is
+/// revoked), a callback registered twice, a set or a wait inside a callback. Copies the text as
+/// VmbSimJournalText does. One line each, in the journal too, of the call and the reason:
+///   [frame] VmbFeatureFloatSet(DEV_000F31A10001, "Gain", 3): misuse: a set inside a callback
+IMEXPORTC size_t VmbSimMisuseText(char* buffer, size_t size);
+IMEXPORTC void VmbSimClearMisuse(void);
 
 // Time and truth --------------------------------------------------------------------------------------------
 

@@ -19,6 +19,15 @@ Nanoseconds span(VmbUint64_t ns) {
     return static_cast<Nanoseconds>(std::min<VmbUint64_t>(ns, kNever));
 }
 
+size_t copyText(const std::string& text, char* buffer, size_t size) {
+    if (buffer != nullptr && size > 0) {
+        const size_t copied = std::min(size - 1, text.size());
+        std::memcpy(buffer, text.data(), copied);
+        buffer[copied] = '\0';
+    }
+    return text.size() + 1;
+}
+
 /// For what concerns the open session of a camera.
 template <typename Body>
 VmbError_t withOpenCamera(const char* cameraId, bool given, Body&& body) {
@@ -111,6 +120,19 @@ VmbError_t VmbSimBreakFrames(const char* cameraId, VmbUint32_t count, VmbFrameSt
     return withFrameFaults(cameraId, [=](FrameFaults& faults) { faults.damage(count, status); });
 }
 
+VmbError_t VmbSimCableDuring(const char* cameraId, VmbBool_t plugged, const char* function,
+                             const char* argument, VmbInt32_t nth) {
+    return guarded([&]() -> VmbError_t {
+        if (cameraId == nullptr || function == nullptr || nth == 0) return VmbErrorBadParameter;
+        if (!isVendorFunction(function) || simulation().frameFaults(cameraId) == nullptr) {
+            return VmbErrorNotFound;
+        }
+        simulation().cableFaults().add(function, argument == nullptr, argument != nullptr ? argument : "",
+                                       nth, cameraId, plugged);
+        return VmbErrorSuccess;
+    });
+}
+
 void VmbSimClearFaults() {
     simulation().clearFaults();
 }
@@ -158,13 +180,15 @@ void VmbSimJournalStop() {
 }
 
 size_t VmbSimJournalText(char* buffer, size_t size) {
-    const std::string text = simulation().journal().text();
-    if (buffer != nullptr && size > 0) {
-        const size_t copied = std::min(size - 1, text.size());
-        std::memcpy(buffer, text.data(), copied);
-        buffer[copied] = '\0';
-    }
-    return text.size() + 1;
+    return copyText(simulation().journal().text(), buffer, size);
+}
+
+size_t VmbSimMisuseText(char* buffer, size_t size) {
+    return copyText(simulation().misuses().text(), buffer, size);
+}
+
+void VmbSimClearMisuse() {
+    simulation().misuses().clear();
 }
 
 VmbError_t VmbSimUseVirtualTime(VmbBool_t on) {
