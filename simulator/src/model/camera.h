@@ -2,22 +2,27 @@
 /// and by whom it is open is not its business.
 #pragma once
 
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "camera_clock.h"
 #include "camera_memory.h"
 #include "camera_row.h"
+#include "chunk_data.h"
 #include "clock.h"
 #include "feature_table.h"
 #include "sensor.h"
+#include "user_sets.h"
 
 namespace simulator {
 
 /// Everything but `row` and `mutex` is covered by the mutex.
 class Camera {
   public:
-    Camera(const CameraRow& row, Nanoseconds powerUp);
+    /// With the settings that `sets` has for power-up.
+    Camera(const CameraRow& row, Nanoseconds powerUp, std::shared_ptr<UserSets> sets);
 
     const CameraRow& row() const { return m_row; }
     std::mutex& mutex() { return m_mutex; }
@@ -33,23 +38,39 @@ class Camera {
     void round(const Feature& feature, FeatureValue& value) const;
     /// Recomputes everything that depends on settings.
     void settle();
+    /// The same after a client set a feature, which may be another view of one that counts.
+    void settleAfter(const Feature& written);
+    /// The commands on the selected user set.
+    Result saveUserSet();
+    void loadUserSet();
 
     bool isAcquiring() const { return m_acquiring; }
     void setAcquiring(bool acquiring) { m_acquiring = acquiring; }
 
-    void resetClock(Nanoseconds now) { m_clock.reset(now); }
+    /// Without effect on the master of the network's time.
+    void resetClock(Nanoseconds now);
     void latchClock(Nanoseconds now);
     void adjustPacketSize();
 
     /// An automatic function in mode Once has settled after some exposures.
     void noteExposure();
-    /// The statistics of a new acquisition.
-    void resetStatistics();
-    void count(const char* statistic);
-    void noteStamp(std::uint64_t ticks);
+    /// Data behind the picture of an acquisition's n-th frame.
+    ChunkData chunkData(std::int64_t nth) const;
+
+    /// The statistics of an acquisition that starts now.
+    void resetStatistics(Nanoseconds now);
+    void count(const char* statistic, std::int64_t times = 1);
+    /// A frame of `payload` bytes reached the client at true time `now`.
+    void noteFrame(std::uint64_t ticks, Nanoseconds now, std::uint64_t payload, bool complete);
+    void noteElapsed(Nanoseconds now);
 
   private:
     PictureShape shape() const;
+    void settleViews();
+    void settleEventBits();
+    void settleSize();
+    void settleSubregion();
+    void clampTo(const char* name, std::int64_t max);
     void settleRanges();
     void settleTiming(const PictureShape& shape);
     TriggerKind trigger() const;
@@ -63,7 +84,10 @@ class Camera {
     SensorSettings m_sensor;
     bool m_acquiring = false;
     int m_exposuresInOnce = 0;
+    const std::shared_ptr<UserSets> m_sets;
     std::uint64_t m_lastTicks = 0;
+    Nanoseconds m_lastFrameAt = 0;
+    std::optional<Nanoseconds> m_acquiringSince;
 };
 
 }  // namespace simulator

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 namespace simulator {
 
@@ -140,9 +141,16 @@ Result CameraSession::useMemory(bool change, const std::function<Result(CameraMe
 }
 
 void CameraSession::onChanged(const Feature& feature) {
-    m_camera->settle();
-    static_cast<void>(feature);
+    m_camera->settleAfter(feature);
     m_engine.settle();
+}
+
+void CameraSession::refresh(const Feature& feature) {
+    const std::string_view name = feature.row.name;
+    if (name == "StatTimeElapsed") m_camera->noteElapsed(m_clock.now());
+    if (name == "StreamAnnouncedBufferCount") {
+        m_camera->features().compute(name, static_cast<std::int64_t>(m_engine.queue().announcedCount()));
+    }
 }
 
 Result CameraSession::execute(Lock&, const char* command) {
@@ -155,6 +163,11 @@ Result CameraSession::execute(Lock&, const char* command) {
     if (is("GevTimestampControlReset")) m_camera->resetClock(now);
     if (is("GevTimestampControlLatch")) m_camera->latchClock(now);
     if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize();
+    if (is("UserSetSave")) return m_camera->saveUserSet();
+    if (is("UserSetLoad")) {
+        m_camera->loadUserSet();
+        m_engine.settle();
+    }
     return Result::Success;
 }
 

@@ -81,7 +81,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     m_restart = false;
     m_agenda.start(now);
     m_camera.setAcquiring(true);
-    m_camera.resetStatistics();
+    m_camera.resetStatistics(now);
     m_linkFreeAt = now;
     m_lastSent = m_nextId - 1;
     m_listener.onAcquisitionStarted(m_nextId, now);
@@ -254,6 +254,8 @@ void CaptureEngine::expose(Nanoseconds start) {
     exposure.dueAt = exposure.transferAt + settings.transfer;
     exposure.ticks = m_camera.clock().ticks(start);
     exposure.shape = settings.shape;
+    exposure.trailer = settings.trailer;
+    exposure.chunk = m_camera.chunkData(m_agenda.exposed());
     exposure.fate = fate;
     m_linkFreeAt = exposure.dueAt;
 }
@@ -284,7 +286,8 @@ void CaptureEngine::deliver(Lock& lock) {
     m_transfer->stage = Stage::Calling;
     const FrameReport frame = report(*m_transfer);
     m_camera.count(frame.status == 0 ? "StatFrameDelivered" : "StatFrameDropped");
-    m_camera.noteStamp(frame.ticks);
+    m_camera.noteFrame(frame.ticks, m_clock.now(), frame.shape.payload() + m_transfer->exposure.trailer,
+                       m_transfer->exposure.fate.status == 0);
     lock.unlock();
     m_outlet.deliver(m_owner, frame);
     lock.lock();

@@ -33,6 +33,7 @@ struct PictureShape {
 struct SensorSettings {
     PictureShape shape;
     TriggerKind trigger = TriggerKind::External;
+    std::uint64_t trailer = 0;  ///< bytes behind the picture
     Nanoseconds exposure = 0;
     Nanoseconds readout = 0;
     Nanoseconds transfer = 0;
@@ -47,8 +48,14 @@ Nanoseconds readoutTime(const SensorRow& sensor, std::int64_t rows);
 /// Time that `payload` bytes need at `bytesPerSecond`; never zero.
 Nanoseconds transferTime(std::uint64_t payload, std::int64_t bytesPerSecond);
 
+/// What of a frame takes time.
+struct FrameLoad {
+    std::int64_t rows = 0;
+    std::uint64_t bytes = 0;
+};
+
 /// Highest rate in Hz. `bytesPerSecond` 0: the network does not matter.
-double frameRateLimit(const SensorRow& sensor, const PictureShape& shape, double exposureUs,
+double frameRateLimit(const SensorRow& sensor, const FrameLoad& load, double exposureUs,
                       std::int64_t bytesPerSecond);
 
 /// Nearest rate whose period is a whole number of microseconds and that is not above `limit`.
@@ -69,6 +76,8 @@ class ExposureAgenda {
     void softwareTrigger(Nanoseconds now);
 
     State state() const { return m_state; }
+    /// Exposures since the start.
+    std::int64_t exposed() const { return m_exposed; }
     /// True start of the next exposure, if any is due without further signals.
     std::optional<Nanoseconds> next(const SensorSettings& settings) const;
     /// Takes the exposure that `next` announced.

@@ -28,6 +28,7 @@ void Simulation::fill(const Scenario& scenario) {
         Slot slot;
         slot.row = &row;
         slot.faults = std::make_shared<FrameFaults>();
+        slot.userSets = std::make_shared<UserSets>();
         slot.camera = powerUp(slot);
         m_slots.push_back(std::move(slot));
     }
@@ -37,7 +38,7 @@ void Simulation::fill(const Scenario& scenario) {
 }
 
 std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
-    auto camera = std::make_shared<Camera>(*slot.row, m_clock.now());
+    auto camera = std::make_shared<Camera>(*slot.row, m_clock.now(), slot.userSets);
     for (const std::string& feature : slot.removed) camera->features().remove(feature);
     return camera;
 }

@@ -104,6 +104,7 @@ class Simulation {
         std::set<std::string> removed;
         bool held = false;
         std::shared_ptr<FrameFaults> faults;
+        std::shared_ptr<UserSets> userSets;
         std::shared_ptr<Camera> camera;
         std::shared_ptr<CameraSession> session;
     };
