@@ -99,20 +99,18 @@ void Camera::settleSize() {
         };
         return of("Binning") * of("Decimation");
     };
-    // The two exclude each other.
-    const auto isUsed = [this](const std::string& kind) {
-        return m_features.integer(kind + "Horizontal") > 1 || m_features.integer(kind + "Vertical") > 1;
+    // The two exclude each other, on both axes.
+    const auto limit = [this](const std::string& kind, const std::string& other, std::int64_t most) {
+        const bool excluded =
+            m_features.integer(other + "Horizontal") > 1 || m_features.integer(other + "Vertical") > 1;
+        m_features.at(kind + "Horizontal").intRange.max = excluded ? 1 : most;
+        m_features.at(kind + "Vertical").intRange.max = excluded ? 1 : most;
     };
-    const auto limit = [this](const std::string& kind, std::int64_t most) {
-        m_features.at(kind + "Horizontal").intRange.max = most;
-        m_features.at(kind + "Vertical").intRange.max = most;
-    };
-    limit("Binning", isUsed("Decimation") ? 1 : m_row.sensor.mostBinning);
-    limit("Decimation", isUsed("Binning") ? 1 : m_row.sensor.mostDecimation);
-
+    limit("Binning", "Decimation", m_row.sensor.mostBinning);
+    limit("Decimation", "Binning", m_row.sensor.mostDecimation);
     const auto axis = [&](const char* name, std::int64_t whole, const char* max, const char* size,
                           const char* offset) {
-        const std::int64_t most = onGrid(whole / divisor(name), m_features.at(size).intRange);
+        const std::int64_t most = whole / divisor(name);
         m_features.compute(max, most);
         clampTo(size, most);
         clampTo(offset, most - m_features.integer(size));
@@ -125,6 +123,7 @@ void Camera::settleSize() {
 
 void Camera::settleSubregion() {
     const auto edges = [this](const char* first, const char* behind, std::int64_t most) {
+        m_features.at(behind).intRange.min = 1;
         clampTo(behind, most);
         clampTo(first, m_features.integer(behind) - 1);
         m_features.at(behind).intRange.min = m_features.integer(first) + 1;

@@ -6,12 +6,18 @@ namespace {
 constexpr const char* kImageMode = "/ImageMode";
 constexpr const char* kImageFormat = "/ImageFormat";
 
-const std::vector<const char*> kSizeAndRate = {"ImageSize", "PayloadSize", "AcquisitionFrameRateLimit",
-                                               "AcquisitionFrameRateAbs"};
+using Names = std::vector<const char*>;
 
-std::vector<const char*> andSizeAndRate(std::vector<const char*> names) {
-    names.insert(names.end(), kSizeAndRate.begin(), kSizeAndRate.end());
+const Names kSizeAndRate = {"ImageSize", "PayloadSize", "AcquisitionFrameRateLimit",
+                            "AcquisitionFrameRateAbs"};
+
+Names joined(Names names, const Names& more) {
+    names.insert(names.end(), more.begin(), more.end());
     return names;
+}
+
+Names andSizeAndRate(const Names& names) {
+    return joined(names, kSizeAndRate);
 }
 
 void addIdentityRows(FeatureRows& rows, const CameraRow& camera) {
@@ -54,18 +60,26 @@ void addSensorRows(FeatureRows& rows, const CameraRow& camera) {
 }
 
 void addModeRows(FeatureRows& rows, const SensorRow& sensor) {
-    const auto divisor = [&](const char* name, std::int64_t most, const char* max, const char* size,
-                             const char* text) {
+    // Binning and decimation exclude each other, so each changes the other's range.
+    const auto divisor = [&](const char* name, std::int64_t most, const Names& affected, const char* text) {
         rows.push_back(intRow(name, {1, most, 1}, 1)
                            .in(kImageMode)
                            .whileIdle()
-                           .affecting(andSizeAndRate({max, size}))
+                           .affecting(andSizeAndRate(affected))
                            .text(text));
     };
-    divisor("BinningHorizontal", sensor.mostBinning, "WidthMax", "Width", "Columns that are added up");
-    divisor("BinningVertical", sensor.mostBinning, "HeightMax", "Height", "Rows that are added up");
-    divisor("DecimationHorizontal", sensor.mostDecimation, "WidthMax", "Width", "One column of so many");
-    divisor("DecimationVertical", sensor.mostDecimation, "HeightMax", "Height", "One row of so many");
+    const auto across = [](const Names& others) {
+        return joined({"WidthMax", "Width", "OffsetX", "DSPSubregionLeft", "DSPSubregionRight"}, others);
+    };
+    const auto down = [](const Names& others) {
+        return joined({"HeightMax", "Height", "OffsetY", "DSPSubregionTop", "DSPSubregionBottom"}, others);
+    };
+    const Names binning = {"BinningHorizontal", "BinningVertical"};
+    const Names decimation = {"DecimationHorizontal", "DecimationVertical"};
+    divisor("BinningHorizontal", sensor.mostBinning, across(decimation), "Columns that are added up");
+    divisor("BinningVertical", sensor.mostBinning, down(decimation), "Rows that are added up");
+    divisor("DecimationHorizontal", sensor.mostDecimation, across(binning), "One column of so many");
+    divisor("DecimationVertical", sensor.mostDecimation, down(binning), "One row of so many");
     rows.push_back(boolRow("ReverseX", false).in(kImageMode).text("Turns the picture left to right"));
     rows.push_back(boolRow("ReverseY", false).in(kImageMode).text("Turns the picture upside down"));
 }

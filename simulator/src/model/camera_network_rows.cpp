@@ -133,11 +133,10 @@ void addAddressRows(FeatureRows& rows, const CameraRow& camera) {
         rows.push_back(intRow(name, kAny, value).in(current).readOnly().text(text));
     };
     const auto kept = [&](const char* name, const char* text) {
-        rows.push_back(intRow(name, kAddresses, 0).in(persistent).whileIdle().text(text));
+        rows.push_back(intRow(name, kAddresses, 0).in(persistent).text(text));
     };
     rows.push_back(enumRow("GevIPConfigurationMode", {{"LLA", 4}, {"Persistent", 5}, {"DHCP", 6}}, 4)
                        .in("/GigE/Configuration")
-                       .whileIdle()
                        .text("Where the address at the next power-up comes from"));
     fixed("GevCurrentIPAddress", lowestFirst(camera.ipAddress), "Address of the camera");
     fixed("GevCurrentSubnetMask", lowestFirst(camera.subnetMask), "Mask of its network");
