@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+
+#include "camera_events.h"
 
 namespace simulator {
 namespace {
@@ -14,8 +17,16 @@ std::int64_t onGrid(std::int64_t value, const IntRange& range) {
 
 }  // namespace
 
-Camera::Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp)
-    : m_row(row), m_features(cameraFeatureRows(row)), m_memory(row), m_clock(powerUp, oscillator) {
+Camera::Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp,
+               std::shared_ptr<UserSets> sets)
+    : m_row(row),
+      m_features(cameraFeatureRows(row)),
+      m_memory(row),
+      m_clock(powerUp, oscillator),
+      m_sets(std::move(sets)) {
+    m_sets->remember(m_features);
+    m_sets->load(m_sets->atPowerUp(), m_features);
+    m_features.compute("UserSetDefaultSelector", m_sets->atPowerUp());
     replaceClock(oscillator, powerUp);
 }
 
@@ -28,21 +39,103 @@ void Camera::replaceClock(const OscillatorRow& oscillator, Nanoseconds now) {
 
 void Camera::round(const Feature& feature, FeatureValue& value) const {
     const std::string_view name = feature.row.name;
-    if (name == "ExposureTimeAbs") {
-        value = std::round(std::get<double>(value));
+    if (name == "EventsEnable1") {
+        // Bits of no event stay off.
+        value = std::get<std::int64_t>(value) & feature.intRange.max;
     } else if (name == "AcquisitionFrameRateAbs") {
         value = rateOnGrid(std::get<double>(value), feature.floatRange.max);
     }
 }
 
+void Camera::settleAfter(const Feature& written) {
+    const std::string_view name = written.row.name;
+    if (name == "EventsEnable1") settleEventBits();
+    if (name == "GVSPPacketSize") m_features.assign("GevSCPSPacketSize", m_features.value(written));
+    if (name == "UserSetDefaultSelector") m_sets->useAtPowerUp(m_features.integer(name));
+    settle();
+}
+
 void Camera::settle() {
+    settleViews();
+    settleSize();
+    settleSubregion();
     const PictureShape picture = shape();
-    m_features.compute("ImageSize", static_cast<std::int64_t>(picture.payload()));
-    m_features.compute("PayloadSize", static_cast<std::int64_t>(picture.payload()));
-    settleRanges();
+    const bool chunk = m_features.flag("ChunkModeActive");
+    const auto payload = static_cast<std::int64_t>(picture.payload());
+    m_features.compute("ImageSize", payload);
+    m_features.compute("NonImagePayloadSize", static_cast<std::int64_t>(chunk ? kChunkSize : 0));
+    m_sensor.trailer = chunk ? kChunkTrailerSize : 0;
+    m_features.compute("PayloadSize", payload + static_cast<std::int64_t>(m_sensor.trailer));
     settleTiming(picture);
     settleTrigger();
-    settleEvents();
+}
+
+void Camera::settleEventBits() {
+    const std::int64_t bits = m_features.integer("EventsEnable1");
+    Feature& switches = m_features.at("EventNotification");
+    const auto& entries = m_features.at("EventSelector").row.entries;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const bool on = (bits & cameraEvent(entries[i].name).bit()) != 0;
+        switches.values[i] = std::int64_t{on ? 1 : 0};
+    }
+    switches.forced = false;
+}
+
+void Camera::settleViews() {
+    std::int64_t bits = 0;
+    for (const CameraEventRow& event : cameraEvents()) {
+        if (event.selectable && m_features.integer("EventNotification", event.name) == 1) bits |= event.bit();
+    }
+    m_notified = bits;
+    m_features.compute("EventsEnable1", bits);
+    m_features.compute("GVSPPacketSize", m_features.integer("GevSCPSPacketSize"));
+    m_features.compute("PtpStatus", m_features.integer("PtpMode"));
+}
+
+void Camera::clampTo(const char* name, std::int64_t max) {
+    Feature& feature = m_features.at(name);
+    feature.intRange.max = onGrid(max, feature.intRange);
+    m_features.compute(name, std::min(m_features.integer(name), feature.intRange.max));
+}
+
+void Camera::settleSize() {
+    const auto divisor = [this](const char* axis) {
+        const auto of = [&](const char* kind) {
+            return std::max<std::int64_t>(1, m_features.integer(std::string(kind) + axis));
+        };
+        return of("Binning") * of("Decimation");
+    };
+    // The two exclude each other, on both axes.
+    const auto limit = [this](const std::string& kind, const std::string& other, std::int64_t most) {
+        const bool excluded =
+            m_features.integer(other + "Horizontal") > 1 || m_features.integer(other + "Vertical") > 1;
+        m_features.at(kind + "Horizontal").intRange.max = excluded ? 1 : most;
+        m_features.at(kind + "Vertical").intRange.max = excluded ? 1 : most;
+    };
+    limit("Binning", "Decimation", m_row.sensor.mostBinning);
+    limit("Decimation", "Binning", m_row.sensor.mostDecimation);
+    const auto axis = [&](const char* name, std::int64_t whole, const char* max, const char* size,
+                          const char* offset) {
+        const std::int64_t most = whole / divisor(name);
+        m_features.compute(max, most);
+        clampTo(size, most);
+        clampTo(offset, most - m_features.integer(size));
+        m_features.at(size).intRange.max =
+            onGrid(most - m_features.integer(offset), m_features.at(size).intRange);
+    };
+    axis("Horizontal", m_row.sensor.width, "WidthMax", "Width", "OffsetX");
+    axis("Vertical", m_row.sensor.height, "HeightMax", "Height", "OffsetY");
+}
+
+void Camera::settleSubregion() {
+    const auto edges = [this](const char* first, const char* behind, std::int64_t most) {
+        m_features.at(behind).intRange.min = 1;
+        clampTo(behind, most);
+        clampTo(first, m_features.integer(behind) - 1);
+        m_features.at(behind).intRange.min = m_features.integer(first) + 1;
+    };
+    edges("DSPSubregionLeft", "DSPSubregionRight", m_features.integer("WidthMax"));
+    edges("DSPSubregionTop", "DSPSubregionBottom", m_features.integer("HeightMax"));
 }
 
 PictureShape Camera::shape() const {
@@ -60,22 +153,13 @@ PictureShape Camera::shape() const {
     return picture;
 }
 
-void Camera::settleRanges() {
-    const auto limit = [this](const char* name, std::int64_t whole, const char* taken) {
-        Feature& feature = m_features.at(name);
-        feature.intRange.max = onGrid(whole - m_features.integer(taken), feature.intRange);
-    };
-    limit("Width", m_row.sensor.width, "OffsetX");
-    limit("Height", m_row.sensor.height, "OffsetY");
-    limit("OffsetX", m_row.sensor.width, "Width");
-    limit("OffsetY", m_row.sensor.height, "Height");
-}
-
 void Camera::settleTiming(const PictureShape& picture) {
     const std::int64_t bytesPerSecond = std::max<std::int64_t>(1, m_features.integer("StreamBytesPerSecond"));
     const bool constrained = m_features.flag("StreamFrameRateConstrain");
     const double exposureUs = std::clamp(m_features.number("ExposureTimeAbs"), 1.0, 1e9);
-    const double limit = frameRateLimit(m_row.sensor, picture, exposureUs, constrained ? bytesPerSecond : 0);
+    const std::uint64_t payload = picture.payload() + m_sensor.trailer;
+    const double limit =
+        frameRateLimit(m_row.sensor, {picture.height, payload}, exposureUs, constrained ? bytesPerSecond : 0);
     m_features.compute("AcquisitionFrameRateLimit", limit);
     m_features.at("AcquisitionFrameRateAbs").floatRange.max = limit;
 
@@ -83,7 +167,7 @@ void Camera::settleTiming(const PictureShape& picture) {
     m_sensor.shape = picture;
     m_sensor.exposure = std::llround(exposureUs * 1e3);
     m_sensor.readout = readoutTime(m_row.sensor, picture.height);
-    m_sensor.transfer = transferTime(picture.payload(), bytesPerSecond);
+    m_sensor.transfer = transferTime(payload, bytesPerSecond);
     m_sensor.period = std::llround(1e9 / rate);
     m_sensor.shortestPeriod = std::llround(1e9 / limit);
     m_sensor.frameLimit = frameLimit();
@@ -107,14 +191,6 @@ void Camera::settleTrigger() {
     m_sensor.holdsStream = m_features.has("StreamHoldEnable") && m_features.integer("StreamHoldEnable") == 1;
 }
 
-void Camera::settleEvents() {
-    m_notified = 0;
-    for (std::size_t i = 0; i < kCameraEventNames.size(); ++i) {
-        const bool on = m_features.integer("EventNotification", kCameraEventNames[i]) == 1;
-        m_notified |= static_cast<std::uint32_t>(on) << i;
-    }
-}
-
 std::int64_t Camera::frameLimit() const {
     const std::string_view mode =
         entryName(m_features.at("AcquisitionMode"), FeatureValue(m_features.integer("AcquisitionMode")));
@@ -127,12 +203,28 @@ std::string Camera::userName() const {
     return name != nullptr ? *name : "";
 }
 
+Result Camera::saveUserSet() {
+    return m_sets->save(m_features.integer("UserSetSelector"), m_features);
+}
+
+void Camera::loadUserSet() {
+    m_sets->load(m_features.integer("UserSetSelector"), m_features);
+    settle();
+}
+
+void Camera::resetClock(Nanoseconds now) {
+    const Feature& status = m_features.at("PtpStatus");
+    const bool isMaster = entryName(status, m_features.value(status)) == std::string_view("Master");
+    if (!isMaster) m_clock.reset(now);
+}
+
 void Camera::latchClock(Nanoseconds now) {
     m_features.compute("GevTimestampValue", static_cast<std::int64_t>(m_clock.ticks(now)));
 }
 
 void Camera::adjustPacketSize() {
     m_features.compute("GevSCPSPacketSize", kLargestPassingPacket);
+    settle();
 }
 
 unsigned Camera::noteExposure() {
@@ -141,24 +233,14 @@ unsigned Camera::noteExposure() {
     return changes;
 }
 
-void Camera::resetStatistics() {
-    for (const char* name : {"StatFrameDelivered", "StatFrameDropped", "StatFrameUnderrun"}) {
-        m_features.compute(name, std::int64_t{0});
-    }
-    m_features.compute("StatFrameRate", 0.0);
-    m_lastTicks = 0;
-}
-
-void Camera::count(const char* statistic) {
-    m_features.compute(statistic, m_features.integer(statistic) + 1);
-}
-
-void Camera::noteStamp(std::uint64_t ticks) {
-    if (m_lastTicks != 0 && ticks > m_lastTicks) {
-        m_features.compute("StatFrameRate", static_cast<double>(m_clock.tickFrequency()) /
-                                                static_cast<double>(ticks - m_lastTicks));
-    }
-    m_lastTicks = ticks;
+ChunkData Camera::chunkData(std::int64_t nth) const {
+    ChunkData data;
+    data.acquisitionCount = static_cast<std::uint32_t>(nth);
+    data.exposureUs = static_cast<std::uint32_t>(std::clamp(m_features.number("ExposureTimeAbs"), 0.0, 4e9));
+    data.gainDb = static_cast<std::uint32_t>(std::clamp(std::round(m_features.number("Gain")), 0.0, 4e9));
+    data.inputs = static_cast<std::uint16_t>(m_features.integer("SyncInLevels"));
+    data.outputs = static_cast<std::uint16_t>(m_features.integer("SyncOutLevels"));
+    return data;
 }
 
 }  // namespace simulator

@@ -2,24 +2,30 @@
 /// and by whom it is open is not its business.
 #pragma once
 
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "auto_functions.h"
 #include "camera_clock.h"
-#include "camera_event.h"
+#include "camera_events.h"
 #include "camera_memory.h"
 #include "camera_row.h"
+#include "chunk_data.h"
 #include "clock.h"
 #include "feature_table.h"
 #include "sensor.h"
+#include "user_sets.h"
 
 namespace simulator {
 
 /// Everything but `row` and `mutex` is covered by the mutex.
 class Camera {
   public:
-    Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp);
+    /// With the settings that `sets` has for power-up.
+    Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp,
+           std::shared_ptr<UserSets> sets);
 
     const CameraRow& row() const { return m_row; }
     std::mutex& mutex() { return m_mutex; }
@@ -35,13 +41,22 @@ class Camera {
     void round(const Feature& feature, FeatureValue& value) const;
     /// Recomputes everything that depends on settings.
     void settle();
+    /// The same after a client set a feature, which may be another view of one that counts.
+    void settleAfter(const Feature& written);
+    /// The commands on the selected user set.
+    Result saveUserSet();
+    void loadUserSet();
 
     bool isAcquiring() const { return m_acquiring; }
     void setAcquiring(bool acquiring) { m_acquiring = acquiring; }
 
-    bool notifies(CameraEvent event) const { return (m_notified >> static_cast<unsigned>(event) & 1) != 0; }
+    /// Does the client want to know?
+    bool notifies(CameraEvent event) const {
+        return (m_notified >> (static_cast<std::int64_t>(event) - CameraEventRow::kNumberOfBitZero) & 1) != 0;
+    }
 
-    void resetClock(Nanoseconds now) { m_clock.reset(now); }
+    /// Without effect on the master of the network's time.
+    void resetClock(Nanoseconds now);
     /// The camera's clock becomes another one, which starts now.
     void replaceClock(const OscillatorRow& oscillator, Nanoseconds now);
     void seedClock(std::uint64_t seed) { m_clock.setSeed(seed); }
@@ -51,17 +66,26 @@ class Camera {
     void setScene(const Scene& scene) { m_scene = scene; }
     /// Lets the automatic functions work. Bits of AutomaticChange.
     unsigned noteExposure();
-    /// The statistics of a new acquisition.
-    void resetStatistics();
-    void count(const char* statistic);
-    void noteStamp(std::uint64_t ticks);
+    /// Data behind the picture of an acquisition's n-th frame.
+    ChunkData chunkData(std::int64_t nth) const;
+
+    /// The statistics of an acquisition that starts now.
+    void resetStatistics(Nanoseconds now);
+    void count(const char* statistic, std::int64_t times = 1);
+    /// A frame of `payload` bytes reached the client at true time `now`.
+    void noteFrame(std::uint64_t ticks, Nanoseconds now, std::uint64_t payload, bool complete);
+    void noteElapsed(Nanoseconds now);
 
   private:
     PictureShape shape() const;
+    void settleViews();
+    void settleEventBits();
+    void settleSize();
+    void settleSubregion();
+    void clampTo(const char* name, std::int64_t max);
     void settleRanges();
     void settleTiming(const PictureShape& shape);
     void settleTrigger();
-    void settleEvents();
     std::int64_t frameLimit() const;
 
     const CameraRow& m_row;
@@ -73,8 +97,11 @@ class Camera {
     bool m_acquiring = false;
     AutoFunctions m_autoFunctions;
     Scene m_scene;
-    std::uint32_t m_notified = 0;  // a bit per CameraEvent
+    std::int64_t m_notified = 0;  // as EventsEnable1
+    const std::shared_ptr<UserSets> m_sets;
     std::uint64_t m_lastTicks = 0;
+    Nanoseconds m_lastFrameAt = 0;
+    std::optional<Nanoseconds> m_acquiringSince;
 };
 
 }  // namespace simulator

@@ -6,8 +6,6 @@ namespace {
 const std::vector<EnumEntry> kOffOn = {{"Off", 0}, {"On", 1}};
 const std::vector<EnumEntry> kAutoModes = {{"Off", 1}, {"Continuous", 2}, {"Once", 3}};
 
-constexpr double kLongestExposureUs = 60'000'000;
-
 FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
     return intRow(name, range, initial).of("%");
 }
@@ -19,11 +17,15 @@ void addAcquisitionRows(FeatureRows& rows, const CameraRow& camera) {
     rows.push_back(enumRow("AcquisitionMode",
                            {{"Continuous", 1}, {"SingleFrame", 2}, {"MultiFrame", 3}, {"Recorder", 4}}, 1)
                        .in(path)
+                       .except({{"Recorder"}})
                        .whileIdle()
                        .text("How many frames one start gives"));
     rows.push_back(intRow("AcquisitionFrameCount", {1, 65'535, 1}, 1)
                        .in(path)
                        .text("Frames of one start in MultiFrame mode"));
+    rows.push_back(intRow("RecorderPreEventCount", {0, 65'535, 1}, 0)
+                       .in(path)
+                       .text("Frames before the record trigger in mode Recorder"));
     rows.push_back(commandRow("AcquisitionStart").in(path).text("Starts the acquisition"));
     rows.push_back(commandRow("AcquisitionStop").in(path).text("Ends it after the running frame"));
     rows.push_back(commandRow("AcquisitionAbort").in(path).text("Ends it and drops the running frame"));
@@ -48,13 +50,15 @@ void addTriggerRows(FeatureRows& rows) {
                 {{"FrameStart", 0}, {"AcquisitionStart", 3}, {"AcquisitionEnd", 4}, {"AcquisitionRecord", 6}},
                 0)
             .in(path)
-            .affecting(
-                {"TriggerMode", "TriggerSource", "TriggerActivation", "TriggerDelayAbs", "TriggerOverlap"})
+            .affecting({"TriggerMode", "TriggerSource", "TriggerActivation", "TriggerDelayAbs",
+                        "TriggerOverlap", "TriggerSoftware"})
             .text("Trigger that the other trigger features are about"));
-    rows.push_back(enumRow("TriggerMode", kOffOn, off)
-                       .in(path)
-                       .per(selector, {on, off, off, off})
-                       .text("Whether the trigger is used"));
+    rows.push_back(
+        enumRow("TriggerMode", kOffOn, off)
+            .in(path)
+            .per(selector, {on, off, off, off})
+            .except({{"On", "AcquisitionStart"}, {"On", "AcquisitionEnd"}, {"On", "AcquisitionRecord"}})
+            .text("Whether the trigger is used"));
     rows.push_back(enumRow("TriggerSource",
                            {{"Freerun", 0},
                             {"Line1", 1},
@@ -82,20 +86,26 @@ void addTriggerRows(FeatureRows& rows) {
                        .in(path)
                        .per(selector)
                        .text("What becomes of a signal that comes too early"));
-    rows.push_back(commandRow("TriggerSoftware").in(path).text("Triggers one frame"));
+    rows.push_back(commandRow("TriggerSoftware").in(path).per(selector).text("Triggers one frame"));
 }
 
 void addExposureRows(FeatureRows& rows, const CameraRow& camera) {
     const char* path = "/Controls/Exposure";
     const double shortest = camera.sensor.shortestExposureUs;
-    const IntRange autoRange{static_cast<std::int64_t>(shortest),
-                             static_cast<std::int64_t>(kLongestExposureUs), 1};
+    const double longest = camera.sensor.longestExposureUs;
+    const IntRange autoRange{static_cast<std::int64_t>(shortest), static_cast<std::int64_t>(longest), 1};
     rows.push_back(enumRow("ExposureMode", {{"Timed", 1}}, 1).in(path).text("How the exposure ends"));
-    rows.push_back(floatRow("ExposureTimeAbs", {shortest, kLongestExposureUs}, 15'000.0)
+    rows.push_back(floatRow("ExposureTimeAbs", {shortest, longest}, 15'000.0)
                        .in(path)
                        .of("µs")
+                       .roundedTo(camera.sensor.exposureIncrementUs)
                        .affecting({"AcquisitionFrameRateLimit", "AcquisitionFrameRateAbs"})
-                       .text("Exposure time in whole microseconds"));
+                       .text("Exposure time, rounded to ExposureTimeIncrement"));
+    rows.push_back(floatRow("ExposureTimeIncrement", {0, 1e9}, camera.sensor.exposureIncrementUs)
+                       .in(path)
+                       .of("µs")
+                       .readOnly()
+                       .text("Step of the exposure time"));
     rows.push_back(enumRow("ExposureAuto", kAutoModes, 1)
                        .in(path)
                        .affecting({"ExposureTimeAbs"})
@@ -125,8 +135,12 @@ void addExposureRows(FeatureRows& rows, const CameraRow& camera) {
 void addGainRows(FeatureRows& rows, const CameraRow& camera) {
     const char* path = "/Controls/Gain";
     const FloatRange gains{0, camera.hottestGain};
-    rows.push_back(enumRow("GainSelector", {{"All", 0}}, 0).in(path).text("Channel that the gain is for"));
-    rows.push_back(floatRow("Gain", gains, 0.0).in(path).of("dB").text("Gain"));
+    rows.push_back(enumRow("GainSelector", {{"All", 0}}, 0)
+                       .in(path)
+                       .affecting({"Gain"})
+                       .text("Channel that the gain is for"));
+    rows.push_back(
+        floatRow("Gain", gains, 0.0).in(path).of("dB").inSteps(0.1).per("GainSelector").text("Gain"));
     rows.push_back(enumRow("GainAuto", kAutoModes, 1).in(path).affecting({"Gain"}).text("Automatic gain"));
     rows.push_back(
         percentRow("GainAutoAdjustTol", {0, 50, 1}, 5).in(path).text("Dead band of the automatic gain"));
@@ -139,31 +153,6 @@ void addGainRows(FeatureRows& rows, const CameraRow& camera) {
                        .text("Share of pixels that the automatic gain ignores"));
     rows.push_back(percentRow("GainAutoRate", {1, 100, 1}, 100).in(path).text("Speed of the automatic gain"));
     rows.push_back(percentRow("GainAutoTarget", {0, 100, 1}, 50).in(path).text("Aim of the automatic gain"));
-    rows.push_back(floatRow("Gamma", {0.45, 1.0}, 1.0).in("/Controls").text("Gamma, 1 for none"));
-}
-
-void addColourRows(FeatureRows& rows) {
-    const char* path = "/Controls/Whitebalance";
-    rows.push_back(floatRow("Hue", {-40, 40}, 0.0).in("/Controls").of("°").text("Turn of the colours"));
-    rows.push_back(floatRow("Saturation", {0, 2}, 1.0).in("/Controls").text("Saturation of the colours"));
-    rows.push_back(enumRow("BalanceWhiteAuto", kAutoModes, 1)
-                       .in(path)
-                       .affecting({"BalanceRatioAbs"})
-                       .text("Automatic white balance"));
-    rows.push_back(percentRow("BalanceWhiteAutoAdjustTol", {0, 50, 1}, 5)
-                       .in(path)
-                       .text("Dead band of the automatic white balance"));
-    rows.push_back(percentRow("BalanceWhiteAutoRate", {1, 100, 1}, 100)
-                       .in(path)
-                       .text("Speed of the automatic white balance"));
-    rows.push_back(enumRow("BalanceRatioSelector", {{"Red", 0}, {"Blue", 1}}, 0)
-                       .in(path)
-                       .affecting({"BalanceRatioAbs"})
-                       .text("Colour that BalanceRatioAbs is for"));
-    rows.push_back(floatRow("BalanceRatioAbs", {0.8, 3.0}, 1.0)
-                       .in(path)
-                       .per("BalanceRatioSelector")
-                       .text("Gain of the colour against green"));
 }
 
 }  // namespace simulator

@@ -17,10 +17,16 @@ void addAcquisitionRows(FeatureRows& rows, const CameraRow& camera);
 void addTriggerRows(FeatureRows& rows);
 void addExposureRows(FeatureRows& rows, const CameraRow& camera);
 void addGainRows(FeatureRows& rows, const CameraRow& camera);
+void addLevelRows(FeatureRows& rows);
 void addColourRows(FeatureRows& rows);
-void addTimestampRows(FeatureRows& rows);
+void addSubregionRows(FeatureRows& rows, const SensorRow& sensor);
+void addTimestampRows(FeatureRows& rows, const CameraRow& camera);
+void addPtpRows(FeatureRows& rows);
 void addEventRows(FeatureRows& rows);
-void addStreamRows(FeatureRows& rows);
+void addNetworkRows(FeatureRows& rows, const CameraRow& camera);
 void addStatisticsRows(FeatureRows& rows);
+void addLineRows(FeatureRows& rows);
+void addStatusRows(FeatureRows& rows);
+void addUserSetRows(FeatureRows& rows);
 
 }  // namespace simulator

@@ -22,6 +22,11 @@ struct SensorRow {
     double skippedRowSeconds;   ///< of a row outside of the picture
     double readoutSeconds;      ///< fixed part of the readout
     double shortestExposureUs;  ///< also the pause that an exposure needs before the next one
+    double longestExposureUs = 60'000'000;
+    double exposureIncrementUs = 1;
+    std::int64_t mostBinning = 8;
+    std::int64_t mostDecimation = 8;
+    std::int64_t bits = 12;  ///< depth of a pixel
 };
 
 /// An interface of the host. Texts are literals: clients keep pointers to them.

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 namespace simulator {
 
@@ -163,9 +164,16 @@ Result CameraSession::useMemory(bool change, const std::function<Result(CameraMe
 }
 
 void CameraSession::onChanged(const Feature& feature) {
-    m_camera->settle();
-    static_cast<void>(feature);
+    m_camera->settleAfter(feature);
     m_engine.settle();
+}
+
+void CameraSession::refresh(const Feature& feature) {
+    const std::string_view name = feature.row.name;
+    if (name == "StatTimeElapsed") m_camera->noteElapsed(m_clock.now());
+    if (name == "StreamAnnouncedBufferCount") {
+        m_camera->features().compute(name, static_cast<std::int64_t>(m_engine.queue().announcedCount()));
+    }
 }
 
 Result CameraSession::execute(Lock&, const char* command) {
@@ -178,21 +186,21 @@ Result CameraSession::execute(Lock&, const char* command) {
     if (is("GevTimestampControlReset")) m_camera->resetClock(now);
     if (is("GevTimestampControlLatch")) m_camera->latchClock(now);
     if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize();
+    if (is("UserSetSave")) return m_camera->saveUserSet();
+    if (is("UserSetLoad")) {
+        m_camera->loadUserSet();
+        m_engine.settle();
+    }
     return Result::Success;
 }
 
 void CameraSession::onEvent(CameraEvent event, std::uint64_t frameId, Nanoseconds at) {
-    const std::string feature = std::string("Event") + kCameraEventNames[static_cast<std::size_t>(event)];
-    const char* const name = keptText(feature);
-    const char* const timestamp = keptText(feature + "Timestamp");
-    const char* const frame = keptText(feature + "FrameID");
+    const CameraEventRow& row = cameraEvent(event);
     const auto ticks = static_cast<std::int64_t>(m_camera->clock().ticks(at));
     const auto id = static_cast<std::int64_t>(frameId);
-    const std::uint64_t number = events().post({{timestamp, frame, name},
-                                                [=, this] {
-                                                    assign({{timestamp, ticks}, {frame, id}});
-                                                },
-                                                at > m_clock.now() ? at : 0});
+    const auto apply = [=, this, &row] { assign({{row.timeFeature, ticks}, {row.frameFeature, id}}); };
+    const std::uint64_t number =
+        events().post({{row.timeFeature, row.frameFeature, row.feature}, apply, at > m_clock.now() ? at : 0});
     if (event == CameraEvent::AcquisitionStart) m_startEvent = number;
 }
 

@@ -69,6 +69,7 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     void round(const Feature& feature, FeatureValue& value) const override {
         m_camera->round(feature, value);
     }
+    void refresh(const Feature& feature) override;
     bool isStored(const FeatureRow& row) const override { return isStreamable(row); }
     void onChanged(const Feature& feature) override;
     Result execute(Lock& lock, const char* command) override;

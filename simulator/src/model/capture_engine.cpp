@@ -106,7 +106,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     if (!m_watchingLine) m_line.skipTo(now);
     m_agenda.start(now, m_camera.sensor(), m_line.isHigh());
     m_camera.setAcquiring(true);
-    m_camera.resetStatistics();
+    m_camera.resetStatistics(now);
     m_linkFreeAt = now;
     m_lastSent = m_nextId - 1;
     report(CameraEvent::AcquisitionStart, m_nextId, now);

@@ -26,6 +26,7 @@ struct FrameReport {
     QueuedFrame frame;
     std::int32_t status = 0;
     std::uint32_t imageSize = 0;
+    std::uint32_t ancillarySize = 0;
     PictureShape shape;
     std::uint64_t id = 0;
     std::uint64_t ticks = 0;
@@ -121,6 +122,8 @@ class CaptureEngine {
         Nanoseconds dueAt = 0;
         std::uint64_t ticks = 0;
         PictureShape shape;
+        std::uint64_t trailer = 0;  // bytes behind the picture
+        ChunkData chunk;
         FrameFate fate;
     };
     enum class Stage { Drawing, Ready, Calling };

@@ -36,15 +36,16 @@ void CaptureEngine::draw(const Transfer& transfer) {
     stamp.way = static_cast<std::uint64_t>(exposure.dueAt - exposure.start);
     stamp.width = exposure.shape.width;
     stamp.height = exposure.shape.height;
-    if (memory.size >= payload) {
+    if (memory.size >= payload + exposure.trailer) {
         m_picture.draw(exposure.shape, stamp, memory.buffer);
+        if (exposure.trailer > 0) writeChunkTrailer(memory.buffer + payload, exposure.chunk);
         if (exposure.fate.status != 0) {
             damage(memory.buffer + (payload - gap(payload)) / 2, gap(payload), exposure.id);
         }
     } else {
         m_scratch.resize(payload);
         m_picture.draw(exposure.shape, stamp, m_scratch.data());
-        std::memcpy(memory.buffer, m_scratch.data(), memory.size);
+        std::memcpy(memory.buffer, m_scratch.data(), std::min<std::uint64_t>(memory.size, payload));
     }
 }
 
@@ -58,10 +59,11 @@ FrameReport CaptureEngine::report(const Transfer& transfer) const {
     report.ticks = exposure.ticks;
     report.status = exposure.fate.status;
     report.imageSize = static_cast<std::uint32_t>(report.status == 0 ? payload : payload - gap(payload));
-    if (transfer.frame.memory.size < payload) {
+    if (transfer.frame.memory.size < payload + exposure.trailer) {
         if (report.status == 0) report.status = kTooSmall;
         report.imageSize = std::min(report.imageSize, transfer.frame.memory.size);
     }
+    if (report.status == 0) report.ancillarySize = static_cast<std::uint32_t>(exposure.trailer);
     return report;
 }
 

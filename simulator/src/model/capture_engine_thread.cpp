@@ -105,6 +105,8 @@ void CaptureEngine::expose(Nanoseconds start) {
     exposure.dueAt = exposure.transferAt + settings.transfer;
     exposure.ticks = clock.stamp(start, m_exposures++);
     exposure.shape = settings.shape;
+    exposure.trailer = settings.trailer;
+    if (settings.trailer > 0) exposure.chunk = m_camera.chunkData(m_agenda.exposed());
     exposure.fate = fate;
     m_linkFreeAt = exposure.dueAt;
 }
@@ -139,7 +141,8 @@ void CaptureEngine::deliver(Lock& lock) {
     m_transfer->stage = Stage::Calling;
     const FrameReport frame = report(*m_transfer);
     m_camera.count(frame.status == 0 ? "StatFrameDelivered" : "StatFrameDropped");
-    m_camera.noteStamp(frame.ticks);
+    m_camera.noteFrame(frame.ticks, m_clock.now(), frame.shape.payload() + m_transfer->exposure.trailer,
+                       m_transfer->exposure.fate.status == 0);
     m_queue.markFilled(frame.frame.memory.record);
     for (FrameWaiter* waiter : m_frameWaiters) {
         if (waiter->record == frame.frame.memory.record) waiter->filled = true;

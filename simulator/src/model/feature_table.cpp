@@ -244,6 +244,22 @@ Result FeatureTable::remove(std::string_view name) {
     return Result::Success;
 }
 
+FeatureValues FeatureTable::values(const std::function<bool(const FeatureRow&)>& chosen) const {
+    FeatureValues values;
+    for (const auto& [name, feature] : m_features) {
+        if (chosen(feature.row)) values.emplace(name, feature.values);
+    }
+    return values;
+}
+
+void FeatureTable::restore(const FeatureValues& values) {
+    for (const auto& [name, saved] : values) {
+        Feature& feature = at(name);
+        feature.values = saved;
+        feature.forced = false;
+    }
+}
+
 std::vector<const Feature*> FeatureTable::visible() const {
     std::vector<const Feature*> features;
     for (const auto& [name, feature] : m_features) {

@@ -1,6 +1,7 @@
 /// The features of one camera, or of the library itself, and their values.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ struct Feature {
     bool removed = false;  ///< the client sees no such feature
     bool forced = false;   ///< the model no longer computes the value
 };
+
+/// Values by feature, as many of each as its selector has entries.
+using FeatureValues = std::map<std::string, std::vector<FeatureValue>, std::less<>>;
 
 /// Not synchronised: the owner's lock covers it.
 class FeatureTable {
@@ -58,6 +62,10 @@ class FeatureTable {
     Result force(std::string_view name, std::string_view text);
     /// From here on clients see no such feature.
     Result remove(std::string_view name);
+
+    /// Values of the features that `chosen` picks, and back; ranges are not looked at.
+    FeatureValues values(const std::function<bool(const FeatureRow&)>& chosen) const;
+    void restore(const FeatureValues& values);
 
     /// Features that clients see, by name in alphabetical order.
     std::vector<const Feature*> visible() const;

@@ -4,15 +4,19 @@
 
 namespace simulator {
 
-thread_local const CurrentCall* CurrentCall::t_current = nullptr;
+thread_local CurrentCall* CurrentCall::t_current = nullptr;
 
-void MisuseLog::add(std::string_view sentence, std::string_view subject) {
-    const CurrentCall* call = CurrentCall::get();
-    std::string line = call != nullptr ? call->text()
-                                       : "[" + std::string(threadRoleName(currentThreadRole())) + "] " +
-                                             std::string(subject);
-    line += ": misuse: ";
-    line += sentence;
+void MisuseLog::add(const char* sentence, std::string_view subject) {
+    if (CurrentCall* call = CurrentCall::get()) {
+        call->note(sentence);
+    } else {
+        append("[" + std::string(threadRoleName(currentThreadRole())) + "] " + std::string(subject),
+               sentence);
+    }
+}
+
+void MisuseLog::append(const std::string& who, const char* sentence) {
+    const std::string line = who + ": misuse: " + sentence;
     if (m_journal.isOn()) m_journal.append(line);
     const std::lock_guard lock(m_mutex);
     m_text += line;

@@ -4,23 +4,34 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "journal.h"
 
 namespace simulator {
 
-/// The call of the vendor's interface that runs on this thread, for reports.
+/// The call of the vendor's interface that runs on this thread. It reports its misuses when it ends, since
+/// its text is written with locks that may be held while a misuse is found.
 class CurrentCall {
   public:
-    /// "[host] VmbCaptureEnd(DEV_000F31A10001)"
-    virtual std::string text() const = 0;
+    void note(const char* sentence) { m_misuses.push_back(sentence); }
 
     /// Null outside of calls; the innermost one in a call from a callback.
-    static const CurrentCall* get() { return t_current; }
+    static CurrentCall* get() { return t_current; }
 
   protected:
-    ~CurrentCall() = default;
-    static thread_local const CurrentCall* t_current;
+    CurrentCall() : m_outer(t_current) { t_current = this; }
+    ~CurrentCall() { t_current = m_outer; }
+    CurrentCall(const CurrentCall&) = delete;
+    CurrentCall& operator=(const CurrentCall&) = delete;
+
+    const std::vector<const char*>& misuses() const { return m_misuses; }
+
+  private:
+    static thread_local CurrentCall* t_current;
+
+    CurrentCall* const m_outer;
+    std::vector<const char*> m_misuses;
 };
 
 inline constexpr const char* kWaitInCallback = "a wait inside a callback";
@@ -30,8 +41,11 @@ class MisuseLog {
   public:
     explicit MisuseLog(Journal& journal) : m_journal(journal) {}
 
-    /// Adds a line of the call, or of `subject` outside of calls, and the sentence.
-    void add(std::string_view sentence, std::string_view subject = "");
+    /// Within a call it is the call's misuse; else a line of the thread, the subject and the sentence is
+    /// added.
+    void add(const char* sentence, std::string_view subject = "");
+    /// Adds a line of `who`, such as "[host] VmbCaptureEnd(DEV_000F31A10001)", and the sentence.
+    void append(const std::string& who, const char* sentence);
     void clear();
     /// The lines, each with its end.
     std::string text() const;

@@ -5,8 +5,17 @@
 
 namespace simulator {
 
+namespace {
+
+double readoutSeconds(const SensorRow& sensor, std::int64_t rows) {
+    return static_cast<double>(rows) * sensor.rowSeconds +
+           static_cast<double>(sensor.height - rows) * sensor.skippedRowSeconds + sensor.readoutSeconds;
+}
+
+}  // namespace
+
 Nanoseconds readoutTime(const SensorRow& sensor, std::int64_t rows) {
-    return std::llround((static_cast<double>(rows) * sensor.rowSeconds + sensor.readoutSeconds) * 1e9);
+    return std::llround(readoutSeconds(sensor, rows) * 1e9);
 }
 
 Nanoseconds transferTime(std::uint64_t payload, std::int64_t bytesPerSecond) {
@@ -14,13 +23,12 @@ Nanoseconds transferTime(std::uint64_t payload, std::int64_t bytesPerSecond) {
     return std::max<Nanoseconds>(1, std::llround(seconds * 1e9));
 }
 
-double frameRateLimit(const SensorRow& sensor, const PictureShape& shape, double exposureUs,
+double frameRateLimit(const SensorRow& sensor, const FrameLoad& load, double exposureUs,
                       std::int64_t bytesPerSecond) {
-    const double readout = shape.height * sensor.rowSeconds + sensor.readoutSeconds;
-    double slowest = std::max(readout, (exposureUs + sensor.shortestExposureUs) * 1e-6);
+    double slowest =
+        std::max(readoutSeconds(sensor, load.rows), (exposureUs + sensor.shortestExposureUs) * 1e-6);
     if (bytesPerSecond > 0) {
-        slowest =
-            std::max(slowest, static_cast<double>(shape.payload()) / static_cast<double>(bytesPerSecond));
+        slowest = std::max(slowest, static_cast<double>(load.bytes) / static_cast<double>(bytesPerSecond));
     }
     return 1 / slowest;
 }

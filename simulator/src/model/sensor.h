@@ -47,6 +47,7 @@ struct SensorSettings {
     Activation activation = Activation::RisingEdge;
     Nanoseconds triggerDelay = 0;
     bool latchesTrigger = false;  ///< a signal before its time is kept for the next exposure
+    std::uint64_t trailer = 0;    ///< bytes behind the picture
     Nanoseconds exposure = 0;
     Nanoseconds readout = 0;
     Nanoseconds transfer = 0;
@@ -62,8 +63,14 @@ Nanoseconds readoutTime(const SensorRow& sensor, std::int64_t rows);
 /// Time that `payload` bytes need at `bytesPerSecond`; never zero.
 Nanoseconds transferTime(std::uint64_t payload, std::int64_t bytesPerSecond);
 
+/// What of a frame takes time.
+struct FrameLoad {
+    std::int64_t rows = 0;
+    std::uint64_t bytes = 0;
+};
+
 /// Highest rate in Hz. `bytesPerSecond` 0: the network does not matter.
-double frameRateLimit(const SensorRow& sensor, const PictureShape& shape, double exposureUs,
+double frameRateLimit(const SensorRow& sensor, const FrameLoad& load, double exposureUs,
                       std::int64_t bytesPerSecond);
 
 /// Nearest rate whose period is a whole number of microseconds and that is not above `limit`.
@@ -91,6 +98,8 @@ class ExposureAgenda {
     void takeTrigger(const SensorSettings& settings, const CameraClock& clock);
 
     State state() const { return m_state; }
+    /// Exposures since the start.
+    std::int64_t exposed() const { return m_exposed; }
     /// True start of the next exposure, if any is due without further signals.
     std::optional<Nanoseconds> next(const SensorSettings& settings, const CameraClock& clock) const;
     /// Takes the exposure that `next` announced.

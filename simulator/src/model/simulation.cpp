@@ -31,6 +31,7 @@ void Simulation::fill(const Scenario& scenario) {
         slot.line = std::make_shared<LineInput>();
         slot.oscillator = row.oscillator;
         slot.oscillator.seed = m_seed ^ row.macAddress();
+        slot.userSets = std::make_shared<UserSets>();
         slot.camera = powerUp(slot);
         m_slots.push_back(std::move(slot));
     }
@@ -43,7 +44,7 @@ void Simulation::fill(const Scenario& scenario) {
 }
 
 std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
-    auto camera = std::make_shared<Camera>(*slot.row, slot.oscillator, clock().now());
+    auto camera = std::make_shared<Camera>(*slot.row, slot.oscillator, clock().now(), slot.userSets);
     camera->setScene(slot.scene);
     for (const std::string& feature : slot.removed) camera->features().remove(feature);
     return camera;

@@ -127,6 +127,7 @@ class Simulation {
         Scene scene;
         std::shared_ptr<FrameFaults> faults;
         std::shared_ptr<LineInput> line;
+        std::shared_ptr<UserSets> userSets;
         std::shared_ptr<Camera> camera;
         std::shared_ptr<CameraSession> session;
     };

@@ -10,7 +10,7 @@ void VendorFrameOutlet::deliver(void* owner, const FrameReport& report) {
     frame->receiveFlags =
         VmbFrameFlagsDimension | VmbFrameFlagsOffset | VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp;
     frame->imageSize = report.imageSize;
-    frame->ancillarySize = 0;
+    frame->ancillarySize = report.ancillarySize;
     frame->pixelFormat = report.shape.format;
     frame->width = report.shape.width;
     frame->height = report.shape.height;

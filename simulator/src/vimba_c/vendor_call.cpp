@@ -81,12 +81,14 @@ std::string Output::written() const {
 }
 
 CallScope::CallScope(const char* function, const Arguments& arguments)
-    : m_function(function),
-      m_arguments(arguments),
-      m_journalled(simulation().journal().isOn()),
-      m_outer(t_current) {
+    : m_function(function), m_arguments(arguments), m_journalled(simulation().journal().isOn()) {
     if (m_journalled) m_before = line();
-    t_current = this;
+}
+
+CallScope::~CallScope() {
+    if (misuses().empty()) return;
+    const std::string who = m_journalled ? m_before : line();
+    for (const char* sentence : misuses()) simulation().misuses().append(who, sentence);
 }
 
 const char* CallScope::firstText() const {
@@ -97,7 +99,7 @@ const char* CallScope::firstText() const {
 }
 
 void CallScope::midway() {
-    const auto* call = static_cast<const CallScope*>(t_current);
+    const auto* call = static_cast<const CallScope*>(get());
     std::string camera;
     bool plugged = false;
     if (call == nullptr ||

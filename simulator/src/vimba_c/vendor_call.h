@@ -82,11 +82,8 @@ class CallScope final : public CurrentCall {
     using Arguments = std::initializer_list<Argument>;
 
     CallScope(const char* function, const Arguments& arguments);
-    ~CallScope() { t_current = m_outer; }
-    CallScope(const CallScope&) = delete;
-    CallScope& operator=(const CallScope&) = delete;
+    ~CallScope();
 
-    std::string text() const override { return m_journalled ? m_before : line(); }
     /// Does an ordered fault take the place of the call?
     bool fails(VmbError_t& result);
     /// The call has passed its checks: cables that were ordered to be pulled or plugged in now are.
@@ -103,7 +100,6 @@ class CallScope final : public CurrentCall {
     const Arguments& m_arguments;
     const bool m_journalled;
     std::string m_before;  // arguments as they read before the call
-    const CurrentCall* const m_outer;
 };
 
 template <typename Body>

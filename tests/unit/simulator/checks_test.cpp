@@ -50,6 +50,30 @@ std::vector<Call> callsWithNullArguments() {
          [](VmbHandle_t h) { return VmbFeatureInvalidationUnregister(h, nullptr, &nothing); }},
         {"FrameAnnounce", [](VmbHandle_t h) { return VmbFrameAnnounce(h, nullptr, 1); }},
         {"FrameRevoke", [](VmbHandle_t h) { return VmbFrameRevoke(h, nullptr); }},
+        {"FeatureListAffected",
+         [](VmbHandle_t h) { return VmbFeatureListAffected(h, "?", nullptr, 0, nullptr, 1); }},
+        {"FeatureListSelected",
+         [](VmbHandle_t h) { return VmbFeatureListSelected(h, "?", nullptr, 0, nullptr, 1); }},
+        {"FeatureFloatIncrementQuery",
+         [](VmbHandle_t h) { return VmbFeatureFloatIncrementQuery(h, "?", nullptr, nullptr); }},
+        {"FeatureEnumIsAvailable",
+         [](VmbHandle_t h) { return VmbFeatureEnumIsAvailable(h, "?", "?", nullptr); }},
+        {"FeatureEnumAsInt", [](VmbHandle_t h) { return VmbFeatureEnumAsInt(h, "?", "?", nullptr); }},
+        {"FeatureEnumAsString", [](VmbHandle_t h) { return VmbFeatureEnumAsString(h, "?", 0, nullptr); }},
+        {"FeatureEnumEntryGet",
+         [](VmbHandle_t h) { return VmbFeatureEnumEntryGet(h, "?", "?", nullptr, 1); }},
+        {"FeatureStringSet", [](VmbHandle_t h) { return VmbFeatureStringSet(h, "?", nullptr); }},
+        {"FeatureStringMaxlengthQuery",
+         [](VmbHandle_t h) { return VmbFeatureStringMaxlengthQuery(h, "?", nullptr); }},
+        {"FeatureRawGet", [](VmbHandle_t h) { return VmbFeatureRawGet(h, "?", nullptr, 0, nullptr); }},
+        {"FeatureRawSet", [](VmbHandle_t h) { return VmbFeatureRawSet(h, "?", nullptr, 0); }},
+        {"FeatureRawLengthQuery", [](VmbHandle_t h) { return VmbFeatureRawLengthQuery(h, "?", nullptr); }},
+        {"MemoryRead", [](VmbHandle_t h) { return VmbMemoryRead(h, 0, 4, nullptr, nullptr); }},
+        {"MemoryWrite", [](VmbHandle_t h) { return VmbMemoryWrite(h, 0, 4, nullptr, nullptr); }},
+        {"RegistersRead", [](VmbHandle_t h) { return VmbRegistersRead(h, 1, nullptr, nullptr, nullptr); }},
+        {"RegistersWrite", [](VmbHandle_t h) { return VmbRegistersWrite(h, 1, nullptr, nullptr, nullptr); }},
+        {"CameraSettingsSave", [](VmbHandle_t h) { return VmbCameraSettingsSave(h, nullptr, nullptr, 1); }},
+        {"CameraSettingsLoad", [](VmbHandle_t h) { return VmbCameraSettingsLoad(h, nullptr, nullptr, 1); }},
     };
 }
 
@@ -72,6 +96,28 @@ TEST(NotStarted, ComesBeforeEverythingElse) {
     }
     EXPECT_EQ(VmbCamerasList(nullptr, 0, nullptr, 1), VmbErrorApiNotStarted);
     EXPECT_EQ(VmbCameraOpen(nullptr, 0, nullptr), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbCameraInfoQuery(nullptr, nullptr, 1), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbInterfacesList(nullptr, 0, nullptr, 1), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbInterfaceOpen(nullptr, nullptr), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbInterfaceClose(kNoHandle), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbAncillaryDataOpen(nullptr, nullptr), VmbErrorApiNotStarted);
+    EXPECT_EQ(VmbAncillaryDataClose(kNoHandle), VmbErrorApiNotStarted);
+}
+
+TEST_F(SimulatorTest, EachCloseTakesOnlyHandlesOfItsKind) {
+    const VmbHandle_t camera = open();
+    VmbHandle_t network = nullptr;
+    ASSERT_EQ(VmbInterfaceOpen("SimulatedNetwork0", &network), VmbErrorSuccess);
+    for (const VmbHandle_t handle : {kNoHandle, kSystem}) {
+        EXPECT_EQ(VmbInterfaceClose(handle), VmbErrorBadHandle);
+        EXPECT_EQ(VmbAncillaryDataClose(handle), VmbErrorBadHandle);
+    }
+    EXPECT_EQ(VmbInterfaceClose(camera), VmbErrorBadHandle);
+    EXPECT_EQ(VmbAncillaryDataClose(camera), VmbErrorBadHandle);
+    EXPECT_EQ(VmbCameraClose(network), VmbErrorBadHandle);
+    EXPECT_EQ(VmbAncillaryDataClose(network), VmbErrorBadHandle);
+    EXPECT_EQ(VmbInterfaceClose(network), VmbErrorSuccess);
+    EXPECT_EQ(VmbInterfaceClose(network), VmbErrorBadHandle);
 }
 
 TEST_F(SimulatorTest, ABadHandleComesBeforeBadArguments) {
@@ -103,6 +149,13 @@ TEST_F(SimulatorTest, NullArgumentsComeBeforeSizeAndName) {
     EXPECT_EQ(VmbCameraOpen(nullptr, VmbAccessModeFull, &other), VmbErrorBadParameter);
     EXPECT_EQ(VmbCameraOpen(kColourCamera, VmbAccessModeFull, nullptr), VmbErrorBadParameter);
     EXPECT_EQ(VmbVersionQuery(nullptr, 1), VmbErrorBadParameter);
+    VmbCameraInfo_t info;
+    EXPECT_EQ(VmbCameraInfoQuery(nullptr, &info, 1), VmbErrorBadParameter);
+    EXPECT_EQ(VmbCameraInfoQuery("?", nullptr, 1), VmbErrorBadParameter);
+    EXPECT_EQ(VmbInterfacesList(nullptr, 0, nullptr, 1), VmbErrorBadParameter);
+    EXPECT_EQ(VmbInterfaceOpen(nullptr, &other), VmbErrorBadParameter);
+    EXPECT_EQ(VmbInterfaceOpen("SimulatedNetwork0", nullptr), VmbErrorBadParameter);
+    EXPECT_EQ(VmbAncillaryDataOpen(nullptr, &other), VmbErrorBadParameter);
 }
 
 TEST_F(SimulatorTest, TheSystemHandleIsNoCamera) {
@@ -124,6 +177,16 @@ TEST_F(SimulatorTest, RecordSizesAreThoseOfThisVersion) {
     EXPECT_EQ(VmbFeaturesList(camera, &feature, 1, &found, sizeof feature + 1), VmbErrorStructSize);
     EXPECT_EQ(VmbFeatureInfoQuery(camera, "?", &feature, sizeof feature - 8), VmbErrorStructSize);
     EXPECT_EQ(VmbFrameAnnounce(camera, &frame, sizeof frame - 1), VmbErrorStructSize);
+    VmbFeatureEnumEntry_t entry;
+    EXPECT_EQ(VmbFeatureEnumEntryGet(camera, "?", "?", &entry, sizeof entry - 1), VmbErrorStructSize);
+    EXPECT_EQ(VmbFeatureListAffected(camera, "?", &feature, 1, &found, 1), VmbErrorStructSize);
+    EXPECT_EQ(VmbFeatureListSelected(camera, "?", &feature, 1, &found, 1), VmbErrorStructSize);
+    EXPECT_EQ(VmbCameraInfoQuery("?", cameras, sizeof cameras[0] + 1), VmbErrorStructSize);
+    VmbInterfaceInfo_t network;
+    EXPECT_EQ(VmbInterfacesList(&network, 1, &found, sizeof network - 1), VmbErrorStructSize);
+    const VmbFeaturePersistSettings_t settings{};
+    EXPECT_EQ(VmbCameraSettingsSave(camera, "/", &settings, sizeof settings - 1), VmbErrorStructSize);
+    EXPECT_EQ(VmbCameraSettingsLoad(camera, "/", &settings, sizeof settings + 1), VmbErrorStructSize);
     EXPECT_EQ(VmbFrameAnnounce(camera, &frame, 0), VmbErrorBadParameter);
     EXPECT_EQ(VmbVersionQuery(&version, sizeof version - 1), VmbErrorStructSize);
 }
@@ -153,6 +216,19 @@ TEST_F(SimulatorTest, AnUnknownNameComesBeforeType) {
     EXPECT_EQ(VmbFeatureCommandIsDone(camera, "?", &flag), VmbErrorNotFound);
     EXPECT_EQ(VmbFeatureInfoQuery(camera, "?", &info, sizeof info), VmbErrorNotFound);
     EXPECT_EQ(VmbFeatureAccessQuery(camera, "?", &flag, nullptr), VmbErrorNotFound);
+    VmbFeatureEnumEntry_t entry;
+    EXPECT_EQ(VmbFeatureListAffected(camera, "?", nullptr, 0, &filled, 0), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureListSelected(camera, "?", nullptr, 0, &filled, 0), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureFloatIncrementQuery(camera, "?", &flag, nullptr), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureEnumIsAvailable(camera, "?", "Off", &flag), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureEnumAsInt(camera, "?", "Off", &number), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureEnumAsString(camera, "?", 0, &text), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureEnumEntryGet(camera, "?", "Off", &entry, sizeof entry), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureStringSet(camera, "?", ""), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureStringMaxlengthQuery(camera, "?", &filled), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureRawGet(camera, "?", nullptr, 0, &filled), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureRawSet(camera, "?", "", 0), VmbErrorNotFound);
+    EXPECT_EQ(VmbFeatureRawLengthQuery(camera, "?", &filled), VmbErrorNotFound);
     EXPECT_EQ(VmbFeatureInvalidationRegister(camera, "?", &nothing, nullptr), VmbErrorNotFound);
     EXPECT_EQ(VmbFeatureInvalidationUnregister(camera, "Width", &nothing), VmbErrorNotFound);
 }
@@ -179,6 +255,17 @@ TEST_F(SimulatorTest, AWrongTypeComesBeforeAccess) {
     EXPECT_EQ(VmbFeatureBoolSet(camera, "SensorWidth", true), VmbErrorWrongType);
     EXPECT_EQ(VmbFeatureCommandRun(camera, "Width"), VmbErrorWrongType);
     EXPECT_EQ(VmbFeatureCommandIsDone(camera, "Width", &flag), VmbErrorWrongType);
+    VmbFeatureEnumEntry_t entry;
+    EXPECT_EQ(VmbFeatureFloatIncrementQuery(camera, "Width", &flag, nullptr), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureEnumIsAvailable(camera, "Width", "Off", &flag), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureEnumAsInt(camera, "Width", "Off", &number), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureEnumAsString(camera, "Width", 0, &text), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureEnumEntryGet(camera, "Width", "Off", &entry, sizeof entry), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureStringSet(camera, "SensorWidth", ""), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureStringMaxlengthQuery(camera, "Width", &filled), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureRawGet(camera, "DeviceID", nullptr, 0, &filled), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureRawSet(camera, "DeviceID", "", 0), VmbErrorWrongType);
+    EXPECT_EQ(VmbFeatureRawLengthQuery(camera, "DeviceID", &filled), VmbErrorWrongType);
 }
 
 TEST_F(SimulatorTest, AccessComesBeforeTheValue) {
@@ -187,6 +274,7 @@ TEST_F(SimulatorTest, AccessComesBeforeTheValue) {
     EXPECT_EQ(VmbFeatureFloatSet(camera, "AcquisitionFrameRateLimit", -1), VmbErrorInvalidAccess);
     EXPECT_EQ(VmbFeatureBoolSet(kSystem, "GeVTLIsPresent", false), VmbErrorInvalidAccess);
     EXPECT_EQ(VmbFeatureEnumSet(kSystem, "DiscoveryCameraEvent", "?"), VmbErrorInvalidAccess);
+    EXPECT_EQ(VmbFeatureStringSet(camera, "DeviceID", std::string(300, 'x').c_str()), VmbErrorInvalidAccess);
 }
 
 TEST_F(SimulatorTest, ValuesOutOfRangeOrOffTheIncrementAreRefused) {

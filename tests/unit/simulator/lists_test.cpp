@@ -71,9 +71,9 @@ TEST_F(SimulatorTest, AShortArrayOfFeaturesIsFilledAsFarAsItGoes) {
     std::vector<VmbFeatureInfo_t> features(3);
     VmbUint32_t found = 0;
     EXPECT_EQ(VmbFeaturesList(kSystem, features.data(), 2, &found, sizeof features[0]), VmbErrorMoreData);
-    EXPECT_EQ(found, 13u);
-    EXPECT_STREQ(features[0].name, "CLTLIsPresent");
-    EXPECT_STREQ(features[1].name, "DiscoveryCameraEvent");
+    EXPECT_EQ(found, 22u);
+    EXPECT_STREQ(features[0].name, "ActionCommand");
+    EXPECT_STREQ(features[1].name, "ActionDeviceKey");
     EXPECT_EQ(features[2].name, nullptr);
 }
 
