@@ -1,8 +1,8 @@
 # Sourced by ./run and ./test: installs the Debian packages that are missing, quietly, and stops with one
 # sentence when that is not possible.
 
-build_packages=(g++ cmake ninja-build libboost-log1.81-dev libpng-dev libpugixml-dev libcli11-dev nlohmann-json3-dev
-    libgtest-dev libgmock-dev librapidcheck-dev)
+build_packages=(g++ cmake ninja-build libboost-log1.81-dev libpng-dev libpugixml-dev libcli11-dev
+    nlohmann-json3-dev libgtest-dev libgmock-dev librapidcheck-dev)
 check_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev)
 

@@ -180,9 +180,10 @@ IMEXPORTC void VmbSimJournalStop(void);
 /// One line per call, in the order in which the calls returned:
 ///   [host] VmbFeatureEnumSet(DEV_000F31A10001, "EventSelector", "AcquisitionStart") = 0
 /// The bracket names the calling thread: host, or the library's own frame, event or discovery. Handles are
-/// written as the camera's id ("system" for the library's own, "bad handle" otherwise), frames as
-/// "frame N" in order of announcement, texts in quotes, numbers plainly, callbacks and contexts not at all.
-/// A successful get has its value behind the result: `= 0, 656`. A fault leaves its code as the result.
+/// written as the camera's or interface's id ("system" for the library's own, "ancillary data" for a
+/// frame's, "bad handle" otherwise), frames as "frame N" in order of announcement, texts in quotes, numbers
+/// plainly, callbacks, contexts and memory not at all. A successful get has its value behind the result:
+/// `= 0, 656`. A fault leaves its code as the result.
 IMEXPORTC size_t VmbSimJournalText(char* buffer, size_t size);
 
 /// What no client should do is recorded as misuse, whether the library puts up with it or not, also while the
@@ -226,7 +227,8 @@ typedef struct VmbSimFrameStamp {
     VmbUint32_t height;
 } VmbSimFrameStamp;
 
-/// Reads the stamp of a recorded image and checks the whole picture against it. VmbErrorNotFound: no stamp.
+/// Reads the stamp of a recorded image and checks the whole picture against it; `size` is the frame's
+/// imageSize, without what chunk mode puts behind the picture. VmbErrorNotFound: no stamp.
 /// VmbErrorIncomplete: the stamp is there, but the picture is not the one that the camera sent with it.
 IMEXPORTC VmbError_t VmbSimReadStamp(const void* image, VmbUint64_t size, VmbSimFrameStamp* stamp);
 

@@ -29,7 +29,7 @@ class Simulator {
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    /// The journal's lines of one thread kind ("host", "frame", "event", "discovery"), without the bracket.
+    /// The journal's calls of one thread kind ("host", "frame", "event", "discovery"), without the bracket.
     static std::vector<std::string> journal(const std::string& thread = "host") {
         std::string text(VmbSimJournalText(nullptr, 0), '\0');
         VmbSimJournalText(text.data(), text.size());
@@ -37,9 +37,18 @@ class Simulator {
         std::istringstream stream(text.c_str());
         const std::string bracket = "[" + thread + "] ";
         for (std::string line; std::getline(stream, line);) {
-            if (line.rfind(bracket, 0) == 0) lines.push_back(line.substr(bracket.size()));
+            const bool isCall = line.find("): misuse: ") == std::string::npos;
+            if (isCall && line.rfind(bracket, 0) == 0) lines.push_back(line.substr(bracket.size()));
         }
         return lines;
+    }
+
+    /// What was recorded as misuse since the scenario was loaded, one line each.
+    static std::string misuses() {
+        std::string text(VmbSimMisuseText(nullptr, 0), '\0');
+        VmbSimMisuseText(text.data(), text.size());
+        text.pop_back();
+        return text;
     }
 
     /// Vendor functions of the journal's host lines, in order.

@@ -199,8 +199,10 @@ void CameraSession::onEvent(CameraEvent event, std::uint64_t frameId, Nanosecond
     const auto ticks = static_cast<std::int64_t>(m_camera->clock().ticks(at));
     const auto id = static_cast<std::int64_t>(frameId);
     const auto apply = [=, this, &row] { assign({{row.timeFeature, ticks}, {row.frameFeature, id}}); };
+    // The end of an acquisition never comes behind the start of the next one.
+    const bool later = at > m_clock.now() && event != CameraEvent::AcquisitionEnd;
     const std::uint64_t number =
-        events().post({{row.timeFeature, row.frameFeature, row.feature}, apply, at > m_clock.now() ? at : 0});
+        events().post({{row.timeFeature, row.frameFeature, row.feature}, apply, later ? at : 0});
     if (event == CameraEvent::AcquisitionStart) m_startEvent = number;
 }
 

@@ -67,7 +67,7 @@ CameraRow monochromeCamera() {
         .powerUpFormat = 0x01080001,
         .powerUpRate = 40,
         .hottestGain = 26,
-        .memoryFrames = 202,
+        .memoryFrames = 103,
         .oscillator = {.errorPpb = -8'000},
     };
 }

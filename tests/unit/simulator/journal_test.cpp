@@ -132,12 +132,10 @@ TEST_F(StreamTest, TheJournalShowsACaptureFromBeginningToEnd) {
             "VmbFrameAnnounce(" + kId + ", frame 2, 104) = 0", "VmbCaptureStart(" + kId + ") = 0",
             "VmbCaptureFrameQueue(" + kId + ", frame 1) = 0",
             "VmbCaptureFrameQueue(" + kId + ", frame 2) = 0", "VmbFrameRevoke(" + kId + ", frame 1) = 0",
-            "VmbFrameRevoke(" + kId + ", frame 1): misuse: the frame was still queued",
             "VmbFeatureCommandRun(" + kId + ", \"AcquisitionStop\") = 0", "VmbCaptureEnd(" + kId + ") = 0",
             "VmbCaptureQueueFlush(" + kId + ") = 0", "VmbFrameRevokeAll(" + kId + ") = 0",
             "VmbFeatureInvalidationUnregister(" + kId + ", \"Width\") = 0", "VmbCameraClose(" + kId + ") = 0",
-            "VmbCameraClose(bad handle) = -4",
-            "VmbCameraClose(bad handle): misuse: the handle was closed before"));
+            "VmbCameraClose(bad handle) = -4"));
 }
 
 TEST_F(StreamTest, FramesAreNumberedAnewWhenNoneIsAnnounced) {
