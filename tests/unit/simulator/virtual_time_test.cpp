@@ -1,9 +1,7 @@
 // Time that stands still until it is driven.
-#include <chrono>
-#include <cstdlib>
 #include <thread>
 
-#include "simulator_fixture.h"
+#include "virtual_fixture.h"
 
 namespace {
 
@@ -11,43 +9,16 @@ using test_support::Invalidations;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kSystem;
-using test_support::Latch;
 using test_support::run;
 using test_support::setEnum;
 using test_support::setFloat;
 using test_support::setInt;
-using test_support::Simulator;
 using test_support::Stream;
 
-constexpr std::uint64_t kMillisecond = 1'000'000;
-constexpr std::uint64_t kSecond = 1'000'000'000;
+using test_support::kMillisecond;
+using test_support::kSecond;
 
-class VirtualTime : public ::testing::Test {
-  protected:
-    VirtualTime() {
-        EXPECT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
-        EXPECT_EQ(VmbStartup(), VmbErrorSuccess);
-    }
-    ~VirtualTime() override {
-        VmbShutdown();
-        EXPECT_EQ(VmbSimUseVirtualTime(false), VmbErrorSuccess);
-    }
-    /// 8-bit grey, `rate` in hertz, small pictures.
-    static VmbHandle_t openFast(const char* id, double rate) {
-        VmbHandle_t camera = nullptr;
-        EXPECT_EQ(VmbCameraOpen(id, VmbAccessModeFull, &camera), VmbErrorSuccess);
-        setEnum(camera, "PixelFormat", "Mono8");
-        setEnum(camera, "TriggerMode", "Off");
-        setInt(camera, "Width", 64);
-        setInt(camera, "Height", 16);
-        setFloat(camera, "ExposureTimeAbs", 1000);
-        setFloat(camera, "AcquisitionFrameRateAbs", rate);
-        return camera;
-    }
-    static void advance(std::uint64_t ns) { ASSERT_EQ(VmbSimAdvance(ns), VmbErrorSuccess); }
-
-    Simulator simulator;
-};
+class VirtualTime : public test_support::VirtualTimeTest {};
 
 TEST_F(VirtualTime, StandsStillUntilItIsDriven) {
     const std::uint64_t before = VmbSimTime();
