@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace simulator {
 
@@ -36,6 +37,10 @@ void CameraSession::close() {
         m_alive = false;
         m_camera->setAcquiring(false);
         m_engine.quit();
+        const bool isFirst = !std::exchange(m_closed, true);
+        for (const AnnouncedFrame& frame : m_engine.queue().allAnnounced()) {
+            if (isFirst) checkMemory(frame);
+        }
     }
     m_engine.join();
     events().stop();

@@ -87,6 +87,7 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     const std::shared_ptr<Camera> m_camera;
     const bool m_mayCapture;
     std::atomic<bool> m_alive{true};
+    bool m_closed = false;
     void* m_handle = nullptr;
     std::uint64_t m_startEvent = 0;
     CaptureEngine m_engine;

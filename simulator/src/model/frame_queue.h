@@ -50,6 +50,7 @@ class FrameQueue {
 
     /// What was announced for the record, if anything.
     const FrameMemory* announced(const void* record) const;
+    const std::vector<AnnouncedFrame>& allAnnounced() const { return m_announced; }
     std::size_t announcedCount() const { return m_announced.size(); }
     /// Was an announced frame filled since it was queued last?
     bool isFilled(const void* record) const;
