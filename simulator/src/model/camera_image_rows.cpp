@@ -35,7 +35,7 @@ void addIdentityRows(FeatureRows& rows, const CameraRow& camera) {
                        .text("Number of the model"));
     rows.push_back(
         enumRow("DeviceScanType", {{"Areascan", 0}}, 0).in(path).readOnly().text("Kind of the sensor"));
-    rows.push_back(rawRow("SimulatorRawData", 64, 1024)
+    rows.push_back(rawRow("SimulatorRawData", 64, kLongestRaw)
                        .in("/Simulator")
                        .text("Bytes of the simulator's own, without any effect"));
 }

@@ -135,6 +135,8 @@ FeatureRow commandRow(const char* name);
 FeatureRow textRow(const char* name, const char* initial);
 /// Writable bytes, all zero at first.
 FeatureRow rawRow(const char* name, std::size_t size, std::uint32_t longest);
+/// No raw feature takes more bytes.
+inline constexpr std::uint32_t kLongestRaw = 1024;
 
 /// Values that are saved and loaded: everything a client can set.
 inline bool isStreamable(const FeatureRow& row) {

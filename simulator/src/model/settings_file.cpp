@@ -1,6 +1,9 @@
 #include "settings_file.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+#include <string_view>
 #include <vector>
 
 #include <pugixml.hpp>
@@ -49,7 +52,7 @@ std::vector<Setting> applyAll(FeatureModule& module, std::vector<Setting> settin
 
 }  // namespace
 
-Result saveSettings(FeatureModule& module, const std::string& file, const PersistSettings& settings) {
+Result saveSettings(FeatureModule& module, const char* file, const PersistSettings& settings) {
     std::vector<StoredFeature> features;
     const Result stored = module.store(features);
     if (stored != Result::Success) return stored;
@@ -69,13 +72,12 @@ Result saveSettings(FeatureModule& module, const std::string& file, const Persis
             node.text() = text.c_str();
         }
     }
-    return document.save_file(file.c_str()) ? Result::Success : Result::Other;
+    return document.save_file(file) ? Result::Success : Result::Other;
 }
 
-Result loadSettings(FeatureModule& module, const std::string& file, const PersistSettings& settings) {
+Result loadSettings(FeatureModule& module, const char* file, const PersistSettings& settings) {
     pugi::xml_document document;
-    if (!document.load_file(file.c_str(), pugi::parse_default | pugi::parse_ws_pcdata_single))
-        return Result::Other;
+    if (!document.load_file(file, pugi::parse_default | pugi::parse_ws_pcdata_single)) return Result::Other;
     const pugi::xml_node root = document.child(kRoot);
     if (!root) return Result::Other;
     std::vector<Setting> all = settingsOf(root);
@@ -89,9 +91,9 @@ Result loadSettings(FeatureModule& module, const std::string& file, const Persis
     std::copy_if(all.begin(), all.end(), std::back_inserter(selectors), isSelector);
     std::vector<Setting> others;
     std::copy_if(all.begin(), all.end(), std::back_inserter(others), std::not_fn(isSelector));
-    const bool complete = applyAll(module, others, settings.iterations).empty() &
-                          applyAll(module, selectors, settings.iterations).empty();
-    return complete ? Result::Success : Result::Incomplete;
+    const bool othersSet = applyAll(module, others, settings.iterations).empty();
+    const bool selectorsSet = applyAll(module, selectors, settings.iterations).empty();
+    return othersSet && selectorsSet ? Result::Success : Result::Incomplete;
 }
 
 }  // namespace simulator

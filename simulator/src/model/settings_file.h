@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "feature_module.h"
 
@@ -14,11 +13,11 @@ struct PersistSettings {
 };
 
 /// Other when the file cannot be written.
-Result saveSettings(FeatureModule& module, const std::string& file, const PersistSettings& settings);
+Result saveSettings(FeatureModule& module, const char* file, const PersistSettings& settings);
 
 /// Sets what the file says, pass by pass, since one value may permit another, until nothing is left, a pass
 /// brings nothing, or `iterations` passes are over. Incomplete when something could not be set; the rest is.
 /// Other, without any effect, when the file is missing or is none of these.
-Result loadSettings(FeatureModule& module, const std::string& file, const PersistSettings& settings);
+Result loadSettings(FeatureModule& module, const char* file, const PersistSettings& settings);
 
 }  // namespace simulator

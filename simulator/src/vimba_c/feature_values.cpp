@@ -177,7 +177,8 @@ VmbError_t VmbFeatureRawSet(const VmbHandle_t handle, const char* name, const ch
                             VmbUint32_t size) {
     return vendorCall("VmbFeatureRawSet", {handle, name, size}, {}, [&] {
         return withModule(handle, {name != nullptr && buffer != nullptr}, [&](FeatureModule& module) {
-            return module.write(name, FeatureType::Raw, std::string(buffer, size));
+            // A size that is refused anyway need not be true: no more is read than shows it to be too long.
+            return module.write(name, FeatureType::Raw, std::string(buffer, std::min(size, kLongestRaw + 1)));
         });
     });
 }

@@ -6,7 +6,7 @@ using namespace simulator;
 
 namespace {
 
-using SettingsAction = Result (*)(FeatureModule&, const std::string&, const PersistSettings&);
+using SettingsAction = Result (*)(FeatureModule&, const char*, const PersistSettings&);
 
 VmbError_t withSettings(VmbHandle_t handle, const char* file, const VmbFeaturePersistSettings_t* settings,
                         VmbUint32_t sizeofSettings, SettingsAction action) {
@@ -20,7 +20,7 @@ VmbError_t withSettings(VmbHandle_t handle, const char* file, const VmbFeaturePe
     });
 }
 
-Result load(FeatureModule& camera, const std::string& file, const PersistSettings& settings) {
+Result load(FeatureModule& camera, const char* file, const PersistSettings& settings) {
     if (currentThreadRole() == ThreadRole::Frame) return Result::InvalidCall;
     return camera.isWritable() ? loadSettings(camera, file, settings) : Result::InvalidAccess;
 }

@@ -49,7 +49,7 @@ void expectInt(VmbHandle_t handle, const IntFeature& expected) {
     EXPECT_EQ(intOf(handle, expected.name), expected.value);
 }
 
-TEST_F(SimulatorTest, NumbersOfACameraAreThoseOfItsManual) {
+TEST_F(SimulatorTest, NumbersOfACameraHaveTheirUnitsRangesAndPowerUpValues) {
     const VmbHandle_t camera = open();
     const VmbInt64_t any = INT64_MAX;
     const IntFeature features[] = {
@@ -118,7 +118,7 @@ TEST_F(SimulatorTest, NumbersOfACameraAreThoseOfItsManual) {
     for (const IntFeature& feature : features) expectInt(camera, feature);
 }
 
-TEST_F(SimulatorTest, NumbersOfTheLibraryAreThoseOfItsManual) {
+TEST_F(SimulatorTest, NumbersOfTheLibraryHaveTheirUnitsRangesAndFirstValues) {
     const IntFeature features[] = {
         {"GeVDiscoveryAllDuration", kRw, "ms", 0, 60'000, 150},
         {"GeVForceIPAddressMAC", kRw, "", 0, 0xFFFF'FFFF'FFFF, 0},
@@ -143,7 +143,7 @@ struct FloatFeature {
     double value;
 };
 
-TEST_F(SimulatorTest, FractionsOfACameraAreThoseOfItsManual) {
+TEST_F(SimulatorTest, FractionsOfACameraHaveTheirUnitsRangesAndPowerUpValues) {
     const VmbHandle_t camera = open();
     const FloatFeature features[] = {
         {"ExposureTimeAbs", kRw, "µs", 30, 60e6, 15000},

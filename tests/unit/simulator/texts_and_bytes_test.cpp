@@ -76,6 +76,12 @@ TEST_F(TextsAndBytes, BytesMayBeAnyUpToTheirMaximum) {
     EXPECT_EQ(size, 1024u);
 }
 
+TEST_F(TextsAndBytes, ASizeThatIsTooLargeIsNotReadToItsEnd) {
+    const std::vector<char> bytes(1025, 'm');
+    EXPECT_EQ(VmbFeatureRawSet(camera, "SimulatorRawData", bytes.data(), UINT32_MAX), VmbErrorBadParameter);
+    EXPECT_EQ(VmbFeatureRawSet(camera, "?", bytes.data(), UINT32_MAX), VmbErrorNotFound);
+}
+
 TEST_F(TextsAndBytes, AreReadOnlyOnACameraThatIsOpenForReading) {
     VmbCameraClose(camera);
     ASSERT_EQ(VmbCameraOpen(kColourCamera, VmbAccessModeRead, &camera), VmbErrorSuccess);
