@@ -22,8 +22,9 @@ extern "C" {
 /// Name of the scenario that is loaded.
 IMEXPORTC const char* VmbSimScenarioName(void);
 
-/// Loads a scenario: "two-cameras" or "zero-cameras". Everything starts afresh: cameras and their settings,
-/// faults, the journal. VmbErrorInvalidCall while the library is started.
+/// Loads a scenario: "two-cameras", "zero-cameras" or "sixteen-cameras" (640 x 480, 100 Hz, each on a link of
+/// its own). Everything starts afresh: cameras and their settings, faults, the journal. VmbErrorInvalidCall
+/// while the library is started.
 IMEXPORTC VmbError_t VmbSimLoadScenario(const char* name);
 
 // Cameras -----------------------------------------------------------------------------------------------
@@ -154,6 +155,11 @@ IMEXPORTC VmbError_t VmbSimCableDuring(const char* cameraId, VmbBool_t plugged, 
 /// Waits until the camera has called the frame callback `count` times since its capture started;
 /// VmbErrorTimeout after `timeoutMs` milliseconds. A call counts when it has returned.
 IMEXPORTC VmbError_t VmbSimWaitForFrames(const char* cameraId, VmbUint64_t count, VmbUint32_t timeoutMs);
+
+/// Ends the process when a call of the library has waited for so long in real time and nothing happened, as
+/// with a lock that is held across VmbCaptureEnd and that the running callback needs: the standard error
+/// stream says which call, with the stacks of all threads. 0, the default, lets it wait for ever.
+IMEXPORTC void VmbSimSetWatchdog(VmbUint32_t limitMs);
 
 /// Waits until every event raised so far (discovery, features) has been delivered and its callback returned;
 /// also for a round of discovery and a stop of acquisition that are under way. Not from a callback.

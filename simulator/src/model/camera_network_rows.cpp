@@ -85,7 +85,6 @@ void addBufferRows(FeatureRows& rows, const CameraRow& camera) {
     const char* info = "/Stream/Info";
     rows.push_back(enumRow("StreamHoldEnable", {{"Off", 0}, {"On", 1}}, 0)
                        .in(hold)
-                       .except({{"On"}})
                        .text("Keeps pictures in the camera's memory"));
     rows.push_back(intRow("StreamHoldCapacity", kAny, camera.memoryFrames)
                        .in(hold)

@@ -1,6 +1,7 @@
 #include "capture_engine.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "thread_role.h"
 
@@ -49,7 +50,7 @@ void CaptureEngine::start(void* owner) {
 void CaptureEngine::halt() {
     m_halted = true;
     m_capturing = false;
-    m_restart = false;
+    m_restart = m_triggerRestart = false;
     m_inFlightCount = 0;
     giveUpTransfer(Withdrawal::PutBack);
     m_agenda.finish();
@@ -105,6 +106,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     m_restart = false;
     if (!m_watchingLine) m_line.skipTo(now);
     m_agenda.start(now, m_camera.sensor(), m_line.isHigh());
+    if (std::exchange(m_triggerRestart, false)) m_agenda.softwareTrigger(now);
     m_camera.setAcquiring(true);
     m_camera.resetStatistics(now);
     m_linkFreeAt = now;
@@ -113,17 +115,18 @@ void CaptureEngine::begin(Nanoseconds now) {
 }
 
 void CaptureEngine::stopAcquisition() {
-    m_restart = false;
+    m_restart = m_triggerRestart = false;
     if (m_agenda.state() != ExposureAgenda::State::Running) return;
     m_stoppedAt = m_clock.now();
     m_agenda.stop(m_stoppedAt);
     // From here on the settings are free again: frames under way have taken theirs along.
     m_camera.setAcquiring(false);
+    finishIfDone();
     m_changed.notify();
 }
 
 void CaptureEngine::abortAcquisition() {
-    m_restart = false;
+    m_restart = m_triggerRestart = false;
     if (m_agenda.state() == ExposureAgenda::State::Idle) return;
     m_stoppedAt = m_clock.now();
     m_linkFreeAt = m_stoppedAt;
@@ -147,6 +150,8 @@ void CaptureEngine::finishIfDone() {
 }
 
 void CaptureEngine::softwareTrigger() {
+    // To its client an acquisition that waits for the end of the last one is running.
+    if (m_restart) m_triggerRestart = true;
     m_agenda.softwareTrigger(m_clock.now());
     m_changed.notify();
 }
@@ -158,7 +163,19 @@ void CaptureEngine::hold(bool hold) {
 
 void CaptureEngine::settle() {
     m_agenda.settle(m_clock.now(), m_camera.sensor(), m_line.isHigh());
+    const bool held = m_camera.sensor().holdsStream;
+    if (std::exchange(m_streamHeld, held) && !held) releaseStream();
     m_changed.notify();
+}
+
+void CaptureEngine::releaseStream() {
+    m_linkFreeAt = m_clock.now();
+    for (std::size_t i = 0; i < m_inFlightCount; ++i) {
+        Exposure& exposure = m_inFlight[(m_firstInFlight + i) % kInFlight];
+        const Nanoseconds transfer = exposure.dueAt - exposure.transferAt;
+        exposure.transferAt = std::max(exposure.transferAt, m_linkFreeAt);
+        exposure.dueAt = m_linkFreeAt = exposure.transferAt + transfer;
+    }
 }
 
 Result CaptureEngine::enqueue(const QueuedFrame& frame) {

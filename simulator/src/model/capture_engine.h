@@ -139,8 +139,8 @@ class CaptureEngine {
         Nanoseconds at;
         Step step;
     };
-    /// As many frames as the camera's memory holds.
-    static constexpr std::size_t kInFlight = 64;
+    /// More than the memory of any camera holds.
+    static constexpr std::size_t kInFlight = 256;
     static constexpr std::uint64_t kNobody = UINT64_MAX;
 
     void run();
@@ -151,8 +151,11 @@ class CaptureEngine {
     /// Edges of the line that came while nobody cared are over.
     void watchLine();
     void takeEdge();
+    /// What was held in the camera's memory goes on its way now.
+    void releaseStream();
     void report(CameraEvent event, std::uint64_t id, Nanoseconds at);
     std::uint64_t clientId(std::uint64_t id) const;
+    std::size_t memoryFrames() const;
     bool isUnderWay(const void* record) const;
     /// Tells those who wait in a call.
     void progress();
@@ -185,12 +188,14 @@ class CaptureEngine {
     ExposureAgenda m_agenda;
     bool m_capturing = false;
     bool m_watchingLine = false;
+    bool m_streamHeld = false;
     int m_watches = 0;                           // calls that wait
     std::uint64_t m_awaitedCallbacks = kNobody;  // the lowest number that a call waits for
     std::vector<FrameWaiter*> m_frameWaiters;
     std::uint64_t m_exposures = 0;
     std::uint64_t m_captures = 0;
-    bool m_restart = false;
+    bool m_restart = false;         // when the stop is through
+    bool m_triggerRestart = false;  // a software trigger waits for it
     bool m_halted = false;
     bool m_quit = false;
     std::uint64_t m_nextId = 1;

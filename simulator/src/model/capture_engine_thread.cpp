@@ -13,7 +13,7 @@ void CaptureEngine::run() {
         watchLine();
         const auto action = next();
         if (!action) {
-            m_changed.wait(lock);
+            m_changed.rest(lock);
         } else if (action->at > m_clock.now()) {
             // What clients measure is the time of the callback; the other steps have their times computed.
             if (action->step == Step::Deliver) {
@@ -96,7 +96,7 @@ void CaptureEngine::expose(Nanoseconds start) {
     const unsigned changes = m_camera.noteExposure();
     if (changes != 0) m_listener.onAutomaticChange(changes);
     const FrameFate fate = m_surroundings.faults->next();
-    if (m_inFlightCount == kInFlight) return;  // The camera's memory is full: the picture is lost.
+    if (m_inFlightCount >= memoryFrames()) return;  // The camera's memory is full: the picture is lost.
     Exposure& exposure = m_inFlight[(m_firstInFlight + m_inFlightCount++) % kInFlight];
     exposure.id = id;
     exposure.capture = m_captures;
@@ -109,6 +109,10 @@ void CaptureEngine::expose(Nanoseconds start) {
     if (settings.trailer > 0) exposure.chunk = m_camera.chunkData(m_agenda.exposed());
     exposure.fate = fate;
     m_linkFreeAt = exposure.dueAt;
+}
+
+std::size_t CaptureEngine::memoryFrames() const {
+    return std::min(kInFlight, static_cast<std::size_t>(m_camera.row().memoryFrames));
 }
 
 void CaptureEngine::beginTransfer(Lock& lock) {

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+#include "watchdog.h"
+
 namespace simulator {
 namespace {
 
@@ -14,6 +16,15 @@ Nanoseconds RealClock::now() const {
     return std::chrono::duration_cast<std::chrono::nanoseconds>(
                std::chrono::steady_clock::now().time_since_epoch())
         .count();
+}
+
+void RealClock::wait(Condition& condition, std::unique_lock<std::mutex>& lock) {
+    const std::chrono::milliseconds limit = Watchdog::limit();
+    if (limit.count() == 0) {
+        condition.m_variable.wait(lock);
+    } else if (condition.m_variable.wait_for(lock, limit) == std::cv_status::timeout) {
+        Watchdog::bark();
+    }
 }
 
 void RealClock::waitUntil(Condition& condition, std::unique_lock<std::mutex>& lock, Nanoseconds deadline) {

@@ -33,11 +33,13 @@ class Condition {
     Condition& operator=(const Condition&) = delete;
 
     /// Waits without a limit, or at most until `deadline`; may wake early. The caller holds the lock.
-    void wait(std::unique_lock<std::mutex>& lock) { waitUntil(lock, kNever); }
+    void wait(std::unique_lock<std::mutex>& lock);
     void waitUntil(std::unique_lock<std::mutex>& lock, Nanoseconds deadline);
     /// As waitUntil, but ends on time to the microsecond: the last stretch may be spent without the lock and
     /// without giving the processor away.
     void waitPrecisely(std::unique_lock<std::mutex>& lock, Nanoseconds deadline);
+    /// As wait, for a thread of the library that has nothing to do: the watchdog leaves it alone.
+    void rest(std::unique_lock<std::mutex>& lock) { waitUntil(lock, kNever); }
     void notify();
 
   private:
@@ -53,6 +55,7 @@ class SimulatorClock {
     virtual ~SimulatorClock() = default;
     virtual Nanoseconds now() const = 0;
 
+    virtual void wait(Condition& condition, std::unique_lock<std::mutex>& lock) = 0;
     virtual void waitUntil(Condition& condition, std::unique_lock<std::mutex>& lock,
                            Nanoseconds deadline) = 0;
     virtual void waitPrecisely(Condition& condition, std::unique_lock<std::mutex>& lock,
@@ -71,6 +74,7 @@ class SimulatorClock {
 class RealClock : public SimulatorClock {
   public:
     Nanoseconds now() const override;
+    void wait(Condition& condition, std::unique_lock<std::mutex>& lock) override;
     void waitUntil(Condition& condition, std::unique_lock<std::mutex>& lock, Nanoseconds deadline) override;
     void waitPrecisely(Condition& condition, std::unique_lock<std::mutex>& lock,
                        Nanoseconds deadline) override;
@@ -80,6 +84,10 @@ class RealClock : public SimulatorClock {
     void end(Turn&) override {}
     void join(Turn&) override {}
 };
+
+inline void Condition::wait(std::unique_lock<std::mutex>& lock) {
+    m_clock.wait(*this, lock);
+}
 
 inline void Condition::waitUntil(std::unique_lock<std::mutex>& lock, Nanoseconds deadline) {
     m_clock.waitUntil(*this, lock, deadline);

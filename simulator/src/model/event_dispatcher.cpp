@@ -131,7 +131,7 @@ void EventDispatcher::run() {
     while (!m_stop) {
         const auto next = nextDue();
         if (next == m_pending.end()) {
-            m_changed.wait(lock);
+            m_changed.rest(lock);
         } else if (next->event.dueAt > m_clock.now()) {
             m_changed.waitUntil(lock, next->event.dueAt);
         } else {

@@ -15,12 +15,15 @@ namespace simulator {
 class CurrentCall {
   public:
     void note(const char* sentence) { m_misuses.push_back(sentence); }
+    const char* function() const { return m_function; }
 
     /// Null outside of calls; the innermost one in a call from a callback.
     static CurrentCall* get() { return t_current; }
 
   protected:
-    CurrentCall() : m_outer(t_current) { t_current = this; }
+    explicit CurrentCall(const char* function) : m_function(function), m_outer(t_current) {
+        t_current = this;
+    }
     ~CurrentCall() { t_current = m_outer; }
     CurrentCall(const CurrentCall&) = delete;
     CurrentCall& operator=(const CurrentCall&) = delete;
@@ -30,6 +33,7 @@ class CurrentCall {
   private:
     static thread_local CurrentCall* t_current;
 
+    const char* const m_function;
     CurrentCall* const m_outer;
     std::vector<const char*> m_misuses;
 };

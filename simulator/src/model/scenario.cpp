@@ -1,5 +1,7 @@
 #include "scenario.h"
 
+#include "feature_table.h"
+
 namespace simulator {
 namespace {
 
@@ -72,11 +74,48 @@ CameraRow monochromeCamera() {
     };
 }
 
+// Cameras of VGA size, each on a link of its own, every oscillator with another error.
+CameraRow vgaCamera(int number) {
+    const std::string digits = std::string(number < 10 ? "0" : "") + std::to_string(number);
+    CameraRow row = monochromeCamera();
+    row.id = keptText("DEV_000F31B000" + digits);
+    row.model = "Mako_G-030B";
+    row.serial = keptText("50-05033300" + digits);
+    row.partNumber = 503333;
+    row.interfaceId = keptText("SimulatedNetwork" + std::to_string(number));
+    row.ipAddress = 0xA9FE'0B00 + static_cast<std::uint32_t>(number) * 0x100;
+    row.sensor = {.width = 640,
+                  .height = 480,
+                  .widthStep = 8,
+                  .heightStep = 2,
+                  .offsetXStep = 2,
+                  .offsetYStep = 2,
+                  .rowSeconds = 6.4e-6,
+                  .skippedRowSeconds = 6.4e-7,
+                  .readoutSeconds = 0.00012,
+                  .shortestExposureUs = 10};
+    row.powerUpRate = 100;
+    row.memoryFrames = 99;
+    row.oscillator.errorPpb = (number - 8) * 3'000;
+    return row;
+}
+
+Scenario sixteenCameras() {
+    Scenario scenario{"sixteen-cameras", {}, {}};
+    for (int number = 1; number <= 16; ++number) {
+        scenario.cameras.push_back(vgaCamera(number));
+        const char* id = scenario.cameras.back().interfaceId;
+        scenario.interfaces.push_back({id, id, scenario.cameras.back().serial});
+    }
+    return scenario;
+}
+
 const std::vector<Scenario>& scenarios() {
     // Never destroyed: a client may leave cameras open when it exits.
     static const auto& all = *new std::vector<Scenario>{
         {kDefaultScenario, {kNetwork}, {colourCamera(), monochromeCamera()}},
         {"zero-cameras", {kNetwork}, {}},
+        sixteenCameras(),
     };
     return all;
 }

@@ -1,6 +1,9 @@
 #include "virtual_clock.h"
 
 #include <algorithm>
+#include <chrono>
+
+#include "watchdog.h"
 
 namespace simulator {
 
@@ -29,6 +32,7 @@ void VirtualClock::waitAsMember(Member& self, Condition& condition, Lock& outer,
     if (isNext(self)) {
         if (due > now()) m_now.store(due, std::memory_order_relaxed);
         self.on = nullptr;
+        ++m_turns;
         return;
     }
     m_turn = nullptr;
@@ -133,7 +137,16 @@ void VirtualClock::drive(Lock& lock, Guest& guest) {
     m_guests.push_back(&guest);
     if (m_turn == nullptr) dispatch();
     // As long as others drive, turns go on; a lone client's thread runs only when no other does.
-    guest.called.wait(lock, [&] { return guest.done && (m_turn == nullptr || isAnyoneDriving()); });
+    const auto isOver = [&] { return guest.done && (m_turn == nullptr || isAnyoneDriving()); };
+    while (!isOver()) {
+        const std::chrono::milliseconds limit = Watchdog::limit();
+        const std::uint64_t turns = m_turns;
+        if (limit.count() == 0) {
+            guest.called.wait(lock);
+        } else if (guest.called.wait_for(lock, limit) == std::cv_status::timeout) {
+            if (turns == m_turns && !isOver()) Watchdog::bark();
+        }
+    }
     std::erase(m_guests, &guest);
 }
 
@@ -149,6 +162,7 @@ void VirtualClock::dispatch() {
             m_now.store(at, std::memory_order_relaxed);
             next->on = nullptr;
             m_turn = next;
+            ++m_turns;
             next->called.notify_one();
             return;
         }

@@ -20,6 +20,9 @@ namespace simulator {
 class VirtualClock : public SimulatorClock {
   public:
     Nanoseconds now() const override { return m_now.load(std::memory_order_relaxed); }
+    void wait(Condition& condition, std::unique_lock<std::mutex>& lock) override {
+        waitUntil(condition, lock, kNever);
+    }
     void waitUntil(Condition& condition, std::unique_lock<std::mutex>& lock, Nanoseconds deadline) override;
     void waitPrecisely(Condition& condition, std::unique_lock<std::mutex>& lock,
                        Nanoseconds deadline) override {
@@ -79,6 +82,7 @@ class VirtualClock : public SimulatorClock {
     std::vector<Member*> m_members;  // in order of admission
     std::vector<Guest*> m_guests;    // calls of clients that wait
     Member* m_turn = nullptr;
+    std::uint64_t m_turns = 0;  // given or kept so far
     Condition m_ended{*this};
 };
 

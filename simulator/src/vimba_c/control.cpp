@@ -6,6 +6,7 @@
 #include "vendor_call.h"
 #include "vendor_functions.h"
 #include "vimba_simulator.h"
+#include "watchdog.h"
 
 using namespace simulator;
 
@@ -145,6 +146,10 @@ VmbError_t VmbSimWaitForFrames(const char* cameraId, VmbUint64_t count, VmbUint3
 
 VmbError_t VmbSimWaitForEvents(VmbUint32_t timeoutMs) {
     return guarded([=] { return code(simulation().waitForEvents(deadline(timeoutMs))); });
+}
+
+void VmbSimSetWatchdog(VmbUint32_t limitMs) {
+    Watchdog::setLimit(std::chrono::milliseconds(limitMs));
 }
 
 VmbError_t VmbSimHoldSensor(const char* cameraId, VmbBool_t hold) {

@@ -81,7 +81,7 @@ std::string Output::written() const {
 }
 
 CallScope::CallScope(const char* function, const Arguments& arguments)
-    : m_function(function), m_arguments(arguments), m_journalled(simulation().journal().isOn()) {
+    : CurrentCall(function), m_arguments(arguments), m_journalled(simulation().journal().isOn()) {
     if (m_journalled) m_before = line();
 }
 
@@ -103,14 +103,14 @@ void CallScope::midway() {
     std::string camera;
     bool plugged = false;
     if (call == nullptr ||
-        !simulation().cableFaults().strikes(call->m_function, call->firstText(), camera, plugged)) {
+        !simulation().cableFaults().strikes(call->function(), call->firstText(), camera, plugged)) {
         return;
     }
     simulation().plug(camera, plugged);
 }
 
 std::string CallScope::line() const {
-    std::string text = std::string("[") + threadRoleName(currentThreadRole()) + "] " + m_function + "(";
+    std::string text = std::string("[") + threadRoleName(currentThreadRole()) + "] " + function() + "(";
     const char* separator = "";
     for (const Argument& argument : m_arguments) {
         text += separator + argument.written();
@@ -120,7 +120,7 @@ std::string CallScope::line() const {
 }
 
 bool CallScope::fails(VmbError_t& result) {
-    return simulation().callFaults().strikes(m_function, firstText(), result);
+    return simulation().callFaults().strikes(function(), firstText(), result);
 }
 
 void CallScope::finish(VmbError_t result, const std::initializer_list<Output>& outputs) {

@@ -96,7 +96,6 @@ class CallScope final : public CurrentCall {
     /// Null when there is none.
     const char* firstText() const;
 
-    const char* m_function;
     const Arguments& m_arguments;
     const bool m_journalled;
     std::string m_before;  // arguments as they read before the call

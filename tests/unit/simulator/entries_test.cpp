@@ -23,8 +23,7 @@ TEST_F(Entries, ThatAreNotSimulatedAreListedButRefused) {
                                                            {"BandwidthControlMode", "SCPD"},
                                                            {"BandwidthControlMode", "Both"},
                                                            {"PtpMode", "Slave"},
-                                                           {"PtpMode", "Auto"},
-                                                           {"StreamHoldEnable", "On"}};
+                                                           {"PtpMode", "Auto"}};
     for (const auto& [name, entry] : entries) {
         EXPECT_FALSE(isAvailable(name, entry)) << name;
         const std::string before = enumOf(camera, name);

@@ -67,7 +67,7 @@ TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhy) {
     setenv(VMBSIM_SCENARIO_VARIABLE, "nowhere", 1);
     EXPECT_EXIT(exitWith(VmbStartup() == VmbErrorOther), ::testing::ExitedWithCode(0),
                 "^VIMBAC_SIMULATOR_SCENARIO names the scenario \"nowhere\", but the simulator knows only: "
-                "two-cameras, zero-cameras\\.\n$");
+                "two-cameras, zero-cameras, sixteen-cameras\\.\n$");
     EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()).empty() &&
                          VmbSimLoadScenario("two-cameras") == VmbErrorSuccess && hasCameras()),
                 ::testing::ExitedWithCode(0), "^$");
