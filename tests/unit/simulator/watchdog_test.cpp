@@ -1,0 +1,75 @@
+// A call that waits for good is told from one that only takes long.
+#include <thread>
+
+#include "virtual_fixture.h"
+
+namespace {
+
+using test_support::kColourCamera;
+using test_support::kSystem;
+using test_support::Latch;
+using test_support::run;
+using test_support::Stream;
+using test_support::StreamTest;
+
+using WatchdogDeathTest = StreamTest;
+
+/// The mistake: a lock that the frame callback needs is held across VmbCaptureEnd.
+void endCaptureWithTheCallbacksLock(VmbHandle_t camera) {
+    std::mutex mutex;
+    Latch inCallback;
+    Stream stream(camera);
+    std::unique_lock lock(mutex);
+    stream.hook = [&](VmbFrame_t&) {
+        inCallback.open();
+        const std::lock_guard wanted(mutex);
+    };
+    stream.startCapture();
+    VmbFeatureCommandRun(camera, "AcquisitionStart");
+    inCallback.wait();
+    VmbCaptureEnd(camera);
+}
+
+TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThreads) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            VmbSimSetWatchdog(300);
+            endCaptureWithTheCallbacksLock(openFast());
+        },
+        "VimbaC simulator: VmbCaptureEnd has waited for 300 ms and nothing happened\\. All threads:\n"
+        "thread [0-9]+ \"simulator_tests\"\n(.|\n)*VmbCaptureEnd(.|\n)*thread [0-9]+ \"frame\"\n");
+}
+
+TEST_F(WatchdogDeathTest, SoItIsInVirtualTime) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
+        {
+            VmbShutdown();
+            VmbSimUseVirtualTime(true);
+            VmbStartup();
+            VmbSimSetWatchdog(300);
+            const VmbHandle_t camera = openFast();
+            std::mutex mutex;
+            Stream stream(camera);
+            const std::lock_guard lock(mutex);
+            stream.hook = [&](VmbFrame_t&) { const std::lock_guard wanted(mutex); };
+            stream.startCapture();
+            VmbFeatureCommandRun(camera, "AcquisitionStart");
+            VmbSimAdvance(1'000'000'000);
+        },
+        "VimbaC simulator: a control function has waited for 300 ms and nothing happened\\. All threads:\n");
+}
+
+TEST_F(StreamTest, WaitsThatEndByThemselvesAreLeftAlone) {
+    VmbSimSetWatchdog(100);
+    const VmbHandle_t camera = openFast();
+    run(kSystem, "GeVDiscoveryAllOnce");  // 150 ms
+    Stream stream(camera, 1);
+    stream.announceAll();
+    EXPECT_EQ(VmbCaptureFrameWait(camera, stream.frames.data(), 250), VmbErrorTimeout);
+    EXPECT_EQ(VmbFrameRevokeAll(camera), VmbErrorSuccess);
+    VmbSimSetWatchdog(0);
+}
+
+}  // namespace
