@@ -123,7 +123,8 @@ void startAndStop(const char* id, const std::function<void()>& meanwhile) {
     VmbFeatureFloatSet(camera, "ExposureTimeAbs", 1000);
     VmbFeatureFloatSet(camera, "AcquisitionFrameRateAbs", 100);
     VmbFeatureIntGet(camera, "PayloadSize", &payload);
-    std::vector<std::uint8_t> memory(2 * 656 * 492 * 3);
+    // Enough for two frames of any size, since a fault may leave the camera at its largest.
+    static thread_local std::vector<std::uint8_t> memory(2 * 656 * 492 * 3);
     VmbFrame_t frames[2] = {};
     const VmbFrameCallback again = [](const VmbHandle_t handle, VmbFrame_t* frame) {
         VmbCaptureFrameQueue(handle, frame, *static_cast<VmbFrameCallback*>(frame->context[0]));
