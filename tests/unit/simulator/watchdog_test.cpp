@@ -38,7 +38,7 @@ TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThread
             endCaptureWithTheCallbacksLock(openFast());
         },
         "VimbaC simulator: VmbCaptureEnd has waited for 300 ms and nothing happened\\. All threads:\n"
-        "thread [0-9]+ \"simulator_tests\"\n(.|\n)*VmbCaptureEnd(.|\n)*thread [0-9]+ \"frame\"\n");
+        "thread [0-9]+ \"simulator_tests\"\n(.|\n)*VmbCaptureEnd(.|\n)*thread [0-9]+ \"frame\"");
 }
 
 TEST_F(WatchdogDeathTest, SoItIsInVirtualTime) {
