@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "vimba_simulator.h"
 
@@ -57,6 +60,21 @@ class Simulator {
         for (std::string& line : functions) line.resize(line.find('('));
         return functions;
     }
+};
+
+/// Compares what was recorded as misuse with what a test expects at its end: nothing, unless it says
+/// otherwise.
+struct ExpectedMisuses {
+    ~ExpectedMisuses() {
+        std::set<std::string> seen;
+        std::istringstream stream(Simulator::misuses());
+        const std::string separator = ": misuse: ";
+        for (std::string line; std::getline(stream, line);) {
+            seen.insert(line.substr(line.rfind(separator) + separator.size()));
+        }
+        EXPECT_EQ(seen, reasons) << Simulator::misuses();
+    }
+    std::set<std::string> reasons;
 };
 
 }  // namespace test_support

@@ -13,7 +13,8 @@ extern "C" __attribute__((weak)) void* __asan_region_is_poisoned(void* bytes, st
 namespace simulator {
 
 bool isWritableMemory(void* bytes, std::size_t size) {
-    if (&__asan_region_is_poisoned != nullptr) return __asan_region_is_poisoned(bytes, size) == nullptr;
+    if (&__asan_region_is_poisoned != nullptr && __asan_region_is_poisoned(bytes, size) != nullptr)
+        return false;
     static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
     std::array<unsigned char, 1024> pages;
     auto begin = reinterpret_cast<std::uintptr_t>(bytes) / page * page;

@@ -82,6 +82,8 @@ inline std::vector<std::string> hostCalls() {
 class PluginTest : public ::testing::Test {
   protected:
     explicit PluginTest(const char* scenario = "two-cameras") : simulator(scenario) {
+        // Rounds of discovery without the waiting of each.
+        VmbSimForceFeature(nullptr, "GeVDiscoveryAllDuration", "1");
         zelt::IfDAQPlugin* made = nullptr;
         EXPECT_TRUE(creator.createPlugin("GIGECAMERA", pluginTypeId(), &made));
         plugin = made;
@@ -129,6 +131,7 @@ class PluginTest : public ::testing::Test {
     }
 
     Simulator simulator;
+    ExpectedMisuses misuses;
     zelt_gige_camera::CameraPluginCreator creator;
     zelt::IfDAQPlugin* plugin = nullptr;
     std::shared_ptr<TestClock> clock = std::make_shared<TestClock>();

@@ -114,6 +114,7 @@ class VmbApiTest : public ::testing::Test {
     }
 
     Simulator simulator;
+    ExpectedMisuses misuses;
     CountingPages pages;
     zelt_gige_api::VimbaCameraApi api{pages};
 };
