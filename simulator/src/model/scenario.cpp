@@ -96,7 +96,7 @@ CameraRow vgaCamera(int number) {
                   .shortestExposureUs = 10};
     row.powerUpRate = 100;
     row.memoryFrames = 99;
-    row.oscillator.errorPpb = (number - 8) * 3'000;
+    row.oscillator.errorPpb = std::int64_t{number - 8} * 3'000;
     return row;
 }
 
