@@ -80,7 +80,7 @@ IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
 
 // Clocks and lines ----------------------------------------------------------------------------------------
 
-/// Picks the random numbers of jitter. The same seed gives the same ones.
+/// Picks the random numbers of jitter. The same seed gives the same ones; a fresh scenario has 0.
 IMEXPORTC void VmbSimSeed(VmbUint64_t seed);
 
 typedef struct VmbSimOscillator {
@@ -148,7 +148,8 @@ IMEXPORTC void VmbSimClearFaults(void);
 // Observing and driving -----------------------------------------------------------------------------------
 
 /// Pulls the camera's cable, or plugs it in, in the middle of the `nth` call of a function: behind its checks
-/// and before it takes effect. Counted as for VmbSimFailCall.
+/// and before it takes effect. Counted are calls that pass their checks, `argument` is as for VmbSimFailCall.
+/// VmbErrorNotFound also for VmbVersionQuery, VmbStartup and VmbShutdown.
 IMEXPORTC VmbError_t VmbSimCableDuring(const char* cameraId, VmbBool_t plugged, const char* function,
                                        const char* argument, VmbInt32_t nth);
 
@@ -195,7 +196,8 @@ IMEXPORTC size_t VmbSimJournalText(char* buffer, size_t size);
 /// What no client should do is recorded as misuse, whether the library puts up with it or not, also while the
 /// journal is off: a call after close or without start-up, a frame announced or queued twice, a queued frame
 /// revoked, memory freed while its frame is announced (seen when a picture is due and when the frame is
-/// revoked), a callback registered twice, a set or a wait inside a callback. Copies the text as
+/// revoked or its camera closed; memory of the heap only in programs with the address sanitizer), a callback
+/// registered twice, a set or a wait inside a callback. Copies the text as
 /// VmbSimJournalText does. One line each, in the journal too, of the call and the reason:
 ///   [frame] VmbFeatureFloatSet(DEV_000F31A10001, "Gain", 3): misuse: a set inside a callback
 IMEXPORTC size_t VmbSimMisuseText(char* buffer, size_t size);

@@ -23,10 +23,18 @@ bool isWithin(double value, double aim, double tolerancePercent) {
     return std::abs(value - aim) <= aim * tolerancePercent / 100;
 }
 
+/// A share of the way, but one step of the grid at least; `now` when the aim is less than that away.
+double nextValue(double now, double aim, double ratePercent, double grid) {
+    const double way = aim - now;
+    const double step = std::max(std::abs(way) * ratePercent / 100, grid);
+    if (std::abs(way) < grid / 2) return now;
+    return std::round((now + std::copysign(std::min(step, std::abs(way)), way)) / grid) * grid;
+}
+
 /// Goes a share of the way; true when that moved the value by a step of its grid at least.
 bool approach(FeatureTable& features, const char* name, double aim, double ratePercent, double grid) {
     const double now = features.number(name);
-    const double next = std::round((now + (aim - now) * ratePercent / 100) / grid) * grid;
+    const double next = nextValue(now, aim, ratePercent, grid);
     if (std::abs(next - now) < grid / 2) return false;
     features.compute(name, next);
     return true;
@@ -46,6 +54,7 @@ unsigned AutoFunctions::evaluate(FeatureTable& features, const Scene& scene) {
         {"GainAuto", &AutoFunctions::runGain, kGainAutoEnded},
         {"BalanceWhiteAuto", &AutoFunctions::runBalance, kBalanceAutoEnded}};
     unsigned changes = 0;
+    m_exposureMoved = false;
     for (std::size_t i = 0; i < std::size(kFunctions); ++i) {
         const Function& function = kFunctions[i];
         const std::int64_t mode = features.has(function.mode) ? features.integer(function.mode) : kOff;
@@ -68,20 +77,21 @@ unsigned AutoFunctions::runExposure(FeatureTable& features, const Scene& scene, 
     const double wanted = now > 0 ? features.number("ExposureTimeAbs") * aim / now : 1e9;
     const double least = percentOf(features, "ExposureAutoMin");
     const double most = std::max(least, percentOf(features, "ExposureAutoMax"));
-    const bool moved = approach(features, "ExposureTimeAbs", std::clamp(wanted, least, most),
-                                percentOf(features, "ExposureAutoRate"), 1);
-    settled = !moved;
-    return moved ? kExposureMoved : 0U;
+    m_exposureMoved = approach(features, "ExposureTimeAbs", std::clamp(wanted, least, most),
+                               percentOf(features, "ExposureAutoRate"), 1);
+    settled = !m_exposureMoved;
+    return m_exposureMoved ? kExposureMoved : 0U;
 }
 
 unsigned AutoFunctions::runGain(FeatureTable& features, const Scene& scene, bool& settled) {
     const double exposure = features.number("ExposureTimeAbs");
-    const bool exposureMoves = features.integer("ExposureAuto") != kOff &&
-                               exposure < percentOf(features, "ExposureAutoMax") &&
-                               exposure > percentOf(features, "ExposureAutoMin");
+    const bool isExposuresTurn =
+        features.integer("ExposureAuto") != kOff && exposure < percentOf(features, "ExposureAutoMax");
+    settled = !m_exposureMoved;
+    if (isExposuresTurn) return 0;
     const double aim = percentOf(features, "GainAutoTarget");
     const double now = level(features, scene);
-    if (exposureMoves || isWithin(now, aim, percentOf(features, "GainAutoAdjustTol"))) return 0;
+    if (isWithin(now, aim, percentOf(features, "GainAutoAdjustTol"))) return 0;
     const double wanted = now > 0 && aim > 0 ? features.number("Gain") + 20 * std::log10(aim / now) : 1e9;
     const double least = features.number("GainAutoMin");
     const double most = std::max(least, features.number("GainAutoMax"));
@@ -99,7 +109,7 @@ unsigned AutoFunctions::runBalance(FeatureTable& features, const Scene& scene, b
     for (const auto& [colour, ratio] : {std::pair("Red", scene.red), std::pair("Blue", scene.blue)}) {
         const double aim = std::clamp(ratio, range.min, range.max);
         const double now = features.number("BalanceRatioAbs", colour);
-        const double next = std::round((now + (aim - now) * rate / 100) * 100) / 100;
+        const double next = nextValue(now, aim, rate, 0.01);
         if (isWithin(now, aim, tolerance) || std::abs(next - now) < 0.005) continue;
         features.compute("BalanceRatioAbs", colour, next);
         changes = kBalanceMoved;

@@ -39,6 +39,7 @@ class AutoFunctions {
     unsigned runBalance(FeatureTable& features, const Scene& scene, bool& settled);
 
     int m_exposuresInOnce[3] = {};
+    bool m_exposureMoved = false;  // in the evaluation that is under way
 };
 
 }  // namespace simulator

@@ -15,6 +15,11 @@ std::int64_t onGrid(std::int64_t value, const IntRange& range) {
     return value < range.min ? range.min : value - (value - range.min) % range.increment;
 }
 
+// Forced values may be anything, also no number.
+double clamped(double value, double least, double most) {
+    return value >= least ? std::min(value, most) : least;
+}
+
 }  // namespace
 
 Camera::Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanoseconds powerUp,
@@ -156,14 +161,14 @@ PictureShape Camera::shape() const {
 void Camera::settleTiming(const PictureShape& picture) {
     const std::int64_t bytesPerSecond = std::max<std::int64_t>(1, m_features.integer("StreamBytesPerSecond"));
     const bool constrained = m_features.flag("StreamFrameRateConstrain");
-    const double exposureUs = std::clamp(m_features.number("ExposureTimeAbs"), 1.0, 1e9);
+    const double exposureUs = clamped(m_features.number("ExposureTimeAbs"), 1, 1e9);
     const std::uint64_t payload = picture.payload() + m_sensor.trailer;
     const double limit =
         frameRateLimit(m_row.sensor, {picture.height, payload}, exposureUs, constrained ? bytesPerSecond : 0);
     m_features.compute("AcquisitionFrameRateLimit", limit);
     m_features.at("AcquisitionFrameRateAbs").floatRange.max = limit;
 
-    const double rate = std::clamp(m_features.number("AcquisitionFrameRateAbs"), 1e-3, 1e6);
+    const double rate = clamped(m_features.number("AcquisitionFrameRateAbs"), 1e-3, 1e6);
     m_sensor.shape = picture;
     m_sensor.exposure = std::llround(exposureUs * 1e3);
     m_sensor.readout = readoutTime(m_row.sensor, picture.height);
@@ -186,7 +191,8 @@ void Camera::settleTrigger() {
                                               : TriggerKind::External;
     m_sensor.isLine1 = source == "Line1";
     m_sensor.activation = static_cast<Activation>(m_features.integer("TriggerActivation", "FrameStart"));
-    m_sensor.triggerDelay = std::llround(m_features.number("TriggerDelayAbs", "FrameStart") * 1e3);
+    m_sensor.triggerDelay =
+        std::llround(clamped(m_features.number("TriggerDelayAbs", "FrameStart"), 0, 1e9) * 1e3);
     m_sensor.latchesTrigger = entry("TriggerOverlap") == "PreviousFrame";
     m_sensor.holdsStream = m_features.has("StreamHoldEnable") && m_features.integer("StreamHoldEnable") == 1;
 }

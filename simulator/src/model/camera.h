@@ -83,7 +83,6 @@ class Camera {
     void settleSize();
     void settleSubregion();
     void clampTo(const char* name, std::int64_t max);
-    void settleRanges();
     void settleTiming(const PictureShape& shape);
     void settleTrigger();
     std::int64_t frameLimit() const;

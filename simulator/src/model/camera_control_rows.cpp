@@ -10,6 +10,53 @@ FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
     return intRow(name, range, initial).of("%");
 }
 
+void addTriggerSignalRows(FeatureRows& rows, const char* path, const char* selector) {
+    rows.push_back(
+        enumRow("TriggerActivation",
+                {{"RisingEdge", 0}, {"FallingEdge", 1}, {"AnyEdge", 2}, {"LevelHigh", 3}, {"LevelLow", 4}}, 0)
+            .in(path)
+            .per(selector)
+            .text("What of a line's signal counts"));
+    rows.push_back(floatRow("TriggerDelayAbs", {0, 60'000'000}, 0.0)
+                       .in(path)
+                       .of("µs")
+                       .per(selector)
+                       .text("Delay from the line's signal"));
+    rows.push_back(enumRow("TriggerOverlap", {{"Off", 0}, {"PreviousFrame", 2}}, 0)
+                       .in(path)
+                       .per(selector)
+                       .text("What becomes of a signal that comes too early"));
+}
+
+void addExposureAutoRows(FeatureRows& rows, const char* path, const SensorRow& sensor) {
+    const IntRange autoRange{static_cast<std::int64_t>(sensor.shortestExposureUs),
+                             static_cast<std::int64_t>(sensor.longestExposureUs), 1};
+    rows.push_back(enumRow("ExposureAuto", kAutoModes, 1)
+                       .in(path)
+                       .affecting({"ExposureTimeAbs"})
+                       .text("Automatic exposure"));
+    rows.push_back(percentRow("ExposureAutoAdjustTol", {0, 50, 1}, 5)
+                       .in(path)
+                       .text("Dead band of the automatic exposure"));
+    rows.push_back(enumRow("ExposureAutoAlg", {{"Mean", 0}, {"FitRange", 1}}, 0)
+                       .in(path)
+                       .text("Algorithm of the automatic exposure"));
+    rows.push_back(
+        intRow("ExposureAutoMax", autoRange, 500'000).in(path).of("µs").text("Longest automatic exposure"));
+    rows.push_back(intRow("ExposureAutoMin", autoRange, autoRange.min)
+                       .in(path)
+                       .of("µs")
+                       .text("Shortest automatic exposure"));
+    rows.push_back(intRow("ExposureAutoOutliers", {0, 1000, 1}, 0)
+                       .in(path)
+                       .of("0.01 %")
+                       .text("Share of pixels that the automatic exposure ignores"));
+    rows.push_back(
+        percentRow("ExposureAutoRate", {1, 100, 1}, 100).in(path).text("Speed of the automatic exposure"));
+    rows.push_back(
+        percentRow("ExposureAutoTarget", {0, 100, 1}, 50).in(path).text("Aim of the automatic exposure"));
+}
+
 }  // namespace
 
 void addAcquisitionRows(FeatureRows& rows, const CameraRow& camera) {
@@ -71,21 +118,7 @@ void addTriggerRows(FeatureRows& rows) {
                        .in(path)
                        .per(selector)
                        .text("Where the trigger comes from"));
-    rows.push_back(
-        enumRow("TriggerActivation",
-                {{"RisingEdge", 0}, {"FallingEdge", 1}, {"AnyEdge", 2}, {"LevelHigh", 3}, {"LevelLow", 4}}, 0)
-            .in(path)
-            .per(selector)
-            .text("What of a line's signal counts"));
-    rows.push_back(floatRow("TriggerDelayAbs", {0, 60'000'000}, 0.0)
-                       .in(path)
-                       .of("µs")
-                       .per(selector)
-                       .text("Delay from the line's signal"));
-    rows.push_back(enumRow("TriggerOverlap", {{"Off", 0}, {"PreviousFrame", 2}}, 0)
-                       .in(path)
-                       .per(selector)
-                       .text("What becomes of a signal that comes too early"));
+    addTriggerSignalRows(rows, path, selector);
     rows.push_back(commandRow("TriggerSoftware").in(path).per(selector).text("Triggers one frame"));
 }
 
@@ -93,7 +126,6 @@ void addExposureRows(FeatureRows& rows, const CameraRow& camera) {
     const char* path = "/Controls/Exposure";
     const double shortest = camera.sensor.shortestExposureUs;
     const double longest = camera.sensor.longestExposureUs;
-    const IntRange autoRange{static_cast<std::int64_t>(shortest), static_cast<std::int64_t>(longest), 1};
     rows.push_back(enumRow("ExposureMode", {{"Timed", 1}}, 1).in(path).text("How the exposure ends"));
     rows.push_back(floatRow("ExposureTimeAbs", {shortest, longest}, 15'000.0)
                        .in(path)
@@ -106,30 +138,7 @@ void addExposureRows(FeatureRows& rows, const CameraRow& camera) {
                        .of("µs")
                        .readOnly()
                        .text("Step of the exposure time"));
-    rows.push_back(enumRow("ExposureAuto", kAutoModes, 1)
-                       .in(path)
-                       .affecting({"ExposureTimeAbs"})
-                       .text("Automatic exposure"));
-    rows.push_back(percentRow("ExposureAutoAdjustTol", {0, 50, 1}, 5)
-                       .in(path)
-                       .text("Dead band of the automatic exposure"));
-    rows.push_back(enumRow("ExposureAutoAlg", {{"Mean", 0}, {"FitRange", 1}}, 0)
-                       .in(path)
-                       .text("Algorithm of the automatic exposure"));
-    rows.push_back(
-        intRow("ExposureAutoMax", autoRange, 500'000).in(path).of("µs").text("Longest automatic exposure"));
-    rows.push_back(intRow("ExposureAutoMin", autoRange, autoRange.min)
-                       .in(path)
-                       .of("µs")
-                       .text("Shortest automatic exposure"));
-    rows.push_back(intRow("ExposureAutoOutliers", {0, 1000, 1}, 0)
-                       .in(path)
-                       .of("0.01 %")
-                       .text("Share of pixels that the automatic exposure ignores"));
-    rows.push_back(
-        percentRow("ExposureAutoRate", {1, 100, 1}, 100).in(path).text("Speed of the automatic exposure"));
-    rows.push_back(
-        percentRow("ExposureAutoTarget", {0, 100, 1}, 50).in(path).text("Aim of the automatic exposure"));
+    addExposureAutoRows(rows, path, camera.sensor);
 }
 
 void addGainRows(FeatureRows& rows, const CameraRow& camera) {

@@ -186,13 +186,17 @@ Result CameraSession::execute(Lock&, const char* command) {
     const auto is = [=](const char* name) { return std::strcmp(command, name) == 0; };
     if (is("AcquisitionStart")) m_engine.startAcquisition();
     if (is("AcquisitionStop")) m_engine.stopAcquisition();
-    if (is("AcquisitionAbort")) m_engine.abortAcquisition();
+    if (is("AcquisitionAbort")) {
+        events().dropLater();  // of exposures that do not end
+        m_engine.abortAcquisition();
+    }
     if (is("TriggerSoftware")) m_engine.softwareTrigger();
     if (is("GevTimestampControlReset")) m_camera->resetClock(now);
     if (is("GevTimestampControlLatch")) m_camera->latchClock(now);
     if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize();
     if (is("UserSetSave")) return m_camera->saveUserSet();
     if (is("UserSetLoad")) {
+        m_engine.catchUp();
         m_camera->loadUserSet();
         m_engine.settle();
     }
@@ -205,9 +209,9 @@ void CameraSession::onEvent(CameraEvent event, std::uint64_t frameId, Nanosecond
     const auto id = static_cast<std::int64_t>(frameId);
     const auto apply = [=, this, &row] { assign({{row.timeFeature, ticks}, {row.frameFeature, id}}); };
     // The end of an acquisition never comes behind the start of the next one.
-    const bool later = at > m_clock.now() && event != CameraEvent::AcquisitionEnd;
+    const Nanoseconds dueAt = event == CameraEvent::AcquisitionEnd ? 0 : at;
     const std::uint64_t number =
-        events().post({{row.timeFeature, row.frameFeature, row.feature}, apply, later ? at : 0});
+        events().post({{row.timeFeature, row.frameFeature, row.feature}, apply, dueAt});
     if (event == CameraEvent::AcquisitionStart) m_startEvent = number;
 }
 

@@ -71,6 +71,7 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     }
     void refresh(const Feature& feature) override;
     bool isStored(const FeatureRow& row) const override { return isStreamable(row); }
+    void onChanging() override { m_engine.catchUp(); }
     void onChanged(const Feature& feature) override;
     Result execute(Lock& lock, const char* command) override;
     void onDelivered() override;

@@ -104,8 +104,8 @@ void CaptureEngine::startAcquisition() {
 
 void CaptureEngine::begin(Nanoseconds now) {
     m_restart = false;
-    if (!m_watchingLine) m_line.skipTo(now);
-    m_agenda.start(now, m_camera.sensor(), m_line.isHigh());
+    m_settled = m_camera.sensor();
+    m_agenda.start(now, m_settled, isLineHigh());
     if (std::exchange(m_triggerRestart, false)) m_agenda.softwareTrigger(now);
     m_camera.setAcquiring(true);
     m_camera.resetStatistics(now);
@@ -150,10 +150,18 @@ void CaptureEngine::finishIfDone() {
 }
 
 void CaptureEngine::softwareTrigger() {
+    if (m_camera.sensor().trigger != TriggerKind::Software) return;
     // To its client an acquisition that waits for the end of the last one is running.
     if (m_restart) m_triggerRestart = true;
     m_agenda.softwareTrigger(m_clock.now());
     m_changed.notify();
+}
+
+bool CaptureEngine::isLineHigh() {
+    // Nothing is connected to the other lines.
+    if (!m_camera.sensor().isLine1) return false;
+    if (!m_watchingLine) m_line.skipTo(m_clock.now());
+    return m_line.isHigh();
 }
 
 void CaptureEngine::hold(bool hold) {
@@ -162,10 +170,13 @@ void CaptureEngine::hold(bool hold) {
 }
 
 void CaptureEngine::settle() {
-    m_agenda.settle(m_clock.now(), m_camera.sensor(), m_line.isHigh());
-    const bool held = m_camera.sensor().holdsStream;
-    if (std::exchange(m_streamHeld, held) && !held) releaseStream();
     m_changed.notify();
+    const SensorSettings& settings = m_camera.sensor();
+    if (settings == m_settled) return;
+    const bool released = m_settled.holdsStream && !settings.holdsStream;
+    m_settled = settings;
+    m_agenda.settle(m_clock.now(), settings, isLineHigh());
+    if (released) releaseStream();
 }
 
 void CaptureEngine::releaseStream() {
@@ -247,7 +258,11 @@ Result CaptureEngine::waitForFrame(Lock& lock, const void* record, Nanoseconds d
         if (m_halted) result = Result::BadHandle;
         if (waiter.filled && !isUnderWay(record)) result = Result::Success;
         if (result != Result::Timeout || (pended && !isPending())) break;
-        m_progress.waitUntil(lock, deadline);
+        if (deadline == kNever) {
+            m_progress.wait(lock);
+        } else {
+            m_progress.waitUntil(lock, deadline);
+        }
     }
     std::erase(m_frameWaiters, &waiter);
     return result;

@@ -85,7 +85,9 @@ class CaptureEngine {
     void abortAcquisition();
     void softwareTrigger();
     void hold(bool hold);
-    /// Call after settings changed.
+    /// To be called before settings change: exposes what is due with those of now, should the thread be late.
+    void catchUp();
+    /// To be called after settings changed.
     void settle();
 
     FrameQueue& queue() { return m_queue; }
@@ -145,12 +147,16 @@ class CaptureEngine {
 
     void run();
     void enterOwnThread();
+    /// What the sensor does next; no step of it gives up the lock.
+    std::optional<Next> nextOfSensor() const;
+    void stepSensor(const Next& next);
     std::optional<Next> next() const;
     void step(Lock& lock, const Next& next);
     void begin(Nanoseconds now);
     /// Edges of the line that came while nobody cared are over.
     void watchLine();
-    void takeEdge();
+    void takeEdge(Nanoseconds at);
+    bool isLineHigh();
     /// What was held in the camera's memory goes on its way now.
     void releaseStream();
     void report(CameraEvent event, std::uint64_t id, Nanoseconds at);
@@ -188,7 +194,7 @@ class CaptureEngine {
     ExposureAgenda m_agenda;
     bool m_capturing = false;
     bool m_watchingLine = false;
-    bool m_streamHeld = false;
+    SensorSettings m_settled;                    // settings that the agenda knows
     int m_watches = 0;                           // calls that wait
     std::uint64_t m_awaitedCallbacks = kNobody;  // the lowest number that a call waits for
     std::vector<FrameWaiter*> m_frameWaiters;

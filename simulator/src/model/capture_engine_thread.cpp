@@ -27,7 +27,7 @@ void CaptureEngine::run() {
     }
 }
 
-std::optional<CaptureEngine::Next> CaptureEngine::next() const {
+std::optional<CaptureEngine::Next> CaptureEngine::nextOfSensor() const {
     std::optional<Next> first;
     const auto consider = [&](Nanoseconds at, Step step) {
         if (!first || at < first->at) first = {at, step};
@@ -36,53 +36,70 @@ std::optional<CaptureEngine::Next> CaptureEngine::next() const {
         if (const auto edge = m_line.next()) consider(edge->at, Step::Edge);
     }
     if (m_agenda.nextTrigger() != kNever) consider(m_agenda.nextTrigger(), Step::Trigger);
+    if (const auto start = m_agenda.next(m_camera.sensor(), m_camera.clock())) consider(*start, Step::Expose);
+    return first;
+}
+
+std::optional<CaptureEngine::Next> CaptureEngine::next() const {
+    std::optional<Next> first = nextOfSensor();
+    const auto consider = [&](Nanoseconds at, Step step) {
+        // Before an exposure of the same time: a frame that leaves makes room in the camera's memory.
+        if (!first || at < first->at || (at == first->at && first->step == Step::Expose)) first = {at, step};
+    };
     if (m_transfer) {
         if (m_listener.isStartAnnounced()) consider(m_transfer->exposure.dueAt, Step::Deliver);
     } else if (m_inFlightCount > 0 && !m_camera.sensor().holdsStream) {
         consider(m_inFlight[m_firstInFlight].transferAt, Step::Transfer);
     }
-    if (const auto start = m_agenda.next(m_camera.sensor(), m_camera.clock())) consider(*start, Step::Expose);
     return first;
+}
+
+void CaptureEngine::catchUp() {
+    const Nanoseconds now = m_clock.now();
+    for (auto due = nextOfSensor(); due && due->at <= now; due = nextOfSensor()) stepSensor(*due);
 }
 
 void CaptureEngine::step(Lock& lock, const Next& next) {
     switch (next.step) {
-        case Step::Edge:
-            takeEdge();
-            break;
-        case Step::Trigger:
-            m_agenda.takeTrigger(m_camera.sensor(), m_camera.clock());
-            break;
         case Step::Deliver:
             deliver(lock);
             break;
         case Step::Transfer:
             beginTransfer(lock);
             break;
-        case Step::Expose:
-            expose(next.at);
+        default:
+            stepSensor(next);
             break;
     }
+}
+
+void CaptureEngine::stepSensor(const Next& next) {
+    if (next.step == Step::Edge) takeEdge(next.at);
+    if (next.step == Step::Trigger) m_agenda.takeTrigger(m_camera.sensor(), m_camera.clock());
+    if (next.step == Step::Expose) expose(next.at);
 }
 
 void CaptureEngine::watchLine() {
     const SensorSettings& settings = m_camera.sensor();
     const bool triggers = m_agenda.state() != ExposureAgenda::State::Idle &&
                           settings.trigger == TriggerKind::External && settings.isLine1;
-    const bool watching = triggers || m_camera.notifies(CameraEvent::Line1RisingEdge) ||
-                          m_camera.notifies(CameraEvent::Line1FallingEdge);
+    const bool reports =
+        m_camera.notifies(CameraEvent::Line1RisingEdge) || m_camera.notifies(CameraEvent::Line1FallingEdge);
+    // The line outlives an unplugged camera and is its successor's then.
+    const bool watching = !m_halted && (triggers || reports);
     if (watching && !m_watchingLine) m_line.skipTo(m_clock.now());
     m_watchingLine = watching;
 }
 
-void CaptureEngine::takeEdge() {
-    const LineEdge edge = *m_line.next();
-    m_line.take();
+void CaptureEngine::takeEdge(Nanoseconds at) {
+    // It may be another one than before, or gone: the line is driven from outside.
+    const std::optional<LineEdge> edge = m_line.take(at);
+    if (!edge) return;
     const SensorSettings& settings = m_camera.sensor();
     if (settings.trigger == TriggerKind::External && settings.isLine1) {
-        m_agenda.lineEdge(edge.at, edge.rising, settings);
+        m_agenda.lineEdge(edge->at, edge->rising, settings);
     }
-    report(edge.rising ? CameraEvent::Line1RisingEdge : CameraEvent::Line1FallingEdge, m_nextId, edge.at);
+    report(edge->rising ? CameraEvent::Line1RisingEdge : CameraEvent::Line1FallingEdge, m_nextId, edge->at);
 }
 
 void CaptureEngine::expose(Nanoseconds start) {
@@ -95,6 +112,7 @@ void CaptureEngine::expose(Nanoseconds start) {
     report(CameraEvent::FrameTriggerReady, id, m_agenda.readyAt(settings, clock));
     const unsigned changes = m_camera.noteExposure();
     if (changes != 0) m_listener.onAutomaticChange(changes);
+    m_settled = m_camera.sensor();
     const FrameFate fate = m_surroundings.faults->next();
     if (m_inFlightCount >= memoryFrames()) return;  // The camera's memory is full: the picture is lost.
     Exposure& exposure = m_inFlight[(m_firstInFlight + m_inFlightCount++) % kInFlight];
@@ -129,6 +147,7 @@ void CaptureEngine::beginTransfer(Lock& lock) {
     }
     if (!isAccessible(transfer.frame.memory)) {
         m_surroundings.misuses.add(kBufferGone, m_camera.row().id);
+        progress();
         return;
     }
     m_transfer = transfer;

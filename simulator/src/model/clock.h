@@ -79,10 +79,13 @@ class RealClock : public SimulatorClock {
     void waitPrecisely(Condition& condition, std::unique_lock<std::mutex>& lock,
                        Nanoseconds deadline) override;
     void notify(Condition& condition) override { condition.m_variable.notify_all(); }
-    std::unique_ptr<Turn> admit() override { return std::make_unique<Turn>(); }
+    std::unique_ptr<Turn> admit() override;
     void begin(Turn&) override {}
-    void end(Turn&) override {}
-    void join(Turn&) override {}
+    void end(Turn& turn) override;
+    void join(Turn& turn) override;
+
+  private:
+    struct Thread;
 };
 
 inline void Condition::wait(std::unique_lock<std::mutex>& lock) {

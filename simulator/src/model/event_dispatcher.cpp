@@ -83,10 +83,18 @@ std::uint64_t EventDispatcher::post(Event event) {
     const Lock lock(m_mutex);
     const std::uint64_t number = ++m_posted;
     if (!m_stop && isWanted(event)) {
+        // Behind what is due already, should the thread be late.
+        event.dueAt = std::max(event.dueAt, m_clock.now());
         m_pending.push_back({number, std::move(event)});
         m_changed.notify();
     }
     return number;
+}
+
+void EventDispatcher::dropLater() {
+    const Lock lock(m_mutex);
+    const Nanoseconds now = m_clock.now();
+    std::erase_if(m_pending, [=](const Pending& pending) { return pending.event.dueAt > now; });
 }
 
 bool EventDispatcher::isWanted(const Event& event) const {

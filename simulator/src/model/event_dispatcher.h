@@ -21,7 +21,7 @@ using InvalidationCallback = void (*)(void* owner, const char* feature, void* co
 struct Event {
     std::vector<const char*> features;  ///< literals, in order of invalidation
     std::function<void()> apply;  ///< sets the values; runs without any lock, may post more; may be empty
-    Nanoseconds dueAt = 0;        ///< delivered at this true time, 0 for at once
+    Nanoseconds dueAt = 0;        ///< delivered at this true time, or at once when that is over
 };
 
 class EventDispatcher {
@@ -48,6 +48,8 @@ class EventDispatcher {
     /// Returns the event's number. An event that nobody is registered for and that brings no values is
     /// dropped.
     std::uint64_t post(Event event);
+    /// Forgets what is not due yet.
+    void dropLater();
     bool isDelivered(std::uint64_t number) const;
     /// False when events were left at true time `deadline`.
     bool waitUntilIdle(Nanoseconds deadline);

@@ -101,24 +101,21 @@ Result FeatureModule::readEntry(const char* name, const char*& entry) {
     return found;
 }
 
-bool FeatureModule::mayNotSetHere(const char* name) const {
-    const std::uint32_t option = m_library.choices.option(Choice::SetInCallback);
-    if (option <= 1 && currentThreadRole() == ThreadRole::Frame) return true;
-    return option == 0 && m_events.isInvalidating(name);
-}
-
 Result FeatureModule::write(const char* name, FeatureType type, FeatureValue value) {
     const Lock lock(mutex());
     Feature* feature = nullptr;
     const Result found = find(name, type, feature);
     if (found != Result::Success) return found;
-    if (mayNotSetHere(name)) {
-        m_library.misuses.add("a set inside a callback");
-        return Result::InvalidCall;
+    const bool inFrameCallback = currentThreadRole() == ThreadRole::Frame;
+    if (inFrameCallback || m_events.isInvalidating(name)) {
+        m_library.misuses.add(kSetInCallback);
+        const std::uint32_t option = m_library.choices.option(Choice::SetInCallback);
+        if (option == 0 || (option == 1 && inFrameCallback)) return Result::InvalidCall;
     }
     if (!isWritable(*feature)) return Result::InvalidAccess;
     const Result accepted = features().accept(*feature, value);
     if (accepted != Result::Success) return accepted;
+    onChanging();
     round(*feature, value);
     features().value(*feature) = std::move(value);
     feature->forced = false;

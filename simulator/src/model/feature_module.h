@@ -97,6 +97,7 @@ class FeatureModule {
     virtual bool isLocked(const Feature&) const { return false; }
     virtual void refresh(const Feature&) {}
     virtual void round(const Feature&, FeatureValue&) const {}
+    virtual void onChanging() {}
     virtual void onChanged(const Feature&) {}
     /// Only a camera's settings are saved.
     virtual bool isStored(const FeatureRow&) const { return false; }
@@ -115,8 +116,6 @@ class FeatureModule {
     bool isWritable(const Feature& feature) const;
     void invalidate(const Feature& feature);
     FeatureFacts facts(const Feature& feature);
-
-    bool mayNotSetHere(const char* name) const;
 
     const LibraryContext m_library;
     const bool m_writable;

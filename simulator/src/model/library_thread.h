@@ -19,11 +19,12 @@ class LibraryThread {
 
     /// Throws std::system_error when the system refuses a thread.
     void start(ThreadRole role, std::function<void()> body);
-    /// Waits for the thread's end. Not on that thread.
+    /// Waits for the thread's end; several may. Not on that thread.
     void join();
 
   private:
     SimulatorClock& m_clock;
+    std::mutex m_joining;
     std::unique_ptr<Turn> m_turn;
     std::thread m_thread;
 };

@@ -73,9 +73,12 @@ std::optional<LineEdge> LineInput::next() {
     return fill() ? std::optional(m_edges[m_edgesTaken]) : std::nullopt;
 }
 
-void LineInput::take() {
+std::optional<LineEdge> LineInput::take(Nanoseconds now) {
     const std::lock_guard lock(m_mutex);
-    if (fill()) m_high = m_edges[m_edgesTaken++].rising;
+    if (!fill() || m_edges[m_edgesTaken].at > now) return std::nullopt;
+    const LineEdge edge = m_edges[m_edgesTaken++];
+    m_high = edge.rising;
+    return edge;
 }
 
 void LineInput::skipTo(Nanoseconds now) {
@@ -146,7 +149,10 @@ Nanoseconds LineInput::riseOf(std::uint64_t pulse) const {
 }
 
 void LineInput::skipRhythmTo(Nanoseconds now) {
-    if (!m_rhythm || now <= m_first || m_edgesTaken < m_edgeCount) return;
+    if (!m_rhythm || now <= m_first) return;
+    if (m_edgesTaken < m_edgeCount && m_edges[m_edgeCount - 1].at >= now) return;
+    m_high = m_edgesTaken == m_edgeCount && m_high;
+    m_edgesTaken = m_edgeCount;
     const double rate = static_cast<double>(m_rhythm->numerator) / static_cast<double>(m_rhythm->denominator);
     const double passed = static_cast<double>(now - m_first) * 1e-9 * rate;
     // Two pulses early: the estimate is not exact, and the last one before may still be high.

@@ -49,7 +49,8 @@ class LineInput {
 
     /// The next edge that was not taken yet.
     std::optional<LineEdge> next();
-    void take();
+    /// Takes the next edge, if it is there and not after `now`.
+    std::optional<LineEdge> take(Nanoseconds now);
     /// Takes all edges before `now`.
     void skipTo(Nanoseconds now);
     bool isHigh() const;

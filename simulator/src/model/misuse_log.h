@@ -39,6 +39,7 @@ class CurrentCall {
 };
 
 inline constexpr const char* kWaitInCallback = "a wait inside a callback";
+inline constexpr const char* kSetInCallback = "a set inside a callback";
 inline constexpr const char* kBufferGone = "the memory of an announced or queued frame is gone";
 
 class MisuseLog {

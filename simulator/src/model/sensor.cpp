@@ -45,7 +45,9 @@ void ExposureAgenda::start(Nanoseconds now, const SensorSettings& settings, bool
     m_last.reset();
     m_triggered.reset();
     m_activeSince.reset();
-    if (isActive(settings.activation, lineHigh)) m_activeSince = now;
+    if (settings.trigger == TriggerKind::External && isActive(settings.activation, lineHigh)) {
+        m_activeSince = now;
+    }
     m_delayedCount = 0;
     m_exposed = 0;
 }

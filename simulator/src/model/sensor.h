@@ -55,6 +55,8 @@ struct SensorSettings {
     Nanoseconds shortestPeriod = 0;  ///< that sensor, exposure and bandwidth permit
     std::int64_t frameLimit = 0;     ///< frames per acquisition, 0 for no limit
     bool holdsStream = false;        ///< pictures stay in the camera's memory
+
+    bool operator==(const SensorSettings&) const = default;
 };
 
 /// Readout of a picture of `rows` rows.

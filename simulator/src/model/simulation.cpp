@@ -1,13 +1,19 @@
 #include "simulation.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <string_view>
 #include <utility>
 
 #include "thread_role.h"
 
 namespace simulator {
+namespace {
+
+// Handles are numbers in order of opening: what goes through all of them does so in the same order in each
+// run. No system gives out memory there.
+constexpr std::uintptr_t kFirstHandle = 0x7A00'0000'0000'0000;
+constexpr std::uintptr_t kHandleStep = 16;
+
+}  // namespace
 
 Simulation::Simulation(FrameOutlet& outlet, const std::string& scenario) : m_outlet(outlet) {
     if (const Scenario* known = findScenario(scenario)) {
@@ -20,6 +26,7 @@ Simulation::Simulation(FrameOutlet& outlet, const std::string& scenario) : m_out
 }
 
 void Simulation::fill(const Scenario& scenario) {
+    m_seed = 0;
     m_scenario = &scenario;
     m_links.clear();
     for (const InterfaceRow& row : scenario.interfaces) m_links.push_back({&row, true});
@@ -85,6 +92,8 @@ void Simulation::shutdown() {
     m_started = false;
     m_system->stop();
     for (const auto& session : sessions()) session->close();
+    // Those that another thread is closing.
+    for (const auto& session : closingSessions()) session->close();
     for (const auto& module : openInterfaces()) module->close();
     const Lock lock(m_mutex);
     m_sessions.clear();
@@ -180,7 +189,7 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
     const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line};
     auto session = std::make_shared<CameraSession>(surroundings, slot->camera, mode == OpenMode::Full);
-    void* const fresh = &m_handles.emplace_back();
+    void* const fresh = freshHandle();
     session->hold(slot->held);
     session->start(fresh);
     m_sessions.emplace(fresh, session);
@@ -259,6 +268,15 @@ Simulation::Slot* Simulation::findToOpen(const std::string& id) {
     return find(id);
 }
 
+std::vector<std::shared_ptr<CameraSession>> Simulation::closingSessions() {
+    const Lock lock(m_mutex);
+    std::vector<std::shared_ptr<CameraSession>> all;
+    for (const Slot& slot : m_slots) {
+        if (slot.session != nullptr) all.push_back(slot.session);
+    }
+    return all;
+}
+
 std::vector<std::shared_ptr<CameraSession>> Simulation::sessions() {
     const Lock lock(m_mutex);
     std::vector<std::shared_ptr<CameraSession>> all;
@@ -266,119 +284,20 @@ std::vector<std::shared_ptr<CameraSession>> Simulation::sessions() {
     return all;
 }
 
-Result Simulation::raiseDiscovery(const std::string& event, const std::string& ident) {
-    if (!isStarted()) return Result::ApiNotStarted;
-    system()->raise(event, ident);
-    return Result::Success;
-}
-
-Result Simulation::removeFeature(const char* id, const std::string& feature) {
-    if (id == nullptr) return system()->remove(feature);
-    const Lock lock(m_mutex);
-    Slot* slot = find(id);
-    if (slot == nullptr) return Result::NotFound;
-    const std::shared_ptr<Camera> camera = slot->camera != nullptr ? slot->camera : powerUp(*slot);
-    const Lock cameraLock(camera->mutex());
-    const Result removed = camera->features().remove(feature);
-    if (removed == Result::Success) slot->removed.insert(feature);
-    return removed;
-}
-
-Result Simulation::forceFeature(const char* id, const std::string& feature, const std::string& text) {
-    if (id == nullptr) return system()->force(feature, text);
-    const Lock lock(m_mutex);
-    const Slot* slot = find(id);
-    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
-    {
-        const Lock cameraLock(slot->camera->mutex());
-        const Result forced = slot->camera->features().force(feature, text);
-        if (forced != Result::Success) return forced;
-        slot->camera->settle();
-    }
-    if (slot->session != nullptr) slot->session->settle();
-    return Result::Success;
-}
-
-Result Simulation::holdSensor(const std::string& id, bool hold) {
-    const Lock lock(m_mutex);
-    Slot* slot = find(id);
-    if (slot == nullptr) return Result::NotFound;
-    slot->held = hold;
-    if (slot->session != nullptr) slot->session->hold(hold);
-    return Result::Success;
-}
-
-void Simulation::seed(std::uint64_t seed) {
-    const Lock lock(m_mutex);
-    m_seed = seed;
-    for (Slot& slot : m_slots) {
-        // One source drives all lines: its jitter is the same for every camera.
-        slot.line->setSeed(seed);
-        slot.oscillator.seed = seed ^ slot.row->macAddress();
-        if (slot.camera == nullptr) continue;
-        const Lock cameraLock(slot.camera->mutex());
-        slot.camera->seedClock(slot.oscillator.seed);
-    }
-}
-
-Result Simulation::replaceClock(const std::string& id, const OscillatorRow& oscillator) {
-    const Lock lock(m_mutex);
-    Slot* slot = find(id);
-    if (slot == nullptr) return Result::NotFound;
-    OscillatorRow seeded = oscillator;
-    seeded.seed = slot->oscillator.seed;
-    if (slot->camera != nullptr) {
-        const Lock cameraLock(slot->camera->mutex());
-        if (slot->camera->isAcquiring()) return Result::InvalidAccess;
-        slot->camera->replaceClock(seeded, clock().now());
-    }
-    slot->oscillator = seeded;
-    return Result::Success;
-}
-
-Result Simulation::setScene(const std::string& id, const Scene& scene) {
-    const Lock lock(m_mutex);
-    Slot* slot = find(id);
-    if (slot == nullptr) return Result::NotFound;
-    slot->scene = scene;
-    if (slot->camera == nullptr) return Result::Success;
-    const Lock cameraLock(slot->camera->mutex());
-    slot->camera->setScene(scene);
-    return Result::Success;
-}
-
-Result Simulation::useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds)>& use) {
-    const Lock lock(m_mutex);
-    const Nanoseconds now = clock().now();
-    Result result = id == nullptr ? Result::Success : Result::NotFound;
-    for (Slot& slot : m_slots) {
-        if (id != nullptr && std::string_view(id) != slot.row->id) continue;
-        result = use(*slot.line, now);
-        if (result != Result::Success) return result;
-        if (slot.session != nullptr) slot.session->onLine();
-    }
-    return result;
+void* Simulation::freshHandle() {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a number that looks like an address to a client
+    return reinterpret_cast<void*>(kFirstHandle + ++m_handles * kHandleStep);
 }
 
 Result Simulation::unknownHandle(void* handle) {
     const Lock lock(m_mutex);
-    const bool wasValid =
-        std::any_of(m_handles.begin(), m_handles.end(), [=](const char& given) { return &given == handle; });
-    if (wasValid) m_misuses.add("the handle was closed before");
+    const auto number = reinterpret_cast<std::uintptr_t>(handle);
+    const bool isOpen =
+        m_sessions.count(handle) + m_interfaces.count(handle) + m_ancillaries.count(handle) > 0;
+    const bool wasGiven = number > kFirstHandle && number <= kFirstHandle + m_handles * kHandleStep &&
+                          (number - kFirstHandle) % kHandleStep == 0;
+    if (wasGiven && !isOpen) m_misuses.add("the handle was closed before");
     return Result::BadHandle;
-}
-
-std::shared_ptr<FrameFaults> Simulation::frameFaults(const std::string& id) {
-    const Lock lock(m_mutex);
-    const Slot* slot = find(id);
-    return slot != nullptr ? slot->faults : nullptr;
-}
-
-void Simulation::clearFaults() {
-    m_callFaults.clear();
-    m_cableFaults.clear();
-    const Lock lock(m_mutex);
-    for (Slot& slot : m_slots) slot.faults->clear();
 }
 
 Result Simulation::waitForEvents(Nanoseconds deadline) {

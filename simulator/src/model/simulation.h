@@ -3,7 +3,6 @@
 #pragma once
 
 #include <atomic>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -103,7 +102,7 @@ class Simulation {
     Result setScene(const std::string& id, const Scene& scene);
     /// Does something with the line of one camera, or with every camera's for a null id.
     Result useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds now)>& use);
-    /// BadHandle; a handle that was valid once is a misuse.
+    /// BadHandle; a handle that was closed is a misuse.
     Result unknownHandle(void* handle);
     /// Null for an unknown id.
     std::shared_ptr<FrameFaults> frameFaults(const std::string& id);
@@ -134,6 +133,8 @@ class Simulation {
     using Lock = std::unique_lock<std::mutex>;
 
     void fill(const Scenario& scenario);
+    /// With the mutex held.
+    void* freshHandle();
     std::shared_ptr<Camera> powerUp(const Slot& slot) const;
     Slot* find(const std::string& id);
     Slot* findToOpen(const std::string& id);
@@ -146,6 +147,7 @@ class Simulation {
     std::vector<std::string> pluggedIds(const std::string& interfaceId = {});
     std::vector<std::shared_ptr<InterfaceModule>> openInterfaces();
     std::vector<std::shared_ptr<CameraSession>> sessions();
+    std::vector<std::shared_ptr<CameraSession>> closingSessions();
 
     Result startAgain();
     Result reload(const Scenario* scenario, SimulatorClock& clock);
@@ -172,7 +174,7 @@ class Simulation {
     std::map<void*, std::shared_ptr<CameraSession>> m_sessions;  // by handle
     std::map<void*, std::shared_ptr<InterfaceModule>> m_interfaces;
     std::map<void*, std::shared_ptr<AncillaryModule>> m_ancillaries;
-    std::deque<char> m_handles;  // their addresses are the handles, none of them given out twice
+    std::uintptr_t m_handles = 0;  // given out so far, none of them twice
     void* m_systemHandle = nullptr;
     std::shared_ptr<SystemModule> m_system;
     CallFaults m_callFaults;

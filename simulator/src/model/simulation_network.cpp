@@ -99,7 +99,7 @@ Result Simulation::openInterface(const std::string& id, void*& handle) {
     if (link == nullptr || !link->plugged) return Result::NotFound;
     auto module = std::make_shared<InterfaceModule>(library(), *link->row, devices,
                                                     [this, id] { return pluggedIds(id); });
-    void* const fresh = &m_handles.emplace_back();
+    void* const fresh = freshHandle();
     module->start(fresh);
     m_interfaces.emplace(fresh, std::move(module));
     handle = fresh;
@@ -107,6 +107,7 @@ Result Simulation::openInterface(const std::string& id, void*& handle) {
 }
 
 Result Simulation::closeInterface(void* handle) {
+    if (this->module(handle) == nullptr) return unknownHandle(handle);
     std::shared_ptr<InterfaceModule> module;
     {
         const Lock lock(m_mutex);
@@ -123,12 +124,13 @@ Result Simulation::closeInterface(void* handle) {
 
 void Simulation::openAncillary(const ChunkData& data, void*& handle) {
     const Lock lock(m_mutex);
-    void* const fresh = &m_handles.emplace_back();
+    void* const fresh = freshHandle();
     m_ancillaries.emplace(fresh, std::make_shared<AncillaryModule>(library(), data));
     handle = fresh;
 }
 
 Result Simulation::closeAncillary(void* handle) {
+    if (this->module(handle) == nullptr) return unknownHandle(handle);
     // Dies behind the lock.
     std::shared_ptr<AncillaryModule> module;
     const Lock lock(m_mutex);

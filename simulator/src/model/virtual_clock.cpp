@@ -2,10 +2,17 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "watchdog.h"
 
 namespace simulator {
+
+namespace {
+
+constexpr std::uint64_t kTurnsInARow = 4096;
+
+}  // namespace
 
 thread_local VirtualClock::Member* VirtualClock::t_self = nullptr;
 
@@ -32,7 +39,12 @@ void VirtualClock::waitAsMember(Member& self, Condition& condition, Lock& outer,
     if (isNext(self)) {
         if (due > now()) m_now.store(due, std::memory_order_relaxed);
         self.on = nullptr;
-        ++m_turns;
+        if (++m_turns % kTurnsInARow != 0) return;
+        // Clients want the lock too, and a mutex alone would not let them have it.
+        own.unlock();
+        outer.unlock();
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+        outer.lock();
         return;
     }
     m_turn = nullptr;
@@ -55,6 +67,8 @@ void VirtualClock::notify(Condition& condition) {
     for (Guest* guest : m_guests) {
         if (guest->on != &condition) continue;
         guest->done = true;
+        // A thread of the library may keep its turn for long.
+        guest->called.notify_one();
         any = true;
     }
     if (any && m_turn == nullptr) dispatch();
@@ -72,6 +86,9 @@ VirtualClock::Member::~Member() {
     // A thread that the system refused was admitted all the same.
     const Lock own(clock.m_mutex);
     std::erase(clock.m_members, this);
+    if (clock.m_turn != this) return;
+    clock.m_turn = nullptr;
+    clock.dispatch();
 }
 
 void VirtualClock::begin(Turn& turn) {

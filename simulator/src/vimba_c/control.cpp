@@ -125,7 +125,9 @@ VmbError_t VmbSimCableDuring(const char* cameraId, VmbBool_t plugged, const char
                              const char* argument, VmbInt32_t nth) {
     return guarded([&]() -> VmbError_t {
         if (cameraId == nullptr || function == nullptr || nth == 0) return VmbErrorBadParameter;
-        if (!isVendorFunction(function) || simulation().frameFaults(cameraId) == nullptr) {
+        const std::string_view name = function;
+        const bool hasNoMiddle = name == "VmbVersionQuery" || name == "VmbStartup" || name == "VmbShutdown";
+        if (!isVendorFunction(name) || hasNoMiddle || simulation().frameFaults(cameraId) == nullptr) {
             return VmbErrorNotFound;
         }
         simulation().cableFaults().add(function, argument == nullptr, argument != nullptr ? argument : "",

@@ -8,7 +8,7 @@ using namespace simulator;
 
 namespace {
 
-constexpr VmbUint64_t kLongest = kNever / 4;  // some 70 years
+constexpr VmbUint64_t kLongest = kNever / 16;  // some 18 years
 
 template <typename Use>
 VmbError_t withLine(const char* cameraId, bool given, Use&& use) {

@@ -21,7 +21,10 @@ VmbError_t withSettings(VmbHandle_t handle, const char* file, const VmbFeaturePe
 }
 
 Result load(FeatureModule& camera, const char* file, const PersistSettings& settings) {
-    if (currentThreadRole() == ThreadRole::Frame) return Result::InvalidCall;
+    if (currentThreadRole() == ThreadRole::Frame) {
+        simulation().misuses().add(kSetInCallback);
+        return Result::InvalidCall;
+    }
     return camera.isWritable() ? loadSettings(camera, file, settings) : Result::InvalidAccess;
 }
 

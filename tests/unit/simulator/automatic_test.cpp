@@ -137,6 +137,38 @@ TEST_F(Automatic, GainComesAfterTheLongestExposure) {
     EXPECT_NEAR(floatOf(camera, "Gain"), 20.0, 1e-9);
 }
 
+TEST_F(Automatic, GainInModeOnceWaitsForTheExposure) {
+    light(0.5);
+    const VmbHandle_t camera = openFast(kColourCamera, 40);
+    setInt(camera, "ExposureAutoMax", 10'000);
+    setInt(camera, "ExposureAutoRate", 30);
+    setEnum(camera, "ExposureAuto", "Once");
+    setEnum(camera, "GainAuto", "Once");
+    run(camera, "AcquisitionStart");
+    frames(100);
+    EXPECT_EQ(enumOf(camera, "ExposureAuto"), "Off");
+    EXPECT_EQ(enumOf(camera, "GainAuto"), "Off");
+    EXPECT_EQ(floatOf(camera, "ExposureTimeAbs"), 10'000);
+    EXPECT_NEAR(floatOf(camera, "Gain"), 20.0, 0.5);  // 5 percent of tolerance are 0.4 dB
+}
+
+TEST_F(Automatic, TheSlowestRateArrivesAllTheSame) {
+    light(5, 2, 2);
+    const VmbHandle_t camera = openFast(kColourCamera, 40);
+    setInt(camera, "GainAutoRate", 1);
+    setInt(camera, "BalanceWhiteAutoRate", 1);
+    setEnum(camera, "GainAuto", "Once");
+    setEnum(camera, "BalanceWhiteAuto", "Once");
+    run(camera, "AcquisitionStart");
+    frames(50);
+    EXPECT_EQ(enumOf(camera, "GainAuto"), "Once");
+    frames(500);
+    EXPECT_EQ(enumOf(camera, "GainAuto"), "Off");
+    EXPECT_EQ(enumOf(camera, "BalanceWhiteAuto"), "Off");
+    EXPECT_NEAR(floatOf(camera, "Gain"), 20.0, 0.5);
+    EXPECT_NEAR(balance(camera, "Red"), 2.0, 0.1);
+}
+
 TEST_F(Automatic, WhiteBalanceSettlesOnBothRatios) {
     light(10, 1.73, 2.41);
     const VmbHandle_t camera = acquire();

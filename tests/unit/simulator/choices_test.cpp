@@ -119,9 +119,7 @@ TEST_F(Choice, SetsInCallbacksAreRefusedInBothKindsInOneOrNowhere) {
 
 TEST_F(Choice, AllAreAsDocumentedInAFreshScenario) {
     choose(VmbSimChoiceQueueBeforeStart, 1);
-    VmbShutdown();
-    ASSERT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
-    ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
+    restart();
     const VmbHandle_t camera = openFast();
     Stream stream(camera, 1);
     stream.announceAll();

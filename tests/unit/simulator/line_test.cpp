@@ -1,4 +1,6 @@
 // The trigger input "Line1": what drives it, and what of it triggers.
+#include <algorithm>
+
 #include "virtual_fixture.h"
 
 namespace {
@@ -16,13 +18,17 @@ using Times = std::vector<std::uint64_t>;
 
 class Line : public test_support::VirtualTimeTest {
   protected:
-    /// Triggered by Line1, acquiring from now on.
-    void acquire(VmbHandle_t camera) {
+    /// Triggered by a line, acquiring from now on.
+    static std::unique_ptr<Stream> triggered(VmbHandle_t camera, const char* source = "Line1") {
         setEnum(camera, "TriggerMode", "On");
-        setEnum(camera, "TriggerSource", "Line1");
-        m_streams.push_back(std::make_unique<Stream>(camera));
-        m_streams.back()->startCapture();
+        setEnum(camera, "TriggerSource", source);
+        auto stream = std::make_unique<Stream>(camera);
+        stream->startCapture();
         run(camera, "AcquisitionStart");
+        return stream;
+    }
+    void acquire(VmbHandle_t camera) {
+        m_streams.push_back(triggered(camera));
         advance(kMillisecond);
     }
     /// True starts of the exposures that arrived so far, of the n-th camera that acquires.
@@ -100,49 +106,49 @@ TEST_F(Line, DrivesOneCameraOrAll) {
     EXPECT_EQ(exposures(1), (Times{one, now + 20 * kMillisecond}));
 }
 
-TEST_F(Line, JitterIsBoundedTheSameForAllCamerasAndRepeats) {
-    std::vector<Times> runs;
-    for (const std::uint64_t seed : {7, 7, 8}) {
-        VmbShutdown();
-        ASSERT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
-        ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
+/// How far the pulses of a hundred hertz with 20 microseconds of jitter are off, one list per camera.
+class LineJitter : public Line {
+  protected:
+    using Errors = std::vector<std::int64_t>;
+
+    std::vector<Errors> errors(std::uint64_t seed) {
+        restart();
         VmbSimSeed(seed);
-        const VmbHandle_t cameras[] = {openFast(kColourCamera), openFast(kMonochromeCamera)};
         std::vector<std::unique_ptr<Stream>> streams;
-        for (const VmbHandle_t camera : cameras) {
-            setEnum(camera, "TriggerMode", "On");
-            setEnum(camera, "TriggerSource", "Line1");
-            streams.push_back(std::make_unique<Stream>(camera));
-            streams.back()->startCapture();
-            run(camera, "AcquisitionStart");
-        }
+        for (const char* id : {kColourCamera, kMonochromeCamera}) streams.push_back(triggered(openFast(id)));
         VmbSimRhythm hundred = rhythm(100, 1);
         hundred.jitterNs = 20'000;
         drive(hundred);
         advance(kSecond + 5 * kMillisecond);
-        Times starts[2];
-        for (int i = 0; i < 2; ++i) {
-            for (const auto& frame : streams[i]->received()) starts[i].push_back(frame.stamp.exposureStartNs);
-            streams[i]->endCapture();
+        std::vector<Errors> all;
+        for (const auto& stream : streams) {
+            all.emplace_back();
+            for (const auto& frame : stream->received()) {
+                const std::uint64_t exact = kMillisecond + all.back().size() * 10 * kMillisecond;
+                all.back().push_back(static_cast<std::int64_t>(frame.stamp.exposureStartNs - exact));
+            }
+            stream->endCapture();
         }
-        ASSERT_EQ(starts[0].size(), 101u);
-        EXPECT_EQ(starts[0], starts[1]);
-        std::int64_t least = 0;
-        std::int64_t most = 0;
-        for (std::size_t n = 0; n < starts[0].size(); ++n) {
-            const auto off = static_cast<std::int64_t>(starts[0][n] - kMillisecond - n * 10 * kMillisecond);
-            least = std::min(least, off);
-            most = std::max(most, off);
-        }
-        EXPECT_GE(least, -20'000);
-        EXPECT_LE(most, 20'000);
-        // Of a hundred even spread numbers some come near both ends.
-        EXPECT_LT(least, -15'000);
-        EXPECT_GT(most, 15'000);
-        runs.push_back(starts[0]);
+        return all;
     }
-    EXPECT_EQ(runs[0], runs[1]);
-    EXPECT_NE(runs[0], runs[2]);
+};
+
+TEST_F(LineJitter, IsBoundedAndTheSameForAllCameras) {
+    const auto all = errors(7);
+    ASSERT_EQ(all[0].size(), 101u);
+    EXPECT_EQ(all[0], all[1]);
+    const auto [least, most] = std::minmax_element(all[0].begin(), all[0].end());
+    EXPECT_GE(*least, -20'000);
+    EXPECT_LE(*most, 20'000);
+    // Of a hundred evenly spread numbers some come near both ends.
+    EXPECT_LT(*least, -15'000);
+    EXPECT_GT(*most, 15'000);
+}
+
+TEST_F(LineJitter, RepeatsWithItsSeed) {
+    const auto first = errors(7);
+    EXPECT_EQ(first, errors(7));
+    EXPECT_NE(first, errors(8));
 }
 
 TEST_F(Line, MissingDoubledAndBouncingPulsesAreThoseThatWereOrdered) {
@@ -184,34 +190,36 @@ TEST_F(Line, BouncesAreEdges) {
                                                      "EventLine1RisingEdge", "EventLine1FallingEdge"));
 }
 
-TEST_F(Line, AnEarlyTriggerIsIgnoredOrStartsTheNextFrame) {
-    const struct {
-        const char* overlap;
-        bool latched;
-    } cases[] = {{"Off", false}, {"PreviousFrame", true}};
-    for (const auto& [overlap, latched] : cases) {
-        VmbShutdown();
-        ASSERT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
-        ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
-        const VmbHandle_t camera = openFast();
-        setEnum(camera, "TriggerOverlap", overlap);
-        setFloat(camera, "ExposureTimeAbs", 10'000);
-        // Exposure and the shortest one as a pause: ready again after 10.03 ms of a clock 12 ppm fast.
-        setEnum(camera, "TriggerMode", "On");
-        setEnum(camera, "TriggerSource", "Line1");
-        Stream stream(camera);
-        stream.startCapture();
-        run(camera, "AcquisitionStart");
-        const std::uint64_t first = 5 * kMillisecond;
-        pulse({first, first + 4 * kMillisecond, first + 8 * kMillisecond, first + 40 * kMillisecond});
-        advance(kSecond);
-        Times starts;
-        for (const auto& frame : stream.received()) starts.push_back(frame.stamp.exposureStartNs);
-        Times expected{first, first + 40 * kMillisecond};
-        if (latched) expected.insert(expected.begin() + 1, first + 10'030'000 - 120);
-        EXPECT_EQ(starts, expected) << overlap;
-        stream.endCapture();
+/// What becomes of a trigger 4 and 8 ms behind the first, at an exposure of 10 ms, with the overlap.
+std::vector<std::int64_t> offsetsWithOverlap(VmbHandle_t camera, const char* overlap,
+                                             const std::function<std::unique_ptr<Stream>()>& acquire) {
+    setEnum(camera, "TriggerOverlap", overlap);
+    setFloat(camera, "ExposureTimeAbs", 10'000);
+    const auto stream = acquire();
+    const std::uint64_t first = 5 * kMillisecond;
+    const std::uint64_t pulses[] = {first, first + 4 * kMillisecond, first + 8 * kMillisecond,
+                                    first + 40 * kMillisecond};
+    EXPECT_EQ(VmbSimPulseLine(nullptr, pulses, 4, 100 * kMicrosecond), VmbErrorSuccess);
+    EXPECT_EQ(VmbSimAdvance(kSecond), VmbErrorSuccess);
+    std::vector<std::int64_t> offsets;
+    for (const auto& frame : stream->received()) {
+        offsets.push_back(static_cast<std::int64_t>(frame.stamp.exposureStartNs - first));
     }
+    stream->endCapture();
+    return offsets;
+}
+
+TEST_F(Line, AnEarlyTriggerIsIgnoredWithoutOverlap) {
+    const VmbHandle_t camera = openFast();
+    EXPECT_THAT(offsetsWithOverlap(camera, "Off", [=] { return triggered(camera); }),
+                ::testing::ElementsAre(0, 40'000'000));
+}
+
+TEST_F(Line, AnEarlyTriggerStartsTheNextFrameWithOverlap) {
+    const VmbHandle_t camera = openFast();
+    // Exposure and the shortest one as a pause: ready again after 10.03 ms of a clock that is 12 ppm fast.
+    EXPECT_THAT(offsetsWithOverlap(camera, "PreviousFrame", [=] { return triggered(camera); }),
+                ::testing::ElementsAre(0, 10'030'000 - 120, 40'000'000));
 }
 
 TEST_F(Line, ADelayShiftsEveryTrigger) {
@@ -231,9 +239,7 @@ TEST_F(Line, TheActivationPicksTheEdge) {
     } cases[] = {
         {"RisingEdge", {0}}, {"FallingEdge", {20 * kMillisecond}}, {"AnyEdge", {0, 20 * kMillisecond}}};
     for (const auto& [activation, offsets] : cases) {
-        VmbShutdown();
-        ASSERT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
-        ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
+        restart();
         const VmbHandle_t camera = openFast();
         setEnum(camera, "TriggerActivation", activation);
         setEnum(camera, "TriggerMode", "On");
@@ -270,11 +276,63 @@ TEST_F(Line, ALevelLetsFramesFollowEachOther) {
 
 TEST_F(Line, OtherLinesAreNotConnected) {
     const VmbHandle_t camera = openFast();
-    acquire(camera);
-    setEnum(camera, "TriggerSource", "Line2");
     drive(rhythm(100, 1));
+    for (const char* activation : {"RisingEdge", "LevelHigh"}) {
+        setEnum(camera, "TriggerActivation", activation);
+        // In the middle of a pulse of Line1.
+        advance(10 * kMillisecond + kMillisecond + 50 * kMicrosecond - VmbSimTime() % (10 * kMillisecond));
+        const auto stream = triggered(camera, "Line2");
+        advance(kSecond);
+        EXPECT_TRUE(stream->ids().empty()) << activation;
+        stream->endCapture();
+    }
+}
+
+TEST_F(Line, ALevelDoesNotTriggerWhatListensToSoftware) {
+    const VmbHandle_t camera = openFast();
+    setEnum(camera, "TriggerActivation", "LevelLow");
+    const auto stream = triggered(camera, "Software");
+    advance(kSecond);
+    EXPECT_TRUE(stream->ids().empty());
+    run(camera, "TriggerSoftware");
+    advance(kSecond);
+    EXPECT_EQ(stream->ids().size(), 1u);
+    stream->endCapture();
+}
+
+TEST_F(Line, SoftwareDoesNotTriggerWhatListensToALine) {
+    const VmbHandle_t camera = openFast();
+    acquire(camera);
+    EXPECT_EQ(VmbFeatureCommandRun(camera, "TriggerSoftware"), VmbErrorSuccess);
     advance(kSecond);
     EXPECT_TRUE(exposures().empty());
+}
+
+TEST_F(Line, ALevelThatIsThereWhenItIsChosenTriggersAtOnce) {
+    const VmbHandle_t camera = openFast();
+    const auto stream = triggered(camera, "Software");
+    pulse({5 * kMillisecond}, kSecond);
+    advance(500 * kMillisecond);
+    setEnum(camera, "TriggerActivation", "LevelHigh");
+    setEnum(camera, "TriggerSource", "Line1");
+    advance(50 * kMillisecond);
+    ASSERT_FALSE(stream->ids().empty());
+    EXPECT_EQ(stream->received().front().stamp.exposureStartNs, 500 * kMillisecond);
+    stream->endCapture();
+}
+
+TEST_F(Line, ACameraThatIsGoneLeavesTheEdgesToItsSuccessor) {
+    const VmbHandle_t gone = openFast();
+    setEnum(gone, "EventSelector", "Line1RisingEdge");
+    setEnum(gone, "EventNotification", "On");
+    advance(kMillisecond);
+    ASSERT_EQ(VmbSimUnplugCamera(kColourCamera), VmbErrorSuccess);
+    ASSERT_EQ(VmbSimPlugCamera(kColourCamera), VmbErrorSuccess);
+    acquire(openFast());
+    drive(rhythm(100, 1));
+    advance(105 * kMillisecond);
+    EXPECT_EQ(exposures().size(), 11u);
+    EXPECT_EQ(VmbCameraClose(gone), VmbErrorBadHandle);
 }
 
 TEST_F(Line, EdgesFromBeforeTheAcquisitionDoNotTrigger) {

@@ -1,4 +1,6 @@
 // Frames that get lost or damaged, and cables that go in the middle of something.
+#include <sys/mman.h>
+
 #include "virtual_fixture.h"
 
 namespace {
@@ -175,9 +177,27 @@ TEST_F(Loss, OrdersForCablesAreChecked) {
     EXPECT_EQ(VmbSimCableDuring(kColourCamera, false, "VmbCameraOpen", nullptr, 0), VmbErrorBadParameter);
     EXPECT_EQ(VmbSimCableDuring(nullptr, false, "VmbCameraOpen", nullptr, 1), VmbErrorBadParameter);
     EXPECT_EQ(VmbSimCableDuring(kColourCamera, false, nullptr, nullptr, 1), VmbErrorBadParameter);
+    for (const char* function : {"VmbVersionQuery", "VmbStartup", "VmbShutdown"}) {
+        EXPECT_EQ(VmbSimCableDuring(kColourCamera, false, function, nullptr, 1), VmbErrorNotFound);
+    }
     during("VmbCameraOpen");
     VmbSimClearFaults();
     EXPECT_NE(open(), nullptr);
+}
+
+TEST_F(Loss, ABufferThatIsGoneEndsTheWaitForItsFrame) {
+    const VmbHandle_t camera = openFast();
+    const std::size_t size = 64 * 16;
+    void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    VmbFrame_t frame{};
+    frame.buffer = memory;
+    frame.bufferSize = size;
+    ASSERT_EQ(VmbFrameAnnounce(camera, &frame, sizeof frame), VmbErrorSuccess);
+    ASSERT_EQ(VmbCaptureStart(camera), VmbErrorSuccess);
+    ASSERT_EQ(VmbCaptureFrameQueue(camera, &frame, nullptr), VmbErrorSuccess);
+    munmap(memory, size);
+    run(camera, "AcquisitionStart");
+    EXPECT_EQ(VmbCaptureFrameWait(camera, &frame, VMBINFINITE), VmbErrorTimeout);
 }
 
 class FrameWait : public Loss {

@@ -200,6 +200,26 @@ TEST_F(Misuse, ASetOfTheInvalidatedFeatureInItsCallback) {
               "[event] VmbFeatureFloatSet(" + kCamera + ", \"Gain\", 3): misuse: a set inside a callback\n");
 }
 
+TEST_F(Misuse, ASetInACallbackThatIsAccepted) {
+    const VmbHandle_t camera = openFast();
+    EXPECT_EQ(VmbSimChoose(VmbSimChoiceSetInCallback, 2), VmbErrorSuccess);
+    inFrameCallback(camera, [=] { EXPECT_EQ(VmbFeatureFloatSet(camera, "Gain", 3), VmbErrorSuccess); });
+    EXPECT_EQ(taken(),
+              "[frame] VmbFeatureFloatSet(" + kCamera + ", \"Gain\", 3): misuse: a set inside a callback\n");
+}
+
+TEST_F(Misuse, OfHandlesIsToldByWhatTheyWere) {
+    VmbHandle_t handle = nullptr;
+    ASSERT_EQ(VmbInterfaceOpen("SimulatedNetwork0", &handle), VmbErrorSuccess);
+    EXPECT_EQ(VmbCaptureStart(handle), VmbErrorBadHandle);
+    EXPECT_EQ(taken(), "");
+    EXPECT_EQ(VmbInterfaceClose(handle), VmbErrorSuccess);
+    EXPECT_EQ(VmbInterfaceClose(handle), VmbErrorBadHandle);
+    EXPECT_EQ(VmbAncillaryDataClose(handle), VmbErrorBadHandle);
+    const std::string why = "(bad handle): misuse: the handle was closed before\n";
+    EXPECT_EQ(taken(), "[host] VmbInterfaceClose" + why + "[host] VmbAncillaryDataClose" + why);
+}
+
 TEST_F(Misuse, AWaitInsideACallback) {
     const VmbHandle_t camera = openFast();
     const VmbHandle_t other = open(kMonochromeCamera);

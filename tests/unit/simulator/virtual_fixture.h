@@ -19,6 +19,12 @@ class VirtualTimeTest : public ::testing::Test {
         VmbShutdown();
         EXPECT_EQ(VmbSimUseVirtualTime(false), VmbErrorSuccess);
     }
+    /// Everything afresh, at zero o'clock.
+    static void restart() {
+        VmbShutdown();
+        ASSERT_EQ(VmbSimUseVirtualTime(true), VmbErrorSuccess);
+        ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
+    }
     static VmbHandle_t open(const char* id = kColourCamera) {
         VmbHandle_t camera = nullptr;
         EXPECT_EQ(VmbCameraOpen(id, VmbAccessModeFull, &camera), VmbErrorSuccess);

@@ -181,6 +181,41 @@ TEST_F(VirtualTime, FourThreadsMayWaitAtOnce) {
     stream.endCapture();
 }
 
+TEST_F(VirtualTime, AShortWaitEndsWhileALongOneGoesOn) {
+    const VmbHandle_t camera = openFast();
+    setEnum(camera, "AcquisitionMode", "Continuous");
+    Stream stream(camera, 1);
+    stream.announceAll();
+    ASSERT_EQ(VmbCaptureStart(camera), VmbErrorSuccess);
+    // Nothing is queued, so that this waits, and drives time, until the other thread does something.
+    std::thread other(
+        [&] { EXPECT_EQ(VmbCaptureFrameWait(camera, stream.frames.data(), VMBINFINITE), VmbErrorSuccess); });
+    run(camera, "AcquisitionStart");
+    EXPECT_EQ(VmbSimAdvance(20 * kMillisecond), VmbErrorSuccess);
+    EXPECT_EQ(VmbCaptureFrameQueue(camera, stream.frames.data(), nullptr), VmbErrorSuccess);
+    other.join();
+    run(camera, "AcquisitionStop");
+    EXPECT_EQ(VmbCaptureEnd(camera), VmbErrorSuccess);
+    EXPECT_EQ(VmbFrameRevokeAll(camera), VmbErrorSuccess);
+}
+
+TEST_F(VirtualTime, WaitingForFramesEndsWhileAnotherDrivesOn) {
+    const VmbHandle_t camera = openFast();
+    Stream stream(camera);
+    stream.startCapture();
+    VmbFrame_t never{};
+    std::uint8_t image[1];
+    never.buffer = image;
+    never.bufferSize = 1;
+    ASSERT_EQ(VmbFrameAnnounce(camera, &never, sizeof never), VmbErrorSuccess);
+    std::thread driver(
+        [&] { EXPECT_EQ(VmbCaptureFrameWait(camera, &never, VMBINFINITE), VmbErrorBadHandle); });
+    run(camera, "AcquisitionStart");
+    EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 10, 60'000), VmbErrorSuccess);
+    EXPECT_EQ(VmbCameraClose(camera), VmbErrorSuccess);
+    driver.join();
+}
+
 /// Counts and queues again, and nothing else.
 void countFrame(const VmbHandle_t camera, VmbFrame_t* frame) {
     auto& count = *static_cast<std::uint64_t*>(frame->context[0]);

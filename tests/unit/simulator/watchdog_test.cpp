@@ -14,8 +14,8 @@ using test_support::StreamTest;
 
 using WatchdogDeathTest = StreamTest;
 
-/// The mistake: a lock that the frame callback needs is held across VmbCaptureEnd.
-void endCaptureWithTheCallbacksLock(VmbHandle_t camera) {
+/// The mistake: a lock that the frame callback needs is held across a call that waits for that callback.
+void waitWithTheCallbacksLock(VmbHandle_t camera, const std::function<void()>& wait) {
     std::mutex mutex;
     Latch inCallback;
     Stream stream(camera);
@@ -27,7 +27,7 @@ void endCaptureWithTheCallbacksLock(VmbHandle_t camera) {
     stream.startCapture();
     VmbFeatureCommandRun(camera, "AcquisitionStart");
     inCallback.wait();
-    VmbCaptureEnd(camera);
+    wait();
 }
 
 TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThreads) {
@@ -35,10 +35,35 @@ TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThread
     EXPECT_DEATH(
         {
             VmbSimSetWatchdog(300);
-            endCaptureWithTheCallbacksLock(openFast());
+            const VmbHandle_t camera = openFast();
+            waitWithTheCallbacksLock(camera, [=] { VmbCaptureEnd(camera); });
         },
         "VimbaC simulator: VmbCaptureEnd has waited for 300 ms and nothing happened\\. All threads:\n"
         "thread [0-9]+ \"simulator_tests\"\n(.|\n)*VmbCaptureEnd(.|\n)*thread [0-9]+ \"frame\"");
+}
+
+TEST_F(WatchdogDeathTest, ClosingShuttingDownAndWaitingForAFrameAreWatchedToo) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    static VmbFrame_t never{};
+    const std::pair<const char*, std::function<void(VmbHandle_t)>> waits[] = {
+        {"VmbCameraClose", [](VmbHandle_t camera) { VmbCameraClose(camera); }},
+        {"VmbShutdown", [](VmbHandle_t) { VmbShutdown(); }},
+        {"VmbCaptureFrameWait", [](VmbHandle_t camera) {
+             static std::uint8_t image[1];
+             never.buffer = image;
+             never.bufferSize = 1;
+             VmbFrameAnnounce(camera, &never, sizeof never);
+             VmbCaptureFrameWait(camera, &never, VMBINFINITE);
+         }}};
+    for (const auto& [function, wait] : waits) {
+        EXPECT_DEATH(
+            {
+                VmbSimSetWatchdog(300);
+                const VmbHandle_t camera = openFast();
+                waitWithTheCallbacksLock(camera, [=, &wait = wait] { wait(camera); });
+            },
+            std::string("VimbaC simulator: ") + function + " has waited for 300 ms and nothing happened");
+    }
 }
 
 TEST_F(WatchdogDeathTest, SoItIsInVirtualTime) {
