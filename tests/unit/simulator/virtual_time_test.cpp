@@ -207,13 +207,17 @@ TEST_F(VirtualTime, WaitingForFramesEndsWhileAnotherDrivesOn) {
     std::uint8_t image[1];
     never.buffer = image;
     never.bufferSize = 1;
-    ASSERT_EQ(VmbFrameAnnounce(camera, &never, sizeof never), VmbErrorSuccess);
-    std::thread driver(
-        [&] { EXPECT_EQ(VmbCaptureFrameWait(camera, &never, VMBINFINITE), VmbErrorBadHandle); });
+    const VmbHandle_t other = open(kMonochromeCamera);
+    ASSERT_EQ(VmbFrameAnnounce(other, &never, sizeof never), VmbErrorSuccess);
     run(camera, "AcquisitionStart");
-    EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, 10, 60'000), VmbErrorSuccess);
-    EXPECT_EQ(VmbCameraClose(camera), VmbErrorSuccess);
+    std::thread driver(
+        [&] { EXPECT_EQ(VmbCaptureFrameWait(other, &never, VMBINFINITE), VmbErrorBadHandle); });
+    EXPECT_TRUE(test_support::eventually([] { return VmbSimTime() > kSecond; }));
+    // Far enough ahead that this has to wait.
+    EXPECT_EQ(VmbSimWaitForFrames(kColourCamera, stream.ids().size() + 20'000, 1'000'000), VmbErrorSuccess);
+    EXPECT_EQ(VmbCameraClose(other), VmbErrorSuccess);
     driver.join();
+    stream.endCapture();
 }
 
 /// Counts and queues again, and nothing else.
