@@ -1,6 +1,5 @@
 // Frames that get lost or damaged, and cables that go in the middle of something.
-#include <sys/mman.h>
-
+#include "far_pages.h"
 #include "virtual_fixture.h"
 
 namespace {
@@ -188,14 +187,14 @@ TEST_F(Loss, OrdersForCablesAreChecked) {
 TEST_F(Loss, ABufferThatIsGoneEndsTheWaitForItsFrame) {
     const VmbHandle_t camera = openFast();
     const std::size_t size = 64 * 16;
-    void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    test_support::FarPages memory(size);
     VmbFrame_t frame{};
-    frame.buffer = memory;
+    frame.buffer = memory.get();
     frame.bufferSize = size;
     ASSERT_EQ(VmbFrameAnnounce(camera, &frame, sizeof frame), VmbErrorSuccess);
     ASSERT_EQ(VmbCaptureStart(camera), VmbErrorSuccess);
     ASSERT_EQ(VmbCaptureFrameQueue(camera, &frame, nullptr), VmbErrorSuccess);
-    munmap(memory, size);
+    memory.release();
     run(camera, "AcquisitionStart");
     EXPECT_EQ(VmbCaptureFrameWait(camera, &frame, VMBINFINITE), VmbErrorTimeout);
 }

@@ -1,6 +1,5 @@
 // What no client should do is recorded.
-#include <sys/mman.h>
-
+#include "far_pages.h"
 #include "virtual_fixture.h"
 
 namespace {
@@ -126,21 +125,21 @@ class FreedMemory : public Misuse {
   protected:
     static constexpr std::size_t kSize = 64 * 16;
 
-    FreedMemory() : memory(mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
-        frame.buffer = memory;
+    FreedMemory() {
+        frame.buffer = memory.get();
         frame.bufferSize = kSize;
         EXPECT_EQ(VmbFrameAnnounce(camera, &frame, sizeof frame), VmbErrorSuccess);
     }
 
     const VmbHandle_t camera = openFast();
-    void* const memory;
+    test_support::FarPages memory{kSize};
     VmbFrame_t frame{};
 };
 
 TEST_F(FreedMemory, IsSeenWhenThePictureIsDue) {
     EXPECT_EQ(VmbCaptureStart(camera), VmbErrorSuccess);
     EXPECT_EQ(VmbCaptureFrameQueue(camera, &frame, nullptr), VmbErrorSuccess);
-    munmap(memory, kSize);
+    memory.release();
     run(camera, "AcquisitionStart");
     advance(15 * kMillisecond);
     EXPECT_EQ(taken(),
@@ -149,22 +148,21 @@ TEST_F(FreedMemory, IsSeenWhenThePictureIsDue) {
 }
 
 TEST_F(FreedMemory, IsSeenWhenTheFrameIsRevoked) {
-    munmap(memory, kSize);
+    memory.release();
     EXPECT_EQ(VmbFrameRevoke(camera, &frame), VmbErrorSuccess);
     EXPECT_EQ(taken(), "[host] VmbFrameRevoke(" + kCamera +
                            ", unknown frame): misuse: the memory of an announced or queued frame is gone\n");
-    munmap(memory, kSize);
 }
 
 TEST_F(FreedMemory, IsSeenWhenAllFramesAreRevoked) {
-    munmap(memory, kSize);
+    memory.release();
     EXPECT_EQ(VmbFrameRevokeAll(camera), VmbErrorSuccess);
     EXPECT_EQ(taken(), "[host] VmbFrameRevokeAll(" + kCamera +
                            "): misuse: the memory of an announced or queued frame is gone\n");
 }
 
 TEST_F(FreedMemory, IsSeenWhenTheCameraIsClosed) {
-    munmap(memory, kSize);
+    memory.release();
     EXPECT_EQ(VmbCameraClose(camera), VmbErrorSuccess);
     EXPECT_EQ(taken(),
               "[host] VmbCameraClose(bad handle): misuse: the memory of an announced or queued frame "
