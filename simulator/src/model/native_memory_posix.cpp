@@ -8,6 +8,7 @@
 #include "native_memory.h"
 
 // Of the address sanitizer's runtime, where the program has one: the first bad byte, or null.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the sanitizer's
 extern "C" __attribute__((weak)) void* __asan_region_is_poisoned(void* bytes, std::size_t size);
 
 namespace simulator {
