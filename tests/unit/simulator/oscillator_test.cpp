@@ -116,7 +116,7 @@ TEST_F(Oscillator, JitterIsBoundedAndRepeatsWithItsSeed) {
     VmbSimOscillator oscillator = perfect();
     oscillator.jitterNs = 5'000;
     std::vector<std::vector<std::int64_t>> runs;
-    for (const std::uint64_t seed : {1, 1, 2}) {
+    for (const std::uint64_t seed : {1U, 1U, 2U}) {
         restart();
         VmbSimSeed(seed);
         const VmbHandle_t again = openFast(kColourCamera, 100);
