@@ -170,6 +170,8 @@ const MirrorOf serviceFactory("plugin_api::IfServiceFactory", recorded<slot_chec
                                   slot_check::callServiceFactory(mirror);
                                   mirror.destroys(3);
                               });
+const MirrorOf syncAuxService("zelt::IfSyncAuxService", recorded<slot_check::RecordingSyncAuxService>,
+                              slot_check::callSyncAuxService);
 
 using RecordingCommon = slot_check::RecordingPluginCommon<zelt::IfPluginCommon>;
 const MirrorOf pluginCommon("zelt::IfPluginCommon", recorded<RecordingCommon>, slot_check::callPluginCommon);

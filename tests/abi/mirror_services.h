@@ -1,9 +1,12 @@
 /// Mirrors of services and their registry.
 #pragma once
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "if_service_factory.h"
+#include "if_sync_aux_service.h"
 #include "mirror.h"
 
 namespace slot_check {
@@ -46,6 +49,25 @@ class RecordingServiceFactory : public RecordingService<plugin_api::IfServiceFac
     }
 };
 
+class RecordingSyncAuxService : public RecordingService<zelt::IfSyncAuxService> {
+  public:
+    virtual void setSyncOutAuxFrequency(std::int64_t numerator, std::int64_t denominator) {
+        answerIf("setSyncOutAuxFrequency", numerator == kNumerator && denominator == kDenominator);
+    }
+
+    static Operations operations() {
+        Operations all = RecordingService::operations();
+        all.push_back({"setSyncOutAuxFrequency", entryOf(&RecordingSyncAuxService::setSyncOutAuxFrequency)});
+        return all;
+    }
+
+    static constexpr std::int64_t kNumerator = std::numeric_limits<std::int64_t>::min();
+    static constexpr std::int64_t kDenominator = 9'000'000'001;
+
+  protected:
+    ~RecordingSyncAuxService() = default;
+};
+
 /// Slots 0 and 1.
 inline void callService(Mirror& mirror) {
     EXPECT_EQ(mirror.slot<std::uint32_t()>(0)(), 3000000000u);
@@ -59,6 +81,13 @@ inline void callServiceFactory(Mirror& mirror) {
     EXPECT_TRUE(
         (mirror.slot<bool(const boost::uuids::uuid&, plugin_api::IfService**)>(2)(kServiceId, &found)));
     EXPECT_EQ(found, &mirror.as<plugin_api::IfServiceFactory>());
+}
+
+/// Slots 0 to 2.
+inline void callSyncAuxService(Mirror& mirror) {
+    callService(mirror);
+    mirror.slot<void(std::int64_t, std::int64_t)>(2)(RecordingSyncAuxService::kNumerator,
+                                                     RecordingSyncAuxService::kDenominator);
 }
 
 }  // namespace slot_check
