@@ -3,15 +3,11 @@
 
 #include <cstdint>
 
-#include <boost/rational.hpp>
-
 #include "zelt_gige_camera_api.h"
+#include "zelt_gige_rational.h"
 #include "zelt_gige_running_fit.h"
 
 namespace zelt_gige_camera {
-
-/// An exact fraction.
-using Rational = boost::rational<std::int64_t>;
 
 /// Turns the camera time of frames into host time, for the duration of one acquisition. A frame's time stamp
 /// is signed 64-bit in units of the host's time base (fixed rate) or a pulse index (triggered).
