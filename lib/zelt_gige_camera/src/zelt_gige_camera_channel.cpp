@@ -7,10 +7,13 @@
 #include "config_keys.h"
 #include "zelt_gige_camera_channel_bandwidth.h"
 #include "zelt_gige_camera_channel_feature_reader.h"
+#include "zelt_gige_camera_channel_feature_writer.h"
+#include "zelt_gige_camera_channel_rows.h"
 #include "zelt_gige_camera_channel_trigger_program.h"
 #include "zelt_gige_clear_on_exit.h"
 #include "zelt_gige_fixed_rate_clock_sync.h"
 #include "zelt_gige_log.h"
+#include "zelt_gige_triggered_clock_sync.h"
 
 namespace zelt_gige_camera {
 namespace {
@@ -22,17 +25,21 @@ constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_c
 constexpr CameraHandle kNoCamera = 0;
 constexpr const char* kCannotConfigure = "Cannot configure the camera. Error: ";
 
+ChannelMessage cannotConfigure(const std::string& logPrefix, const CameraApiError& error) {
+    return {logPrefix + error.what(), "Cannot configure camera '%1': %2", error.what()};
+}
+
+/// A camera that is opened again may have other features than before.
+void forgetAbsence(ChannelState& state) {
+    for (const NumberRow& row : numberRows()) (state.*row.value).presence = Presence::Present;
+    for (const AutoRow& row : autoRows()) (state.*row.value).presence = Presence::Present;
+}
+
 }  // namespace
 
 CameraHandle CameraChannel::deviceHandle() {
     const platform::MutexLock lock(m_state.mutex);
     return m_device_handle;
-}
-
-bool CameraChannel::reportNotConfigured(const char* logPrefix, const std::string& detail) {
-    GIGE_LOG(Error) << logPrefix << detail;
-    report("Cannot configure camera '%1': %2", detail);
-    return false;
 }
 
 void CameraChannel::open() {
@@ -43,22 +50,21 @@ void CameraChannel::open() {
         handle = m_api->openCamera(m_identity.cameraId);
     } catch (const CameraApiError& error) {
         m_connected = false;
-        GIGE_LOG(Error) << "Cannot open camera: " << error.what();
-        throw report("Cannot open camera '%1': %2", error.what());
+        throw report({std::string("Cannot open camera: ") + error.what(), "Cannot open camera '%1': %2",
+                      error.what()});
     }
-    Keys changed;
+    ChannelNews news;
     try {
         GIGE_LOG(Detail) << "Camera " << m_identity.name << " opened successfully.";
-        configureOpened(handle, changed);
+        configureOpened(handle, news);
     } catch (const CameraApiError& error) {
         abandon(handle);
-        GIGE_LOG(Error) << kCannotConfigure << error.what();
-        throw report("Cannot configure camera '%1': %2", error.what());
+        throw report(cannotConfigure(kCannotConfigure, error));
     } catch (...) {
         abandon(handle);
         throw;
     }
-    notify(changed);
+    tell(news);
 }
 
 /// Closes a camera that could not be configured; the reason for it is the failure to report.
@@ -74,33 +80,47 @@ void CameraChannel::abandon(CameraHandle handle) noexcept {
     }
 }
 
-void CameraChannel::configureOpened(CameraHandle handle, Keys& changed) {
+void CameraChannel::configureOpened(CameraHandle handle, ChannelNews& news) {
     {
         const platform::MutexLock lock(m_state.mutex);
         m_device_handle = handle;
-        updateCaches(changed);
+        forgetAbsence(m_state.values);
+        updateCaches(news);
         dumpFeatures(*m_api, handle);
-        readConfiguration(*m_api, handle, m_identity.name, m_state.values);
+        ChannelWork at = work(news);
+        readConfiguration(at, m_identity.name);
         m_state.values.configurationPending = true;
         updateBandwidth();
     }
     m_api->registerCameraCallback(handle, this);
 }
 
-void CameraChannel::updateCaches(Keys& changed) {
+ChannelWork CameraChannel::work(ChannelNews& news) {
+    return {*m_api, m_device_handle, m_state.values, news};
+}
+
+void CameraChannel::updateCaches(ChannelNews& news) {
+    ChannelWork at = work(news);
     try {
-        const Keys keys = readCaches(*m_api, m_device_handle, m_state.values);
-        changed.insert(changed.end(), keys.begin(), keys.end());
-        updateBandwidth();
+        readCache(at);
     } catch (const CameraApiError& error) {
         GIGE_LOG(Error) << "Cannot update cache of camera. Error:" << error.what();
     }
+    try {
+        readDomainCache(at);
+    } catch (const CameraApiError& error) {
+        GIGE_LOG(Error) << "Cannot update domain cache of camera. Error:" << error.what();
+    }
+    updateBandwidth();
 }
 
 void CameraChannel::openAgainIfNeeded() {
     if (deviceHandle() != kNoCamera && !m_connected) {
-        // The handle died with the camera; the one that came back needs a new one.
+        // The handle died with the camera; the one that came back needs a new one, and may have lost what the
+        // host had set.
         retire();
+        const platform::MutexLock lock(m_state.mutex);
+        m_state.values.pending |= m_state.values.chosen;
     }
     if (deviceHandle() == kNoCamera) open();
 }
@@ -108,41 +128,53 @@ void CameraChannel::openAgainIfNeeded() {
 bool CameraChannel::prepareAndStartCapture() {
     if (!m_used) return true;
     openAgainIfNeeded();
-    Keys changed;
-    bool pending = false;
-    try {
-        const platform::MutexLock lock(m_state.mutex);
-        if (m_state.values.triggerModeIsAux) {
-            throw CameraApiError("The camera is set to external trigger, which this version cannot record");
-        }
-        applyConfiguration(changed);
-        pending = m_state.values.configurationPending;
-    } catch (const CameraApiError& error) {
-        return reportNotConfigured(kCannotConfigure, error.what());
-    }
-    changed.emplace_back(config_keys::kValid);
-    notify(changed);
-    if (!pending) return startCapture();
-    Keys effective;
-    if (!programTrigger(effective)) return false;
-    notify(effective);
-    return startCapture();
+    m_owner->deliverAuxFrequency([this](const AuxFrequency& frequency) { storeAuxFrequency(frequency); });
+    ChannelNews news;
+    const bool configured = configure(news);
+    tell(news);
+    return configured && startCapture();
 }
 
-void CameraChannel::applyConfiguration(Keys& changed) {
-    if (m_state.values.configurationPending) writePendingFormat();
+bool CameraChannel::configure(ChannelNews& news) {
+    const platform::MutexLock lock(m_state.mutex);
+    try {
+        return applyConfiguration(news);
+    } catch (const CameraApiError& error) {
+        news.add(cannotConfigure(kCannotConfigure, error));
+        return false;
+    }
+}
+
+bool CameraChannel::applyConfiguration(ChannelNews& news) {
+    const bool pending = m_state.values.configurationPending;
+    if (pending) applyPending(news);
     m_api->setAcquisitionMode(m_device_handle, "Continuous");
     writeBandwidthShare();
-    updateCaches(changed);
+    updateCaches(news);
+    const int code = validate(news);
+    news.changed(config_keys::kValid);
+    // A limit that is exceeded is the host's to decide on; without triggers there is nothing to record.
+    if (code == ValidationCode::kNoAuxFrequency) return false;
+    if (!pending) {
+        limitExposure(news);
+        return true;
+    }
+    if (!programTrigger(news)) return false;
+    ChannelWork at = work(news);
+    if (writeExposureAndGain(at)) exposureLimited(news);
+    writeColours(at);
+    m_state.values.configurationPending = false;
+    track(news);
+    return true;
 }
 
-void CameraChannel::writePendingFormat() {
-    ChannelState& state = m_state.values;
-    if (!state.formatPending) return;
-    if (m_api->getEnumFeature(m_device_handle, "PixelFormat") != state.pixelFormat) {
-        m_api->setPixelFormat(m_device_handle, state.pixelFormat);
-    }
-    state.formatPending = false;
+void CameraChannel::applyPending(ChannelNews& news) {
+    ChannelWork at = work(news);
+    // Another format may have other settings.
+    if (writePendingFormat(at)) updateCaches(news);
+    writePendingGeometry(at);
+    writePendingValues(at);
+    updateBandwidth();
 }
 
 void CameraChannel::writeBandwidthShare() {
@@ -150,24 +182,32 @@ void CameraChannel::writeBandwidthShare() {
     if (share <= 0) return;
     m_api->setEnumFeature(m_device_handle, "BandwidthControlMode", "StreamBytesPerSecond");
     m_api->setIntFeature(m_device_handle, "StreamBytesPerSecond", share);
+    m_state.values.streamBytesPerSecond = share;
+    updateBandwidth();
     m_api->setBoolFeature(m_device_handle, "StreamFrameRateConstrain", true);
 }
 
-bool CameraChannel::programTrigger(Keys& changed) {
+bool CameraChannel::programTrigger(ChannelNews& news) {
+    ChannelState& state = m_state.values;
+    const bool isAux = state.triggerModeIsAux;
     try {
-        const platform::MutexLock lock(m_state.mutex);
-        ChannelState& state = m_state.values;
-        const double effective = programFixedRate(*m_api, m_device_handle, state.frameRate);
-        if (effective != state.frameRate) {
-            state.frameRate = effective;
-            changed.emplace_back(config_keys::kSampleRate);
+        if (isAux) {
+            programAux(*m_api, m_device_handle);
+        } else if (const double effective = programFixedRate(*m_api, m_device_handle, state.frameRate.value);
+                   effective != state.frameRate.value) {
+            state.frameRate.value = effective;
+            news.changed(config_keys::kSampleRate);
         }
-        state.configurationPending = false;
-        updateBandwidth();
-        return true;
     } catch (const CameraApiError& error) {
-        return reportNotConfigured("Cannot configure fixed framerate mode. Error: ", error.what());
+        news.add(cannotConfigure(isAux ? "Cannot configure AUX triggered mode. Error: "
+                                       : "Cannot configure fixed framerate mode. Error: ",
+                                 error));
+        return false;
     }
+    erase(state.pending, Setting::TriggerMode);
+    if (!isAux) erase(state.pending, Setting::FrameRate);
+    updateBandwidth();
+    return true;
 }
 
 bool CameraChannel::startCapture() {
@@ -183,13 +223,12 @@ bool CameraChannel::startCapture() {
             m_receiver.reset();
         }
         m_capture.start(handle);
-        if (setCaptureFailed(false)) notify({config_keys::kValid});
+        if (setCaptureFailed(false)) notifyChanged(config_keys::kValid);
         return true;
     } catch (const CameraApiError& error) {
-        GIGE_LOG(Error) << "Camera " << m_identity.name << " cannot start: " << error.what();
         setCaptureFailed(true);
-        report("Cannot start camera %1");
-        notify({config_keys::kValid});
+        report({"Camera " + m_identity.name + " cannot start: " + error.what(), "Cannot start camera %1"});
+        notifyChanged(config_keys::kValid);
         return false;
     }
 }
@@ -211,8 +250,8 @@ void CameraChannel::startAcquisition() {
             const platform::MutexLock lock(m_state.mutex);
             m_receiver.stop();
         }
-        GIGE_LOG(Error) << "Cannot start acquisition of camera %1:" << error.what();
-        throw report("Cannot start acquisition of camera %1");
+        throw report({std::string("Cannot start acquisition of camera %1:") + error.what(),
+                      "Cannot start acquisition of camera %1"});
     }
 }
 
@@ -220,6 +259,10 @@ void CameraChannel::requirePrepared() {
     const platform::MutexLock lock(m_state.mutex);
     ZELT_ASSERT_AS(m_receiver.hasMasterClock(), "m_master_clock", kSourcePath);
     if (!m_receiver.hasMasterClock()) throw CameraApiError("The host has set no master clock");
+    ChannelState& state = m_state.values;
+    const bool needsFrequency = state.triggerModeIsAux && !state.auxFrequency;
+    ZELT_ASSERT_AS(!needsFrequency, "m_aux_clock_frequency", kSourcePath);
+    if (needsFrequency) throw CameraApiError("The host has set no Sync Out AUX frequency");
     if (m_device_handle == kNoCamera || !m_capture.isRunning()) {
         throw CameraApiError("The camera is not prepared");
     }
@@ -227,9 +270,16 @@ void CameraChannel::requirePrepared() {
 
 void CameraChannel::beginAcquisition() {
     const platform::MutexLock lock(m_state.mutex);
-    const std::int64_t frequency = m_state.values.tickFrequency;
-    m_receiver.begin(
-        std::make_unique<FixedRateClockSync>(Rational(frequency), static_cast<double>(frequency)));
+    ChannelState& state = m_state.values;
+    const Rational frequency(state.tickFrequency);
+    const auto rate = static_cast<double>(state.tickFrequency);
+    std::unique_ptr<ClockSyncBase> generator;
+    if (state.triggerModeIsAux && state.auxFrequency) {
+        generator = std::make_unique<TriggeredClockSync>(frequency, rate, *state.auxFrequency);
+    } else {
+        generator = std::make_unique<FixedRateClockSync>(frequency, rate);
+    }
+    m_receiver.begin(std::move(generator));
 }
 
 void CameraChannel::stopAcquisition() {
@@ -241,6 +291,9 @@ void CameraChannel::stopAcquisition() {
 
 void CameraChannel::stopCapture() {
     m_capture.stop(deviceHandle());
+    // No frame comes any more, whether the camera told of the end or not.
+    const platform::MutexLock lock(m_state.mutex);
+    m_receiver.stop();
 }
 
 void CameraChannel::close() noexcept {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "clocks.h"
 #include "if_channel_messages.h"
@@ -13,6 +13,7 @@
 #include "zelt_gige_camera_channel_frame_receiver.h"
 #include "zelt_gige_camera_channel_messages.h"
 #include "zelt_gige_camera_channel_settings.h"
+#include "zelt_gige_camera_channel_work.h"
 #include "zelt_gige_channel_owner.h"
 #include "zeltpu_simple_channel_config.h"
 
@@ -62,6 +63,16 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void retire() noexcept;
     /// [host] The host's acquisition was prepared (true) or has finished (false).
     void setAcquisitionStarted(bool started);
+    /// [host] Brings in what the camera's automatic functions have changed. Never throws.
+    void trackAutomaticValues() noexcept;
+    /// [host] Whether the settings can work; what is wrong is reported.
+    bool checkSettings();
+
+    /// [host] Keeps the frequency of the host's trigger output; empty for none.
+    void storeAuxFrequency(const AuxFrequency& frequency);
+    /// [host] The frequency has changed: the settings are checked anew. Called under the AUX service's mutex;
+    /// never throws.
+    void onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) noexcept;
 
     /// [host] The sink is not owned; null for none. After this returned, the old one is not called again.
     void setSink(zelt::IfChannelSink* sink);
@@ -81,18 +92,16 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void setMessageListener(MessageListener listener) override;
 
   private:
-    using Keys = std::vector<std::string>;
-
+    // Opening and preparing.
     void open();
-    void configureOpened(zelt_gige_api::CameraHandle handle, Keys& changed);
+    void configureOpened(zelt_gige_api::CameraHandle handle, ChannelNews& news);
     void abandon(zelt_gige_api::CameraHandle handle) noexcept;
     void openAgainIfNeeded();
-    void applyConfiguration(Keys& changed) ZELT_REQUIRES(m_state.mutex);
-    void writePendingFormat() ZELT_REQUIRES(m_state.mutex);
+    bool configure(ChannelNews& news);
+    bool applyConfiguration(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    void applyPending(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     void writeBandwidthShare() ZELT_REQUIRES(m_state.mutex);
-    void updateCaches(Keys& changed) ZELT_REQUIRES(m_state.mutex);
-    void updateBandwidth() ZELT_REQUIRES(m_state.mutex);
-    bool programTrigger(Keys& changed);
+    bool programTrigger(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     bool startCapture();
     /// True when that is news.
     bool setCaptureFailed(bool failed);
@@ -100,10 +109,41 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void beginAcquisition();
     void endStreaming() noexcept;
 
+    // Changes of settings.
+    bool set(Setting setting, const SettingValue& value);
+    bool runOnce(Setting setting);
+    void usedChanged();
+    /// Does something that locks for itself and tells the host; what it throws is reported, and false then.
+    bool change(const std::function<bool(ChannelNews&)>& what);
+    bool apply(Setting setting, const SettingValue& value, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyNumber(Setting setting, double wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyGeometry(Setting setting, double wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyExposure(double wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyFrameRate(double wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyFrameFormat(const std::string& wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyTriggerMode(const std::string& wanted, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool applyAutomatic(Setting setting, const std::string& entry, ChannelNews& news)
+        ZELT_REQUIRES(m_state.mutex);
+
+    // What follows from a change.
+    ChannelWork work(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    void updateCaches(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    void updateBandwidth() ZELT_REQUIRES(m_state.mutex);
+    int validate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    /// Where nothing else says that "Valid" may have changed.
+    void revalidate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    /// True when the exposure changed, which was validated then.
+    bool limitExposure(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    void exposureLimited(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    /// A limit that cannot be written becomes news, after a log line if there is a prefix for one.
+    void limitAndValidate(ChannelNews& news, const char* logPrefix = "") ZELT_REQUIRES(m_state.mutex);
+    void track(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    bool isFrameSizeFixed() const ZELT_REQUIRES(m_state.mutex);
+
+    // Telling the host; no lock may be held.
     zelt_gige_api::CameraHandle deviceHandle();
-    exception_manager::Exception report(const std::string& messageTemplate, const std::string& detail = {});
-    bool reportNotConfigured(const char* logPrefix, const std::string& detail);
-    void notify(const Keys& keys);
+    exception_manager::Exception report(const ChannelMessage& message);
+    void tell(const ChannelNews& news);
 
     const ChannelIdentity m_identity;
     const std::shared_ptr<IfChannelOwner> m_owner;

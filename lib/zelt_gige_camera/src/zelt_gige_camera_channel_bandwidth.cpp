@@ -1,14 +1,17 @@
 #include "zelt_gige_camera_channel_bandwidth.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace zelt_gige_camera {
 
-std::uint64_t requiredBandwidth(std::uint64_t payload, double frameRate) {
+std::uint64_t requiredBandwidth(std::uint64_t payload, double frameRate, std::int64_t fixedBandwidth) {
     const double required = std::ceil(static_cast<double>(payload) * frameRate);
     constexpr double kTwoToThe64th = 18446744073709551616.0;
-    return required > 0.0 && required < kTwoToThe64th ? static_cast<std::uint64_t>(required) : 0;
+    const bool fits = required > 0.0 && required < kTwoToThe64th;
+    return std::max(fits ? static_cast<std::uint64_t>(required) : 0,
+                    fixedBandwidth > 0 ? static_cast<std::uint64_t>(fixedBandwidth) : 0);
 }
 
 std::int64_t bandwidthShare(std::uint64_t required, std::uint64_t totalRequired) {

@@ -9,8 +9,9 @@ namespace zelt_gige_camera {
 inline constexpr double kLinkCapacity = 115'000'000.0;
 
 /// Bytes per second that a stream needs, rounded up; 0 for a rate that is negative or not finite.
-/// `payload`: bytes per frame; `frameRate`: frames per second.
-std::uint64_t requiredBandwidth(std::uint64_t payload, double frameRate);
+/// `payload`: bytes per frame; `frameRate`: frames per second. `fixedBandwidth`: what the stream was given in
+/// any case; 0 for none.
+std::uint64_t requiredBandwidth(std::uint64_t payload, double frameRate, std::int64_t fixedBandwidth = 0);
 
 /// A channel's share of the link, bytes per second, rounded down: required / total * capacity. 0 when the
 /// total is 0.

@@ -1,9 +1,13 @@
 #include "zelt_gige_camera_channel_feature_reader.h"
 
 #include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <utility>
 
 #include "assertion.h"
 #include "config_keys.h"
+#include "zelt_gige_camera_channel_feature_access.h"
 #include "zelt_gige_fourcc.h"
 #include "zelt_gige_log.h"
 
@@ -14,11 +18,157 @@ using zelt_gige_api::CameraApi;
 using zelt_gige_api::CameraApiError;
 using zelt_gige_api::CameraHandle;
 using zelt_gige_api::FeatureType;
+using zelt_gige_api::UnsupportedFeature;
 
 constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_feature_reader";
 
 /// The trigger input that the host's pulses come in on.
 constexpr const char* kAuxLine = "Line1";
+
+/// Reads into a copy of the state, which takes the original's place when everything was read.
+class Reading {
+  public:
+    explicit Reading(ChannelWork& work) : m_work(work), m_fresh(work.state) {}
+
+    ChannelState& fresh() { return m_fresh; }
+
+    void numbers(std::initializer_list<Setting> settings) {
+        for (const Setting setting : settings) number(numberRow(setting));
+    }
+    void number(const NumberRow& row);
+    void automatic(Setting setting);
+    void triggerSource();
+    void range(Setting setting);
+    void pixelFormats() {
+        m_fresh.pixelFormatEntries = m_work.api.getEnumFeatureRange(m_work.camera, "PixelFormat");
+    }
+    void commit();
+
+  private:
+    bool isPending(Setting setting) const { return contains(m_fresh.pending, setting); }
+    Presence presenceOf(const char* feature) const {
+        return m_work.api.getFeatureType(m_work.camera, feature) == FeatureType::None ? Presence::Absent
+                                                                                      : Presence::Unreadable;
+    }
+
+    ChannelWork& m_work;
+    ChannelState m_fresh;
+};
+
+void Reading::number(const NumberRow& row) {
+    NumberValue& cached = m_fresh.*row.value;
+    if (cached.presence == Presence::Absent) return;
+    try {
+        const double value = getNumber(m_work.api, m_work.camera, row);
+        cached.presence = Presence::Present;
+        if (!isPending(row.setting)) cached.value = value;
+    } catch (const UnsupportedFeature&) {
+        if (!row.optional) throw;
+        cached.presence = presenceOf(row.feature);
+    }
+}
+
+void Reading::automatic(Setting setting) {
+    const AutoRow& row = autoRow(setting);
+    AutoValue& cached = m_fresh.*row.value;
+    if (cached.presence == Presence::Absent) return;
+    try {
+        std::string value = m_work.api.getEnumFeature(m_work.camera, row.feature);
+        cached.presence = Presence::Present;
+        if (!isPending(setting)) cached.value = std::move(value);
+    } catch (const UnsupportedFeature&) {
+        cached.presence = presenceOf(row.feature);
+        if (cached.presence == Presence::Absent) cached.value = "Off";
+    }
+}
+
+void Reading::triggerSource() {
+    const bool isAux = m_work.api.getEnumFeature(m_work.camera, "TriggerSource") == kAuxLine;
+    if (!isPending(Setting::TriggerMode)) m_fresh.triggerModeIsAux = isAux;
+}
+
+void Reading::range(Setting setting) {
+    const NumberRow& row = numberRow(setting);
+    NumberValue& cached = m_fresh.*row.value;
+    cached.hasRange = false;
+    cached.min = cached.max = 0.0;
+    const bool isSelectable = row.selector == nullptr || cached.presence == Presence::Present;
+    if (cached.presence == Presence::Absent || !isSelectable) return;
+    select(m_work.api, m_work.camera, row);
+    const auto take = [&cached](const auto& range) {
+        const auto min = static_cast<double>(range.min);
+        const auto max = static_cast<double>(range.max);
+        if (!range.valid || std::isnan(min) || std::isnan(max)) return;
+        cached.hasRange = true;
+        cached.min = min;
+        cached.max = max;
+    };
+    if (row.whole) {
+        take(m_work.api.getIntFeatureRange(m_work.camera, row.feature));
+    } else {
+        take(m_work.api.getFloatFeatureRange(m_work.camera, row.feature));
+    }
+}
+
+/// Whether the host sees another rate, or another kind of rate.
+bool frameRateDiffers(const ChannelState& before, const ChannelState& after) {
+    if (before.triggerModeIsAux != after.triggerModeIsAux) return true;
+    return !after.triggerModeIsAux && before.frameRate.value != after.frameRate.value;
+}
+
+void Reading::commit() {
+    ChannelState& before = m_work.state;
+    ChannelNews& news = m_work.news;
+    for (const NumberRow& row : numberRows()) {
+        if (row.key == nullptr || row.setting == Setting::FrameRate) continue;
+        if ((before.*row.value).value != (m_fresh.*row.value).value) news.changed(row.key);
+    }
+    for (const AutoRow& row : autoRows()) {
+        if ((before.*row.value).value != (m_fresh.*row.value).value) news.changed(row.key);
+    }
+    if (before.triggerModeIsAux != m_fresh.triggerModeIsAux) news.changed(config_keys::kCameraTriggerMode);
+    if (before.pixelFormatEntries != m_fresh.pixelFormatEntries ||
+        before.pixelFormat != m_fresh.pixelFormat) {
+        news.changed(config_keys::kFrameFormat);
+    }
+    if (frameRateDiffers(before, m_fresh)) {
+        news.changed(config_keys::kCameraFrameSetting);
+        news.changed(config_keys::kSampleRate);
+    }
+    before = std::move(m_fresh);
+}
+
+/// The camera's current format does not count: the channel uses the best one that it can pass on.
+void chooseFrameFormat(ChannelState& state) {
+    if (contains(state.chosen, Setting::FrameFormat)) return;
+    const auto& entries = state.pixelFormatEntries;
+    state.pixelFormat.clear();
+    for (const PixelFormatName& name : pixelFormatNames()) {
+        if (std::find(entries.begin(), entries.end(), name.cameraEntry) == entries.end()) continue;
+        state.pixelFormat = name.cameraEntry;
+        insert(state.pending, Setting::FrameFormat);
+        break;
+    }
+    ZELT_ASSERT_AS(!state.pixelFormat.empty(), "frame_format_found", kSourcePath);
+}
+
+/// The sensor's extent by its own feature, else the greatest size that the camera takes now; 0 for none.
+double sensorExtent(CameraApi& api, CameraHandle camera, const char* feature, const NumberValue& size) {
+    try {
+        return static_cast<double>(api.getIntFeature(camera, feature));
+    } catch (const UnsupportedFeature&) {
+        return size.max;
+    }
+}
+
+void readModelKind(ChannelWork& work, const std::string& cameraName, ChannelState& state) {
+    try {
+        state.modelKind = zelt_gige_api::cameraModelKind(work.api.getDeviceModelName(work.camera));
+    } catch (const CameraApiError& error) {
+        state.modelKind = zelt_gige_api::CameraModelKind::Other;
+        GIGE_LOG(Warning) << "Camera " << cameraName << " model name unreadable: " << error.what();
+    }
+}
 
 const char* typeText(FeatureType type) {
     switch (type) {
@@ -39,74 +189,90 @@ const char* typeText(FeatureType type) {
     }
 }
 
-/// Features that the channel's settings show, in the order in which they are read.
-void readValues(CameraApi& api, CameraHandle camera, ChannelState& state) {
-    state.frameOffsetX = static_cast<std::uint32_t>(api.getOffsetX(camera));
-    state.frameOffsetY = static_cast<std::uint32_t>(api.getOffsetY(camera));
-    state.frameWidth = static_cast<std::uint32_t>(api.getWidth(camera));
-    state.frameHeight = static_cast<std::uint32_t>(api.getHeight(camera));
-    state.frameRate = api.getFloatFeature(camera, "AcquisitionFrameRateAbs");
-    state.streamBytesPerSecond = api.getIntFeature(camera, "StreamBytesPerSecond");
-    state.triggerModeIsAux = api.getEnumFeature(camera, "TriggerSource") == kAuxLine;
-    state.pixelFormatEntries = api.getEnumFeatureRange(camera, "PixelFormat");
-}
-
-std::vector<std::string> changedKeys(const ChannelState& before, const ChannelState& after) {
-    std::vector<std::string> keys;
-    const auto compare = [&keys](const auto& a, const auto& b, const char* key) {
-        if (a != b) keys.emplace_back(key);
-    };
-    compare(before.frameOffsetX, after.frameOffsetX, config_keys::kFrameOffsetX);
-    compare(before.frameOffsetY, after.frameOffsetY, config_keys::kFrameOffsetY);
-    compare(before.frameWidth, after.frameWidth, config_keys::kFrameWidth);
-    compare(before.frameHeight, after.frameHeight, config_keys::kFrameHeight);
-    compare(before.pixelFormatEntries, after.pixelFormatEntries, config_keys::kFrameFormat);
-    if (before.frameRate != after.frameRate || before.triggerModeIsAux != after.triggerModeIsAux) {
-        keys.emplace_back(config_keys::kCameraFrameSetting);
-        keys.emplace_back(config_keys::kSampleRate);
-    }
-    return keys;
-}
-
-/// The camera's current format does not count: the channel uses the best one that it can pass on.
-void chooseFrameFormat(ChannelState& state) {
-    const auto& entries = state.pixelFormatEntries;
-    state.pixelFormat.clear();
-    state.frameFormat.clear();
-    for (const PixelFormatName& name : pixelFormatNames()) {
-        if (std::find(entries.begin(), entries.end(), name.cameraEntry) == entries.end()) continue;
-        state.pixelFormat = name.cameraEntry;
-        state.frameFormat = name.fourCc;
-        break;
-    }
-    state.formatPending = !state.pixelFormat.empty();
-    ZELT_ASSERT_AS(state.formatPending, "frame_format_found", kSourcePath);
-}
-
 }  // namespace
 
-std::vector<std::string> readCaches(CameraApi& api, CameraHandle camera, ChannelState& state) {
-    ChannelState fresh = state;
-    readValues(api, camera, fresh);
-    std::vector<std::string> changed = changedKeys(state, fresh);
-    state = std::move(fresh);
-    return changed;
+void readCache(ChannelWork& work) {
+    Reading reading(work);
+    reading.numbers({Setting::FrameOffsetX, Setting::FrameOffsetY, Setting::FrameWidth, Setting::FrameHeight,
+                     Setting::FrameRate});
+    reading.fresh().streamBytesPerSecond = work.api.getIntFeature(work.camera, "StreamBytesPerSecond");
+    reading.triggerSource();
+    reading.numbers({Setting::Exposure});
+    reading.automatic(Setting::ExposureAuto);
+    reading.numbers({Setting::ExposureAutoMax, Setting::Gain});
+    reading.automatic(Setting::GainAuto);
+    reading.numbers({Setting::GainAutoAdjustTol, Setting::GainAutoRate, Setting::Gamma, Setting::Saturation});
+    reading.automatic(Setting::WhitebalanceAuto);
+    reading.numbers({Setting::WhitebalanceRed, Setting::WhitebalanceBlue});
+    // The hue is no part of the cache, but one that could not be read is tried again.
+    if (work.state.hue.presence == Presence::Unreadable) reading.numbers({Setting::Hue});
+    reading.pixelFormats();
+    reading.commit();
 }
 
-void readConfiguration(CameraApi& api, CameraHandle camera, const std::string& cameraName,
-                       ChannelState& state) {
-    state.tickFrequency = api.getIntFeature(camera, "GevTimestampTickFrequency");
-    state.pixelFormatEntries = api.getEnumFeatureRange(camera, "PixelFormat");
-    chooseFrameFormat(state);
-    state.frameRate = api.getFloatFeature(camera, "AcquisitionFrameRateAbs");
-    api.getEnumFeature(camera, "TriggerMode");
-    state.triggerModeIsAux = api.getEnumFeature(camera, "TriggerSource") == kAuxLine;
-    try {
-        state.modelKind = zelt_gige_api::cameraModelKind(api.getDeviceModelName(camera));
-    } catch (const CameraApiError& error) {
-        state.modelKind = zelt_gige_api::CameraModelKind::Other;
-        GIGE_LOG(Warning) << "Camera " << cameraName << " model name unreadable: " << error.what();
+void readDomainCache(ChannelWork& work) {
+    Reading reading(work);
+    for (const Setting setting :
+         {Setting::Gain, Setting::Exposure, Setting::WhitebalanceRed, Setting::WhitebalanceBlue,
+          Setting::GainAutoAdjustTol, Setting::GainAutoRate, Setting::Gamma, Setting::Hue,
+          Setting::Saturation, Setting::FrameRate, Setting::FrameWidth, Setting::FrameHeight}) {
+        reading.range(setting);
     }
+    ChannelState& fresh = reading.fresh();
+    fresh.sensorWidth = sensorExtent(work.api, work.camera, "WidthMax", fresh.frameWidth);
+    fresh.sensorHeight = sensorExtent(work.api, work.camera, "HeightMax", fresh.frameHeight);
+    for (const AutoRow& row : autoRows()) {
+        AutoValue& cached = fresh.*row.value;
+        cached.entries.clear();
+        if (cached.presence == Presence::Absent) continue;
+        cached.entries = work.api.getEnumFeatureRange(work.camera, row.feature);
+    }
+    reading.commit();
+}
+
+void readConfiguration(ChannelWork& work, const std::string& cameraName) {
+    Reading reading(work);
+    ChannelState& fresh = reading.fresh();
+    fresh.tickFrequency = work.api.getIntFeature(work.camera, "GevTimestampTickFrequency");
+    reading.pixelFormats();
+    chooseFrameFormat(fresh);
+    reading.numbers({Setting::FrameRate, Setting::Exposure});
+    reading.automatic(Setting::ExposureAuto);
+    reading.numbers({Setting::Gain});
+    reading.automatic(Setting::GainAuto);
+    reading.numbers({Setting::GainAutoAdjustTol, Setting::GainAutoRate, Setting::Gamma, Setting::Hue,
+                     Setting::Saturation});
+    reading.automatic(Setting::WhitebalanceAuto);
+    reading.numbers({Setting::WhitebalanceRed, Setting::WhitebalanceBlue});
+    work.api.getEnumFeature(work.camera, "TriggerMode");
+    reading.triggerSource();
+    readModelKind(work, cameraName, fresh);
+    fresh.wasOpened = true;
+    reading.commit();
+}
+
+bool trackAutomaticValues(ChannelWork& work) {
+    bool exposureChanged = false;
+    const auto track = [&](const AutoValue& function, Setting setting) {
+        const NumberRow& row = numberRow(setting);
+        NumberValue& cached = work.state.*row.value;
+        if (function.value == "Off" || cached.presence == Presence::Absent) return;
+        if (contains(work.state.pending, setting)) return;
+        try {
+            const double value = getNumber(work.api, work.camera, row);
+            if (value == cached.value) return;
+            cached.value = value;
+            work.news.changed(row.key);
+            exposureChanged = exposureChanged || setting == Setting::Exposure;
+        } catch (const CameraApiError&) {
+            // Left out; the next pass tries again.
+        }
+    };
+    track(work.state.gainAuto, Setting::Gain);
+    track(work.state.exposureAuto, Setting::Exposure);
+    track(work.state.whitebalanceAuto, Setting::WhitebalanceRed);
+    track(work.state.whitebalanceAuto, Setting::WhitebalanceBlue);
+    return exposureChanged;
 }
 
 void dumpFeatures(CameraApi& api, CameraHandle camera) {

@@ -4,7 +4,6 @@
 
 #include "assertion.h"
 #include "zelt_gige_camera_channel.h"
-#include "zelt_gige_camera_channel_bandwidth.h"
 #include "zelt_gige_log.h"
 
 namespace zelt_gige_camera {
@@ -41,11 +40,10 @@ CameraChannel::CameraChannel(channel_config::ChannelID id, const zelt_gige_api::
       m_clock_rate(std::numeric_limits<double>::quiet_NaN()) {
     GIGE_LOG(Detail) << "Initializing camera '" << m_identity.name << "' with path '" << m_identity.path
                      << "'";
-    const auto usedChanged = [this](bool) {
-        const platform::MutexLock lock(m_state.mutex);
-        updateBandwidth();
-    };
-    for (auto& option : makeChannelOptions(m_identity, m_state, m_used, usedChanged)) {
+    const SettingActions actions{
+        [this](Setting setting, const SettingValue& value) { return set(setting, value); },
+        [this](Setting setting) { return runOnce(setting); }, [this] { usedChanged(); }};
+    for (auto& option : makeChannelOptions(m_identity, m_state, m_used, actions)) {
         addOption(std::move(option));
     }
     try {
@@ -64,6 +62,10 @@ void CameraChannel::setAcquisitionStarted(bool started) {
     m_acquisition_started = started;
 }
 
+bool CameraChannel::isFrameSizeFixed() const {
+    return m_acquisition_started || m_receiver.isRunning();
+}
+
 void CameraChannel::setSink(zelt::IfChannelSink* sink) {
     const platform::MutexLock lock(m_state.mutex);
     m_receiver.setSink(sink);
@@ -78,17 +80,10 @@ void CameraChannel::setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock) {
 void CameraChannel::onDisconnected() noexcept {
     m_connected = false;
     try {
-        report("Camera %1 is no longer connected");
+        report({{}, "Camera %1 is no longer connected"});
     } catch (...) {
         // Nobody on the discovery thread could do anything about it.
     }
-}
-
-void CameraChannel::updateBandwidth() {
-    ChannelState& state = m_state.values;
-    state.bandwidthLimitedFrameRate = bandwidthLimitedFrameRate(state.streamBytesPerSecond, state.payload());
-    const double rate = state.triggerModeIsAux ? 0.0 : state.frameRate;
-    m_required_bandwidth = m_used ? requiredBandwidth(state.payload(), rate) : 0;
 }
 
 void CameraChannel::onAcquisitionStarted(zelt_gige_api::CameraHandle handle, std::uint64_t timestamp,
@@ -128,18 +123,20 @@ void CameraChannel::setMessageListener(MessageListener listener) {
     m_messages.setListener(std::move(listener));
 }
 
-exception_manager::Exception CameraChannel::report(const std::string& messageTemplate,
-                                                   const std::string& detail) {
-    GIGE_LOG(Error) << messageTemplate;
-    exception_manager::Exception message(0, messageTemplate, kMessageSource);
-    message.addArgument("Camera Name", m_identity.name);
-    if (!detail.empty()) message.addArgument("Exception Argument", detail);
-    m_messages.post(message);
-    return message;
+exception_manager::Exception CameraChannel::report(const ChannelMessage& message) {
+    if (!message.logLine.empty()) GIGE_LOG(Error) << message.logLine;
+    GIGE_LOG(Error) << message.text;
+    exception_manager::Exception exception(0, message.text, kMessageSource);
+    if (message.named) exception.addArgument("Camera Name", m_identity.name);
+    if (!message.detail.empty()) exception.addArgument("Exception Argument", message.detail);
+    m_messages.post(exception);
+    return exception;
 }
 
-void CameraChannel::notify(const Keys& keys) {
-    for (const std::string& key : keys) notifyChanged(key);
+void CameraChannel::tell(const ChannelNews& news) {
+    for (const ChannelMessage& message : news.messages()) report(message);
+    refreshAvailableKeys();
+    for (const std::string& key : news.keys()) notifyChanged(key);
 }
 
 }  // namespace zelt_gige_camera

@@ -6,24 +6,44 @@
 namespace zelt_gige_camera {
 namespace {
 
-struct EnumStep {
+struct Step {
     const char* feature;
-    const char* entry;
+    const char* entry;  ///< null when the feature is a number
+    double number = 0.0;
 };
 
+// The mode goes on last: a camera must not be triggered by whatever source it had.
+constexpr std::array<Step, 6> kAux{{
+    {"TriggerSelector", "FrameStart"},
+    {"TriggerSource", "Line1"},
+    {"TriggerActivation", "RisingEdge"},
+    {"TriggerDelayAbs", nullptr, 0.0},
+    {"TriggerOverlap", "Off"},
+    {"TriggerMode", "On"},
+}};
+
 // The mode goes off before the source changes: a camera must not wait for a trigger in between.
-constexpr std::array<EnumStep, 3> kFixedRate{{
+constexpr std::array<Step, 3> kFixedRate{{
     {"TriggerSelector", "FrameStart"},
     {"TriggerMode", "Off"},
     {"TriggerSource", "FixedRate"},
 }};
 
-void run(std::span<const EnumStep> program, zelt_gige_api::CameraApi& api,
-         zelt_gige_api::CameraHandle camera) {
-    for (const EnumStep& step : program) api.setEnumFeature(camera, step.feature, step.entry);
+void run(std::span<const Step> program, zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera) {
+    for (const Step& step : program) {
+        if (step.entry != nullptr) {
+            api.setEnumFeature(camera, step.feature, step.entry);
+        } else {
+            api.setFloatFeature(camera, step.feature, step.number);
+        }
+    }
 }
 
 }  // namespace
+
+void programAux(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera) {
+    run(kAux, api, camera);
+}
 
 double programFixedRate(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera, double frameRate) {
     run(kFixedRate, api, camera);

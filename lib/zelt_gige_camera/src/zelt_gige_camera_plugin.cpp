@@ -7,6 +7,7 @@
 
 #include "assertion.h"
 #include "config_keys.h"
+#include "trace_scope.h"
 #include "zelt_gige_clear_on_exit.h"
 #include "zelt_gige_log.h"
 
@@ -17,6 +18,7 @@ using zelt_gige_api::CameraInfo;
 
 constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_plugin";
 constexpr const char* kPluginId = "{EEEC3C46-9973-487D-AD18-36CD7DDA58DA}";
+constexpr const char* kSyncAuxServiceId = "{784229AE-48AB-4A05-8F83-9FB70F11827F}";
 
 std::shared_ptr<zelt::plugin_util::SimplePluginConfig> makeConfig() {
     auto config = std::make_shared<zelt::plugin_util::SimplePluginConfig>();
@@ -66,6 +68,8 @@ bool CameraPlugin::createServices() {
     if (m_service_factory != nullptr) return true;
     m_service_factory = new zeltpu::ServiceFactory;
     m_service_factory->addRef();
+    m_service_factory->registerService(boost::uuids::string_generator()(kSyncAuxServiceId),
+                                       m_sync_aux_service.get());
     return true;
 }
 
@@ -185,6 +189,9 @@ void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t 
         channel->setMasterClock(m_master_clock);
         m_channels.emplace(id, channel);
         publish();
+        // Not before it is published: from then on the channel is told of every change.
+        m_sync_aux_service->deliver(
+            [&](const AuxFrequency& frequency) { channel->storeAuxFrequency(frequency); });
         if (wasRemoved(camera.cameraId)) channel->onDisconnected();
         nextId = id + 1;
     }
@@ -221,6 +228,13 @@ void CameraPlugin::onCameraRemoved(const std::string& cameraId) {
         channel->onDisconnected();
         return;
     }
+}
+
+void CameraPlugin::onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) {
+    const diagnostics::TraceScope trace(diagnostics::unilogger_zelt_plugin_gige_camera(),
+                                        "CameraPlugin::onSyncOutAuxFrequencyChanged()");
+    const auto channels = m_published->snapshot();
+    for (const auto& [id, channel] : *channels) channel->onSyncOutAuxFrequencyChanged(frequency);
 }
 
 }  // namespace zelt_gige_camera

@@ -9,8 +9,10 @@
 #include <vector>
 
 #include "mutex.h"
+#include "zelt_gige_aux_frequency_listener.h"
 #include "zelt_gige_camera_api.h"
 #include "zelt_gige_channel_map.h"
+#include "zelt_gige_sync_aux_service.h"
 #include "zeltpu_daq_plugin_base.h"
 #include "zeltpu_service_factory.h"
 #include "zeltpu_simple_plugin_config.h"
@@ -20,10 +22,12 @@ namespace zelt_gige_camera {
 /// Owns the camera API and one channel per camera, and passes every host request on to the channels. See
 /// zelt::IfDAQPlugin for what each operation promises.
 ///
-/// The plug-in mutex serialises all work on the channel map. The discovery callbacks and findChannelId walk
-/// the published snapshot instead, since they may come while a host call holds it.
+/// The plug-in mutex serialises all work on the channel map. The discovery callbacks, findChannelId and the
+/// change of the AUX frequency walk the published snapshot instead, since they may come while a host call
+/// holds it. Order of locks: the plug-in's, the AUX service's, a channel's.
 class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
-                           public zelt_gige_api::IfDiscoveryCallback {
+                           public zelt_gige_api::IfDiscoveryCallback,
+                           public IfAuxFrequencyListener {
   public:
     /// `api` may be empty; then initialize fails.
     CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api);
@@ -62,6 +66,11 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     void onCameraAdded(const std::string& cameraId) override;
     void onCameraRemoved(const std::string& cameraId) override;
 
+    /// [host] Passes the frequency on to every channel. Called under the AUX service's mutex.
+    void onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) override;
+    /// [any thread] What the host has set last.
+    AuxFrequency getSyncOutAuxFrequency() const { return m_sync_aux_service->getSyncOutAuxFrequency(); }
+
   private:
     void publish() ZELT_REQUIRES(m_mutex);
     void removeVanished(const std::vector<zelt_gige_api::CameraInfo>& cameras) ZELT_REQUIRES(m_mutex);
@@ -87,7 +96,9 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     const std::shared_ptr<zelt::plugin_util::SimplePluginConfig> m_config;
     zeltpu::ServiceFactory* m_service_factory ZELT_GUARDED_BY(m_mutex) = nullptr;
     std::atomic<std::uint64_t> m_host_value{0};
-    const std::shared_ptr<PublishedChannels> m_published = std::make_shared<PublishedChannels>();
+    const std::shared_ptr<GigeSyncAuxService> m_sync_aux_service = std::make_shared<GigeSyncAuxService>(this);
+    const std::shared_ptr<PublishedChannels> m_published =
+        std::make_shared<PublishedChannels>(m_sync_aux_service);
 };
 
 }  // namespace zelt_gige_camera

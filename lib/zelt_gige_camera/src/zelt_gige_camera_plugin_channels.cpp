@@ -62,6 +62,11 @@ bool CameraPlugin::prepareAcquisition() {
     const diagnostics::TraceScope trace(diagnostics::unilogger_zelt_plugin_gige_camera(),
                                         "CameraPlugin::prepareAcquisition()");
     const platform::MutexLock lock(m_mutex);
+    // All of them first: each one's share of the link depends on the others' rates.
+    const auto channels = m_published->snapshot();
+    m_sync_aux_service->deliver([&](const AuxFrequency& frequency) {
+        for (const auto& [id, channel] : *channels) channel->storeAuxFrequency(frequency);
+    });
     bool prepared = true;
     const std::exception_ptr failure = visitAll(m_channels, [&](CameraChannel& channel) {
         // Not short-circuited: every channel is prepared, also after one that failed.
@@ -163,9 +168,16 @@ void CameraPlugin::setSharedAcquisitionObject(std::shared_ptr<zelt::IfMasterCloc
     m_master_clock = std::move(clock);
 }
 
-bool CameraPlugin::checkChannelSettings(const std::vector<std::uint32_t>&, bool) {
-    GIGE_LOG(Warning) << "This version does not check channel settings";
-    return false;
+bool CameraPlugin::checkChannelSettings(const std::vector<std::uint32_t>& channelIds, bool) {
+    if (!m_initialized) return false;
+    const platform::MutexLock lock(m_mutex);
+    bool valid = true;
+    for (const std::uint32_t id : channelIds) {
+        const auto channel = findChannel(id);
+        // Not short-circuited: every channel tells what is wrong with it.
+        valid = channel != nullptr && channel->checkSettings() && valid;
+    }
+    return valid;
 }
 
 std::shared_ptr<channel_config::IfChannelConfig> CameraPlugin::getChannel(std::uint32_t channelId) {

@@ -30,6 +30,14 @@ std::uint64_t PublishedChannels::getTotalRequiredBandwidth() const {
     return total;
 }
 
+void PublishedChannels::deliverAuxFrequency(const std::function<void(const AuxFrequency&)>& store) const {
+    if (const auto service = m_aux_service.lock()) {
+        service->deliver(store);
+    } else {
+        store(std::nullopt);
+    }
+}
+
 std::uint32_t nextChannelId(const ChannelMap& channels) {
     // Unsigned on purpose: the largest number is followed by 0.
     return channels.empty() ? 0 : channels.rbegin()->first + 1;

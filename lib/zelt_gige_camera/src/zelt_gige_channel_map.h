@@ -8,6 +8,7 @@
 #include "mutex.h"
 #include "zelt_gige_camera_channel.h"
 #include "zelt_gige_channel_owner.h"
+#include "zelt_gige_sync_aux_service.h"
 
 namespace zelt_gige_camera {
 
@@ -17,14 +18,19 @@ using ChannelMap = std::map<std::uint32_t, std::shared_ptr<CameraChannel>>;
 /// and its channels; the plug-in publishes an empty map before it lets go, which also frees the channels.
 class PublishedChannels final : public IfChannelOwner {
   public:
+    explicit PublishedChannels(const std::shared_ptr<GigeSyncAuxService>& auxService)
+        : m_aux_service(auxService) {}
+
     void publish(ChannelMap channels);
     /// Publishes an empty map.
     void clear() noexcept;
     /// [any thread] Never null. Channels of a snapshot may be closed while it is walked.
     std::shared_ptr<const ChannelMap> snapshot() const;
     std::uint64_t getTotalRequiredBandwidth() const override;
+    void deliverAuxFrequency(const std::function<void(const AuxFrequency&)>& store) const override;
 
   private:
+    const std::weak_ptr<GigeSyncAuxService> m_aux_service;
     const std::shared_ptr<const ChannelMap> m_empty = std::make_shared<const ChannelMap>();
     // Not std::atomic<std::shared_ptr>: the thread sanitizer cannot see through this library's.
     mutable platform::Mutex m_mutex;

@@ -23,14 +23,91 @@ inline std::string quoted(const std::string& text) {
     return "\"" + text + "\"";
 }
 
+inline std::string select(const std::string& colour) {
+    return call("VmbFeatureEnumSet", "\"BalanceRatioSelector\", " + quoted(colour));
+}
+
+/// Reading of the values that may change while the camera is open, then of their ranges.
 inline std::vector<std::string> cacheReads() {
-    return {call("VmbFeatureIntGet", quoted("OffsetX")),
-            call("VmbFeatureIntGet", quoted("OffsetY")),
-            call("VmbFeatureIntGet", quoted("Width")),
-            call("VmbFeatureIntGet", quoted("Height")),
-            call("VmbFeatureFloatGet", quoted("AcquisitionFrameRateAbs")),
-            call("VmbFeatureIntGet", quoted("StreamBytesPerSecond")),
-            call("VmbFeatureEnumGet", quoted("TriggerSource"))};
+    const auto integer = [](const char* name) { return call("VmbFeatureIntGet", quoted(name)); };
+    const auto real = [](const char* name) { return call("VmbFeatureFloatGet", quoted(name)); };
+    const auto text = [](const char* name) { return call("VmbFeatureEnumGet", quoted(name)); };
+    const auto range = [](const char* name) { return call("VmbFeatureFloatRangeQuery", quoted(name)); };
+    const auto step = [](const char* name) { return call("VmbFeatureIntIncrementQuery", quoted(name)); };
+    const auto steps = [](const char* name) { return call("VmbFeatureIntRangeQuery", quoted(name)); };
+    return {integer("OffsetX"),
+            integer("OffsetY"),
+            integer("Width"),
+            integer("Height"),
+            real("AcquisitionFrameRateAbs"),
+            integer("StreamBytesPerSecond"),
+            text("TriggerSource"),
+            real("ExposureTimeAbs"),
+            text("ExposureAuto"),
+            integer("ExposureAutoMax"),
+            real("Gain"),
+            text("GainAuto"),
+            integer("GainAutoAdjustTol"),
+            integer("GainAutoRate"),
+            real("Gamma"),
+            real("Saturation"),
+            text("BalanceWhiteAuto"),
+            select("Red"),
+            real("BalanceRatioAbs"),
+            select("Blue"),
+            real("BalanceRatioAbs"),
+            range("Gain"),
+            range("ExposureTimeAbs"),
+            select("Red"),
+            range("BalanceRatioAbs"),
+            select("Blue"),
+            range("BalanceRatioAbs"),
+            step("GainAutoAdjustTol"),
+            steps("GainAutoAdjustTol"),
+            step("GainAutoRate"),
+            steps("GainAutoRate"),
+            range("Gamma"),
+            range("Hue"),
+            range("Saturation"),
+            range("AcquisitionFrameRateAbs"),
+            step("Width"),
+            steps("Width"),
+            step("Height"),
+            steps("Height"),
+            integer("WidthMax"),
+            integer("HeightMax")};
+}
+
+/// Reading of a camera just opened.
+inline std::vector<std::string> configurationReads() {
+    const auto integer = [](const char* name) { return call("VmbFeatureIntGet", quoted(name)); };
+    const auto real = [](const char* name) { return call("VmbFeatureFloatGet", quoted(name)); };
+    const auto text = [](const char* name) { return call("VmbFeatureEnumGet", quoted(name)); };
+    return {integer("GevTimestampTickFrequency"),
+            real("AcquisitionFrameRateAbs"),
+            real("ExposureTimeAbs"),
+            text("ExposureAuto"),
+            real("Gain"),
+            text("GainAuto"),
+            integer("GainAutoAdjustTol"),
+            integer("GainAutoRate"),
+            real("Gamma"),
+            real("Hue"),
+            real("Saturation"),
+            text("BalanceWhiteAuto"),
+            select("Red"),
+            real("BalanceRatioAbs"),
+            select("Blue"),
+            real("BalanceRatioAbs"),
+            text("TriggerMode"),
+            text("TriggerSource")};
+}
+
+/// One to a line, so that a comparison shows the lines that differ.
+inline std::string asText(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += line + "\n";
+    return text;
 }
 
 /// Drops the queries whose arguments are counts; what is asked for is in the other calls.
@@ -63,6 +140,48 @@ class OneCamera : public PluginTest {
                 call("VmbFeatureEnumSet", "\"TriggerSource\", \"FixedRate\""),
                 call("VmbFeatureFloatSet", "\"AcquisitionFrameRateAbs\", 50"),
                 call("VmbFeatureFloatGet", quoted("AcquisitionFrameRateAbs"))};
+    }
+    static std::vector<std::string> auxProgram() {
+        return {call("VmbFeatureEnumSet", "\"TriggerSelector\", \"FrameStart\""),
+                call("VmbFeatureEnumSet", "\"TriggerSource\", \"Line1\""),
+                call("VmbFeatureEnumSet", "\"TriggerActivation\", \"RisingEdge\""),
+                call("VmbFeatureFloatSet", "\"TriggerDelayAbs\", 0"),
+                call("VmbFeatureEnumSet", "\"TriggerOverlap\", \"Off\""),
+                call("VmbFeatureEnumSet", "\"TriggerMode\", \"On\"")};
+    }
+    /// Exposure 15 ms and 20 ms between two frames, less the shortest exposure.
+    static std::vector<std::string> exposureLimit() {
+        return {call("VmbFeatureIntSet", "\"ExposureAutoMax\", 19970")};
+    }
+    /// Writing of exposure and gain, each number read back.
+    static std::vector<std::string> exposureAndGain() {
+        return {call("VmbFeatureInfoQuery", "\"ExposureMode\", 96"),
+                call("VmbFeatureEnumSet", "\"ExposureMode\", \"Timed\""),
+                call("VmbFeatureFloatSet", "\"ExposureTimeAbs\", 15000"),
+                call("VmbFeatureFloatGet", quoted("ExposureTimeAbs")),
+                exposureLimit().front(),
+                call("VmbFeatureEnumSet", "\"ExposureAuto\", \"Off\""),
+                call("VmbFeatureFloatSet", "\"Gain\", 0"),
+                call("VmbFeatureFloatGet", quoted("Gain")),
+                call("VmbFeatureIntSet", "\"GainAutoAdjustTol\", 5"),
+                call("VmbFeatureIntGet", quoted("GainAutoAdjustTol")),
+                call("VmbFeatureIntSet", "\"GainAutoRate\", 100"),
+                call("VmbFeatureIntGet", quoted("GainAutoRate")),
+                call("VmbFeatureEnumSet", "\"GainAuto\", \"Off\""),
+                call("VmbFeatureFloatSet", "\"Gamma\", 1"),
+                call("VmbFeatureFloatGet", quoted("Gamma"))};
+    }
+    /// Writing of colours, each number read back.
+    static std::vector<std::string> colours() {
+        return {call("VmbFeatureFloatSet", "\"Saturation\", 1"),
+                call("VmbFeatureFloatGet", quoted("Saturation")),
+                call("VmbFeatureEnumSet", "\"BalanceWhiteAuto\", \"Off\""),
+                select("Red"),
+                call("VmbFeatureFloatSet", "\"BalanceRatioAbs\", 1"),
+                call("VmbFeatureFloatGet", quoted("BalanceRatioAbs")),
+                select("Blue"),
+                call("VmbFeatureFloatSet", "\"BalanceRatioAbs\", 1"),
+                call("VmbFeatureFloatGet", quoted("BalanceRatioAbs"))};
     }
     /// A single camera has the whole link.
     static std::vector<std::string> share() {

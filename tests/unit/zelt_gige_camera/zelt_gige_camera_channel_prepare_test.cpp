@@ -5,6 +5,7 @@
 namespace {
 
 using test_support::AssertionCapture;
+using test_support::asText;
 using test_support::cacheReads;
 using test_support::call;
 using test_support::hostCalls;
@@ -20,7 +21,6 @@ using test_support::Simulator;
 using test_support::withoutQueries;
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -30,14 +30,17 @@ TEST_F(OneCamera, PreparesInTheFixedOrder) {
     open();
     VmbSimJournalStart();
     EXPECT_TRUE(plugin->prepareAcquisition());
-    EXPECT_THAT(withoutQueries(hostCalls()),
-                ElementsAreArray(joined({{call("VmbFeatureEnumGet", quoted("PixelFormat")),
-                                          call("VmbFeatureEnumSet", "\"PixelFormat\", \"YUV422Packed\""),
-                                          call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
-                                         share(),
-                                         cacheReads(),
-                                         fixedRateProgram(),
-                                         captureStart()})));
+    EXPECT_EQ(asText(withoutQueries(hostCalls())),
+              asText(joined({{call("VmbFeatureEnumGet", quoted("PixelFormat")),
+                              call("VmbFeatureEnumSet", "\"PixelFormat\", \"YUV422Packed\"")},
+                             cacheReads(),
+                             {call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
+                             share(),
+                             cacheReads(),
+                             fixedRateProgram(),
+                             exposureAndGain(),
+                             colours(),
+                             captureStart()})));
 }
 
 TEST_F(OneCamera, WritesTheFormatOnlyWhenTheCameraHasAnother) {
@@ -55,11 +58,12 @@ TEST_F(OneCamera, ProgramsTheTriggerModeOnceWhileNothingChanges) {
     plugin->stopAcquisition();
     VmbSimJournalStart();
     EXPECT_TRUE(plugin->prepareAcquisition());
-    EXPECT_THAT(withoutQueries(hostCalls()),
-                ElementsAreArray(joined({{call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
-                                         share(),
-                                         cacheReads(),
-                                         captureStart()})));
+    EXPECT_EQ(asText(withoutQueries(hostCalls())),
+              asText(joined({{call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
+                             share(),
+                             cacheReads(),
+                             exposureLimit(),
+                             captureStart()})));
 }
 
 TEST_F(OneCamera, IsNotPreparedWhenNotUsed) {
@@ -251,12 +255,13 @@ TEST_F(OneCamera, PreparedTwiceAbortsEndsAndStartsCaptureAfresh) {
         call("VmbFrameRevokeAll"),
         call("VmbFeatureInvalidationUnregister", quoted("EventAcquisitionStart")),
         call("VmbFeatureInvalidationUnregister", quoted("EventAcquisitionEnd"))};
-    EXPECT_THAT(withoutQueries(hostCalls()),
-                ElementsAreArray(joined({{call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
-                                         share(),
-                                         cacheReads(),
-                                         restart,
-                                         captureStart()})));
+    EXPECT_EQ(asText(withoutQueries(hostCalls())),
+              asText(joined({{call("VmbFeatureEnumSet", "\"AcquisitionMode\", \"Continuous\"")},
+                             share(),
+                             cacheReads(),
+                             exposureLimit(),
+                             restart,
+                             captureStart()})));
 }
 
 TEST_F(OneCamera, ARestartThatCannotAbortEndsCaptureAndReports) {

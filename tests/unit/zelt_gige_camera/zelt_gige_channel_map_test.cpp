@@ -43,14 +43,14 @@ TEST(ChannelIds, AreNeverTheOneThatMeansNoChannel) {
 }
 
 TEST(PublishedChannelsTest, StartEmptyAndNeverNull) {
-    PublishedChannels published;
+    PublishedChannels published(nullptr);
     ASSERT_NE(published.snapshot(), nullptr);
     EXPECT_TRUE(published.snapshot()->empty());
     EXPECT_EQ(published.getTotalRequiredBandwidth(), 0u);
 }
 
 TEST(PublishedChannelsTest, LeaveAnEarlierSnapshotAsItWas) {
-    PublishedChannels published;
+    PublishedChannels published(nullptr);
     const auto before = published.snapshot();
     published.publish(withIds({4}));
     EXPECT_TRUE(before->empty());

@@ -2,6 +2,7 @@
 /// takes its place once it is gone.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -14,8 +15,7 @@ class FarPages {
     explicit FarPages(std::size_t size) : m_size(size) {
         void* near = map(nullptr);
         munmap(near, m_size);
-        constexpr std::ptrdiff_t kFar = std::ptrdiff_t{64} << 30;
-        m_memory = map(static_cast<std::uint8_t*>(near) - kFar);
+        m_memory = map(static_cast<std::uint8_t*>(near) - nextDistance(m_size));
     }
     ~FarPages() { release(); }
     FarPages(const FarPages&) = delete;
@@ -28,6 +28,12 @@ class FarPages {
     }
 
   private:
+    /// Every block has a place of its own.
+    static std::ptrdiff_t nextDistance(std::size_t size) {
+        static std::atomic<std::ptrdiff_t> distance{std::ptrdiff_t{64} << 30};
+        constexpr std::size_t kGap = std::size_t{1} << 20;
+        return distance += static_cast<std::ptrdiff_t>((size / kGap + 2) * kGap);
+    }
     void* map(void* where) const {
         return mmap(where, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     }
