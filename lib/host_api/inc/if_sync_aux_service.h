@@ -14,7 +14,7 @@ class IfSyncAuxService : public plugin_api::IfService {
     /// channel is told before this returns, also of a frequency equal to the one before.
     ///
     /// [host threads] Calls from several threads wait for each other. The host must not call this from a
-    /// change callback: the call that caused the callback still holds the service, and waits forever.
+    /// change callback: the call behind the callback still holds the service, and both would wait forever.
     ///
     /// Throws boost::bad_rational when there is no such fraction: "bad rational: zero denominator" for
     /// (n, 0), which is an assertion too, and "bad rational: non-zero singular denominator" when the fraction
