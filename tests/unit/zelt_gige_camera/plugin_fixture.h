@@ -19,6 +19,8 @@
 #include "config_keys.h"
 #include "if_channel_messages.h"
 #include "if_daq_plugin.h"
+#include "if_service_factory.h"
+#include "if_sync_aux_service.h"
 #include "log_capture.h"
 #include "simulator.h"
 #include "zelt_gige_camera_plugin_creator.h"
@@ -81,18 +83,36 @@ inline std::vector<std::string> hostCalls() {
 
 class PluginTest : public ::testing::Test {
   protected:
-    explicit PluginTest(const char* scenario = "two-cameras") : simulator(scenario) {
+    explicit PluginTest(const char* scenario = "two-cameras", bool virtualTime = false)
+        : simulator(scenario), inVirtualTime(virtualTime) {
+        EXPECT_EQ(VmbSimUseVirtualTime(virtualTime), VmbErrorSuccess);
         // Rounds of discovery without the waiting of each.
         VmbSimForceFeature(nullptr, "GeVDiscoveryAllDuration", "1");
         zelt::IfDAQPlugin* made = nullptr;
         EXPECT_TRUE(creator.createPlugin("GIGECAMERA", pluginTypeId(), &made));
         plugin = made;
     }
-    ~PluginTest() override { destroy(); }
+    ~PluginTest() override {
+        destroy();
+        if (inVirtualTime) VmbSimUseVirtualTime(false);
+    }
 
     void destroy() {
+        if (plugin == nullptr) return;
+        if (services != nullptr) services->release();
+        services = nullptr;
         creator.destroyPlugin(pluginTypeId(), plugin);
         plugin = nullptr;
+    }
+    zelt::IfSyncAuxService& aux() {
+        if (services == nullptr) {
+            EXPECT_TRUE(plugin->createServices());
+            services = plugin->getServiceFactory();
+        }
+        plugin_api::IfService* service = nullptr;
+        EXPECT_TRUE(services->getService(
+            boost::uuids::string_generator()("{784229AE-48AB-4A05-8F83-9FB70F11827F}"), &service));
+        return static_cast<zelt::IfSyncAuxService&>(*service);
     }
     /// Everything up to the channels.
     void enumerate() {
@@ -131,9 +151,11 @@ class PluginTest : public ::testing::Test {
     }
 
     Simulator simulator;
+    const bool inVirtualTime;
     ExpectedMisuses misuses;
     zelt_gige_camera::CameraPluginCreator creator;
     zelt::IfDAQPlugin* plugin = nullptr;
+    plugin_api::IfServiceFactory* services = nullptr;
     std::shared_ptr<TestClock> clock = std::make_shared<TestClock>();
 };
 
