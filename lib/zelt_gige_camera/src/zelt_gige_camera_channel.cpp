@@ -84,6 +84,7 @@ void CameraChannel::configureOpened(CameraHandle handle, ChannelNews& news) {
     {
         const platform::MutexLock lock(m_state.mutex);
         m_device_handle = handle;
+        m_left_acquiring = false;
         forgetAbsence(m_state.values);
         updateCaches(news);
         dumpFeatures(*m_api, handle);
@@ -128,11 +129,23 @@ void CameraChannel::openAgainIfNeeded() {
 bool CameraChannel::prepareAndStartCapture() {
     if (!m_used) return true;
     openAgainIfNeeded();
+    abortWhatWasLeftRunning();
     m_owner->deliverAuxFrequency([this](const AuxFrequency& frequency) { storeAuxFrequency(frequency); });
     ChannelNews news;
     const bool configured = configure(news);
     tell(news);
     return configured && startCapture();
+}
+
+/// A camera that still acquires, since a command to it failed, takes no new configuration.
+void CameraChannel::abortWhatWasLeftRunning() {
+    if (!m_left_acquiring) return;
+    try {
+        m_api->runCommand(deviceHandle(), "AcquisitionAbort");
+        m_left_acquiring = false;
+    } catch (const CameraApiError&) {
+        // The configuration will fail on it and tell.
+    }
 }
 
 bool CameraChannel::configure(ChannelNews& news) {
@@ -249,6 +262,7 @@ void CameraChannel::startAcquisition() {
         {
             const platform::MutexLock lock(m_state.mutex);
             m_receiver.stop();
+            m_left_acquiring = m_device_handle != kNoCamera;
         }
         throw report({std::string("Cannot start acquisition of camera %1:") + error.what(),
                       "Cannot start acquisition of camera %1"});
@@ -285,7 +299,11 @@ void CameraChannel::beginAcquisition() {
 void CameraChannel::stopAcquisition() {
     const platform::MutexLock lock(m_state.mutex);
     const ClearOnExit clear(m_acquisition_started);
-    if (m_device_handle != kNoCamera && m_capture.isRunning()) m_api->acquisitionStop(m_device_handle);
+    if (m_device_handle != kNoCamera && m_capture.isRunning()) {
+        m_left_acquiring = true;
+        m_api->acquisitionStop(m_device_handle);
+        m_left_acquiring = false;
+    }
     GIGE_LOG(Debug) << "Acquisition stopped for camera " << m_identity.name;
 }
 

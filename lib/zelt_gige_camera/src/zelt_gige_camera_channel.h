@@ -97,6 +97,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void configureOpened(zelt_gige_api::CameraHandle handle, ChannelNews& news);
     void abandon(zelt_gige_api::CameraHandle handle) noexcept;
     void openAgainIfNeeded();
+    void abortWhatWasLeftRunning();
     bool configure(ChannelNews& news);
     bool applyConfiguration(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     void applyPending(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
@@ -154,6 +155,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     std::atomic<bool> m_used{true};
     std::atomic<bool> m_connected{false};
     std::atomic<bool> m_acquisition_started{false};
+    /// The camera may acquire although the host's acquisition has ended.
+    std::atomic<bool> m_left_acquiring{false};
     std::atomic<std::uint64_t> m_required_bandwidth{0};
     CameraCapture m_capture;
     ChannelMessages m_messages;
