@@ -18,4 +18,15 @@ class PerformanceCounter {
 /// The operating system's counter.
 PerformanceCounter& systemPerformanceCounter();
 
+/// The time of day, which may be set back.
+class WallClock {
+  public:
+    virtual ~WallClock() = default;
+    /// Seconds since 1970. [any thread]
+    virtual double now() noexcept = 0;
+};
+
+/// The operating system's time of day.
+WallClock& systemWallClock();
+
 }  // namespace platform

@@ -63,8 +63,9 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void retire() noexcept;
     /// [host] The host's acquisition was prepared (true) or has finished (false).
     void setAcquisitionStarted(bool started);
-    /// [host] Brings in what the camera's automatic functions have changed. Never throws.
-    void trackAutomaticValues() noexcept;
+    /// [host] Brings in what the camera's automatic functions have changed, if the camera is acquiring and was
+    /// not asked for more than a second. `now`: wall clock, seconds. Never throws.
+    void pollAutomaticValues(double now) noexcept;
     /// [host] Whether the settings can work; what is wrong is reported.
     bool checkSettings();
 
@@ -138,8 +139,9 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void exposureLimited(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     /// A limit that cannot be written becomes news, after a log line if there is a prefix for one.
     void limitAndValidate(ChannelNews& news, const char* logPrefix = "") ZELT_REQUIRES(m_state.mutex);
+    bool isPollDue(double now) ZELT_REQUIRES(m_state.mutex);
     void track(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
-    bool isFrameSizeFixed() const ZELT_REQUIRES(m_state.mutex);
+    bool isAcquiring() const ZELT_REQUIRES(m_state.mutex);
 
     // Telling the host; no lock may be held.
     zelt_gige_api::CameraHandle deviceHandle();
@@ -164,6 +166,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     GuardedState m_state;
     zelt_gige_api::CameraHandle m_device_handle ZELT_GUARDED_BY(m_state.mutex) = 0;
     FrameReceiver m_receiver ZELT_GUARDED_BY(m_state.mutex);
+    double m_last_poll ZELT_GUARDED_BY(m_state.mutex) = 0.0;  ///< wall clock, seconds
     /// Kept as the host gave it; no computation uses it, since a tick counts as a unit until the fit takes
     /// over.
     double m_clock_rate ZELT_GUARDED_BY(m_state.mutex);

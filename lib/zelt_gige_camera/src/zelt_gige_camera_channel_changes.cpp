@@ -19,6 +19,9 @@ namespace {
 
 using zelt_gige_api::CameraApiError;
 
+/// Seconds between two polls of a camera's automatic values, at least.
+constexpr double kPollInterval = 1.0;
+
 constexpr const char* kOnce = "Once";
 constexpr const char* kOff = "Off";
 
@@ -84,7 +87,7 @@ bool CameraChannel::applyNumber(Setting setting, double wanted, ChannelNews& new
 }
 
 bool CameraChannel::applyGeometry(Setting setting, double wanted, ChannelNews& news) {
-    if (isFrameSizeFixed()) return false;
+    if (isAcquiring()) return false;
     applyNumber(setting, wanted, news);
     validate(news);
     news.changed(config_keys::kValid);
@@ -111,7 +114,7 @@ bool CameraChannel::applyFrameRate(double wanted, ChannelNews& news) {
 }
 
 bool CameraChannel::applyFrameFormat(const std::string& wanted, ChannelNews& news) {
-    if (isFrameSizeFixed()) return false;
+    if (isAcquiring()) return false;
     ChannelWork at = work(news);
     changePixelFormat(at, pixelFormatFromHost(wanted));
     // Another format may have other settings.
@@ -205,16 +208,26 @@ bool CameraChannel::checkSettings() {
     return valid;
 }
 
-void CameraChannel::trackAutomaticValues() noexcept {
+void CameraChannel::pollAutomaticValues(double now) noexcept {
     try {
         change([&](ChannelNews& news) {
             const platform::MutexLock lock(m_state.mutex);
-            if (m_device_handle != 0) track(news);
+            if (isPollDue(now)) track(news);
             return true;
         });
     } catch (...) {
         // A host that fails to take the news keeps no camera from being asked again.
     }
+}
+
+bool CameraChannel::isPollDue(double now) {
+    const bool acquiring = m_used && m_connected && m_device_handle != 0 && isAcquiring();
+    if (!acquiring) return false;
+    const double elapsed = now - m_last_poll;
+    if (elapsed > 0.0 && elapsed <= kPollInterval) return false;
+    m_last_poll = now;
+    // A clock that was set back tells nothing of how long ago the last poll was.
+    return elapsed > 0.0;
 }
 
 void CameraChannel::track(ChannelNews& news) {

@@ -62,7 +62,7 @@ void CameraChannel::setAcquisitionStarted(bool started) {
     m_acquisition_started = started;
 }
 
-bool CameraChannel::isFrameSizeFixed() const {
+bool CameraChannel::isAcquiring() const {
     return m_acquisition_started || m_receiver.isRunning();
 }
 

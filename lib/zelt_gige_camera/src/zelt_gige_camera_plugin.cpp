@@ -34,8 +34,9 @@ bool lists(const std::vector<CameraInfo>& cameras, const std::string& cameraId) 
 
 }  // namespace
 
-CameraPlugin::CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api)
-    : DAQPluginBase(instanceIndex), m_api(std::move(api)), m_config(makeConfig()) {}
+CameraPlugin::CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api,
+                           platform::WallClock& wallClock)
+    : DAQPluginBase(instanceIndex), m_api(std::move(api)), m_wall_clock(wallClock), m_config(makeConfig()) {}
 
 CameraPlugin::~CameraPlugin() {
     const platform::MutexLock lock(m_mutex);

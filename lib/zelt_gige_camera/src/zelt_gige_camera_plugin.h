@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "clocks.h"
 #include "mutex.h"
 #include "zelt_gige_aux_frequency_listener.h"
 #include "zelt_gige_camera_api.h"
@@ -29,8 +30,10 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
                            public zelt_gige_api::IfDiscoveryCallback,
                            public IfAuxFrequencyListener {
   public:
-    /// `api` may be empty; then initialize fails.
-    CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api);
+    /// `api` may be empty; then initialize fails. `wallClock` paces the polls of the cameras and must outlive
+    /// this.
+    CameraPlugin(std::uint32_t instanceIndex, std::shared_ptr<zelt_gige_api::CameraApi> api,
+                 platform::WallClock& wallClock = platform::systemWallClock());
     /// Stops, closes and shuts down whatever is still running; never throws.
     ~CameraPlugin() override;
 
@@ -84,6 +87,7 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     std::shared_ptr<CameraChannel> findChannel(std::uint32_t channelId) ZELT_REQUIRES(m_mutex);
 
     const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
+    platform::WallClock& m_wall_clock;
     platform::Mutex m_mutex;
     ChannelMap m_channels ZELT_GUARDED_BY(m_mutex);
     platform::Mutex m_removed_mutex;  ///< leaf lock

@@ -152,7 +152,10 @@ bool CameraPlugin::onAcquisitionFinished() {
 
 bool CameraPlugin::processAcquisition() {
     if (!m_initialized) return false;
-    // The settings that a camera changes by itself are not offered yet, so there is nothing to poll.
+    const platform::MutexLock lock(m_mutex);
+    if (!m_acquiring) return true;
+    const double now = m_wall_clock.now();
+    for (const auto& [id, channel] : m_channels) channel->pollAutomaticValues(now);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "clocks.h"
 
 #include <chrono>
+#include <ctime>
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,15 @@ TEST(SystemPerformanceCounter, CountsOnAtItsFrequencyAndNeverBack) {
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - wallBefore;
     EXPECT_GE(wall.count(), 0.0099);
     EXPECT_EQ(counter.frequency(), frequency);
+}
+
+TEST(SystemWallClock, TellsTheSecondsSince1970) {
+    const auto seconds = [] { return static_cast<double>(std::time(nullptr)); };
+    const double before = seconds();
+    const double now = platform::systemWallClock().now();
+    // The two may round the same moment to different seconds.
+    EXPECT_GE(now, before - 1.0);
+    EXPECT_LE(now, seconds() + 2.0);
 }
 
 }  // namespace
