@@ -99,7 +99,6 @@ class OnFakeCamera : public ::testing::Test {
         }
         return "nothing was thrown";
     }
-    static void setAll(zelt_gige_camera::SettingSet& set) { set.set(); }
     bool isPending(Setting setting) const { return contains(state.pending, setting); }
 
     FakeCameraApi camera;

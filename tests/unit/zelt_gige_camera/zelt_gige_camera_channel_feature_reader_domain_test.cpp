@@ -75,7 +75,7 @@ TEST_F(DomainReader, TakesEveryRange) {
 }
 
 TEST_F(DomainReader, TakesNoValuesAndTellsNothing) {
-    setAll(state.pending);
+    state.pending.set();
     domain();
     for (const NumberRow& row : numberRows()) EXPECT_EQ((state.*row.value).value, 0.0) << row.feature;
     EXPECT_TRUE(state.pending.all());

@@ -204,7 +204,7 @@ TEST_F(FeatureReader, LeavesValuesThatTheCameraHasNotGotYet) {
     for (const AutoRow& row : autoRows()) (state.*row.value).value = "Once more";
     state.triggerModeIsAux = true;
     state.hue.presence = Presence::Unreadable;
-    setAll(state.pending);
+    state.pending.set();
     EXPECT_EQ(callsOf([&] { cache(); }).size(), kCacheCalls.size() + 1);  // with the hue
     for (const NumberRow& row : numberRows()) EXPECT_EQ((state.*row.value).value, 42.0) << row.feature;
     for (const AutoRow& row : autoRows()) EXPECT_EQ((state.*row.value).value, "Once more") << row.feature;

@@ -151,7 +151,7 @@ TEST_F(PendingValues, OfGeometryStayFromTheStepThatFails) {
 }
 
 TEST_F(PendingValues, AreWrittenInTheirOrderWithTheHueLast) {
-    setAll(state.pending);
+    state.pending.set();
     EXPECT_EQ(callsOf([&] { writePendingValues(work); }),
               chained({kExposureWrites, kGainWrites, kColourWrites, {"setFloat Hue 10", "getFloat Hue"}}));
     SettingSet left;
