@@ -143,6 +143,7 @@ void chooseFrameFormat(ChannelState& state) {
     if (contains(state.chosen, Setting::FrameFormat)) return;
     const auto& entries = state.pixelFormatEntries;
     state.pixelFormat.clear();
+    erase(state.pending, Setting::FrameFormat);
     for (const PixelFormatName& name : pixelFormatNames()) {
         if (std::find(entries.begin(), entries.end(), name.cameraEntry) == entries.end()) continue;
         state.pixelFormat = name.cameraEntry;
