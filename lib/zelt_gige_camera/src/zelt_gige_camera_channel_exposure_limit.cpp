@@ -18,7 +18,7 @@ constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
 
 double framePeriod(double frameRate) {
     const double period = static_cast<double>(kMicrosecondsPerSecond) / frameRate;
-    return std::isfinite(frameRate) && std::isfinite(period) ? period : 0.0;
+    return std::isfinite(period) ? period : 0.0;
 }
 
 double framePeriod(const Rational& frequency) {

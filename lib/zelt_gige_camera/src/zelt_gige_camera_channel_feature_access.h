@@ -6,9 +6,12 @@
 
 namespace zelt_gige_camera {
 
+/// The feature that tells which colour's ratio is meant.
+inline constexpr const char* kSelector = "BalanceRatioSelector";
+
 /// A camera that has a selector answers for the entry selected last, so that every access selects anew.
 inline void select(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera, const NumberRow& row) {
-    if (row.selector != nullptr) api.setEnumFeature(camera, "BalanceRatioSelector", row.selector);
+    if (row.selector != nullptr) api.setEnumFeature(camera, kSelector, row.selector);
 }
 
 /// Of a feature that was selected just before. Throws CameraApiError.

@@ -65,6 +65,8 @@ void Reading::number(const NumberRow& row) {
     } catch (const UnsupportedFeature&) {
         if (!row.optional) throw;
         cached.presence = presenceOf(row.feature);
+        const bool needsSelector = row.selector != nullptr && cached.presence != Presence::Absent;
+        if (needsSelector) cached.presence = presenceOf(kSelector);
     }
 }
 
@@ -281,8 +283,8 @@ void dumpFeatures(CameraApi& api, CameraHandle camera) {
         for (const zelt_gige_api::FeatureInfo& feature : api.listFeatures(camera)) {
             GIGE_LOG(Debug) << "feature: " << feature.name << " Type: " << typeText(feature.type);
         }
-    } catch (const CameraApiError& error) {
-        GIGE_LOG(Error) << "Cannot gather camera features. Error: " << error.what();
+    } catch (const CameraApiError&) {
+        GIGE_LOG(Error) << "Cannot gather camera features";
     }
 }
 

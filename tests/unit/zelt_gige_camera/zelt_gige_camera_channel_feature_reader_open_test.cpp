@@ -177,7 +177,7 @@ TEST_F(OpenedCamera, WhoseFeaturesCannotBeListedIsWorthALine) {
     dumpFeatures(camera, 7);
     ASSERT_EQ(log.lines().size(), 1u);
     EXPECT_EQ(log.lines()[0].severity, 6u);
-    EXPECT_THAT(log.lines()[0].text, ::testing::StartsWith("Cannot gather camera features"));
+    EXPECT_EQ(log.lines()[0].text, "Cannot gather camera features");
 }
 
 /// What the camera may have changed by itself since it was read.

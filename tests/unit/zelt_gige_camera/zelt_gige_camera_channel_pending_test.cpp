@@ -214,6 +214,17 @@ TEST_F(Settings, OfAMonochromeCameraHaveNoColours) {
     EXPECT_THAT(lastMessage(0), HasSubstr("The feature 'Hue' is not supported"));
 }
 
+TEST_F(Settings, OfACameraWithoutASelectorHaveNoRatios) {
+    VmbSimRemoveFeature(kColourCamera, "BalanceRatioSelector");
+    open();
+    EXPECT_EQ(lastMessage(0), "");
+    EXPECT_FALSE(channel(0)->hasKey("CAMERA/WhitebalanceRed"));
+    EXPECT_TRUE(channel(0)->hasKey("CAMERA/WhitebalanceAuto"));
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(hostCalls(), Not(Contains(HasSubstr("BalanceRatio"))));
+}
+
 TEST_F(Settings, UnreadableNowAreTriedAgain) {
     open();
     VmbSimFailCall("VmbFeatureFloatGet", "Gamma", -1, VmbErrorTimeout);
