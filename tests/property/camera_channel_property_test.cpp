@@ -16,11 +16,22 @@ rc::Gen<unsigned> anyFault() {
         {{7, rc::gen::just(0u)}, {1, rc::gen::resize(100, rc::gen::inRange(0u, 33u))}});
 }
 
+/// Any setting, and more often those that decide on the rate: trigger mode, format and frame rate.
+rc::Gen<unsigned> anySetting() {
+    return rc::gen::weightedOneOf<unsigned>(
+        {{2, rc::gen::inRange(0u, 19u)}, {1, rc::gen::inRange(16u, 19u)}});
+}
+
+/// Any value, and as often one of the first, which a camera takes.
+rc::Gen<unsigned> anyValue() {
+    return rc::gen::weightedOneOf<unsigned>({{1, rc::gen::inRange(0u, 24u)}, {1, rc::gen::inRange(0u, 3u)}});
+}
+
 rc::Gen<Command> anyCommand() {
     const auto what = rc::gen::weightedElement<int>({{12, Command::Set},
                                                      {1, Command::Action},
                                                      {1, Command::Used},
-                                                     {2, Command::Aux},
+                                                     {3, Command::Aux},
                                                      {4, Command::Prepare},
                                                      {2, Command::Start},
                                                      {2, Command::Advance},
@@ -29,12 +40,11 @@ rc::Gen<Command> anyCommand() {
                                                      {1, Command::Enumerate},
                                                      {1, Command::Cable},
                                                      {1, Command::Check}});
-    return rc::gen::resize(100,
-                           rc::gen::build<Command>(rc::gen::set(&Command::what, what),
-                                                   rc::gen::set(&Command::camera, rc::gen::inRange(0u, 2u)),
-                                                   rc::gen::set(&Command::which, rc::gen::inRange(0u, 19u)),
-                                                   rc::gen::set(&Command::value, rc::gen::inRange(0u, 24u)),
-                                                   rc::gen::set(&Command::fault, anyFault())));
+    return rc::gen::resize(
+        100, rc::gen::build<Command>(
+                 rc::gen::set(&Command::what, what), rc::gen::set(&Command::camera, rc::gen::inRange(0u, 2u)),
+                 rc::gen::set(&Command::which, anySetting()), rc::gen::set(&Command::value, anyValue()),
+                 rc::gen::set(&Command::fault, anyFault())));
 }
 
 RC_GTEST_PROP(CameraChannelProperty, AfterAnyCallsTheChannelsShowWhatTheCamerasHold, ()) {
