@@ -235,6 +235,8 @@ void CameraPlugin::onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) {
     const diagnostics::TraceScope trace(diagnostics::unilogger_zelt_plugin_gige_camera(),
                                         "CameraPlugin::onSyncOutAuxFrequencyChanged()");
     const auto channels = m_published->snapshot();
+    // All of them first: each one's validation counts the bandwidth that the others need now.
+    for (const auto& [id, channel] : *channels) channel->storeAuxFrequency(frequency);
     for (const auto& [id, channel] : *channels) channel->onSyncOutAuxFrequencyChanged(frequency);
 }
 
