@@ -47,7 +47,7 @@ class SeveralThreads : public FourCameras {
                 channels[id]->getItem(key);
                 ++told;
             });
-            messages(id).setMessageListener([this, id](const exception_manager::Exception&) {
+            camera(id).setMessageListener([this, id](const exception_manager::Exception&) {
                 channels[id]->getItem(kValid);
                 ++heard;
             });
@@ -56,7 +56,8 @@ class SeveralThreads : public FourCameras {
     void listenNoMore() {
         for (std::uint32_t id = 0; id < kCameras; ++id) {
             channels[id]->setChangeCallback({});
-            messages(id).setMessageListener({});
+            // The kept channel: one whose camera was away may have left the plug-in.
+            camera(id).setMessageListener({});
         }
     }
     /// One thread's settings for one camera; the last round leaves exposure 1001 and gain 1.
@@ -97,6 +98,10 @@ TEST_F(SeveralThreads, UseEverythingAtOnce) {
     for (std::uint32_t id = 0; id < 3; ++id) EXPECT_EQ(shown(id, kCameraGain), "1") << id;
     // A camera that was away at an enumeration has a new channel by now.
     plugin->enumerateDevices();
+    // A gain out of range that was set while the camera was closed waits for a better one, and a channel that
+    // is new has the camera's own exposure, which is too long for its rate.
+    EXPECT_TRUE(channel(3)->setItem(kCameraExposure, config_items::ScalarConfigItem(1000, "")));
+    EXPECT_TRUE(channel(3)->setItem(kCameraGain, config_items::ScalarConfigItem(1, "")));
     start();
     for (unsigned number = 0; number < kCameras; ++number) {
         EXPECT_EQ(VmbSimWaitForFrames(cameraId(number).c_str(), 1, kPatienceMs), VmbErrorSuccess) << number;
