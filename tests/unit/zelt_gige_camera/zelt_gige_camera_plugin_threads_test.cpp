@@ -98,6 +98,8 @@ TEST_F(SeveralThreads, UseEverythingAtOnce) {
     for (std::uint32_t id = 0; id < 3; ++id) EXPECT_EQ(shown(id, kCameraGain), "1") << id;
     // A camera that was away at an enumeration has a new channel by now.
     plugin->enumerateDevices();
+    // Opens the camera that was away, if it is not open again yet.
+    plugin->prepareAcquisition();
     // A gain out of range that was set while the camera was closed waits for a better one, and a channel that
     // is new has the camera's own exposure, which is too long for its rate.
     EXPECT_TRUE(channel(3)->setItem(kCameraExposure, config_items::ScalarConfigItem(1000, "")));
