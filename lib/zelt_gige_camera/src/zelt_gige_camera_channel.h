@@ -63,8 +63,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void retire() noexcept;
     /// [host] The host's acquisition was prepared (true) or has finished (false).
     void setAcquisitionStarted(bool started);
-    /// [host] Brings in what the camera's automatic functions have changed, if the camera is acquiring and was
-    /// not asked for more than a second. `now`: wall clock, seconds. Never throws.
+    /// [host] Brings in what the camera's automatic functions have changed, if the camera is acquiring and
+    /// was not asked for more than a second. `now`: wall clock, seconds. Never throws.
     void pollAutomaticValues(double now) noexcept;
     /// [host] Whether the settings can work; what is wrong is reported.
     bool checkSettings();
