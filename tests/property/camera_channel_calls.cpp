@@ -63,7 +63,7 @@ constexpr std::array<Fault, 33> kFaults{{
 }};
 
 const std::array<Frequency, 8> kFrequencies{
-    {std::nullopt, {{50, 1}}, {{10, 1}}, {{30'000, 1001}}, {{0, 1}}, {{-5, 2}}, {{100, 1}}, {{1, 3}}}};
+    {std::nullopt, {{25, 1}}, {{10, 1}}, {{30'000, 1001}}, {{0, 1}}, {{-5, 2}}, {{100, 1}}, {{1, 3}}}};
 
 const Fault& faultOf(unsigned number) {
     return kFaults[number % kFaults.size()];
@@ -245,6 +245,9 @@ void CameraChannelCalls::prepare(bool faulty) {
     }
     for (const auto& channel : m_channels) {
         channel->wasPrepared(channel->isAux() && !m_frequency, faulty);
+        const bool isThere = m_plugged[channel->id() == kCameras[0] ? 0 : 1];
+        const bool mustConnect = channel->channel->isUsed() && isThere && !faulty;
+        expect(!mustConnect || channel->isConnected(), channel->id() + " was not opened again");
     }
 }
 

@@ -158,12 +158,13 @@ void WatchedChannel::wasSet(const SettingRow& row, std::size_t index, bool accep
 
 void WatchedChannel::wasPrepared(bool noFrequency, bool faulty) {
     if (!channel->isUsed()) return;
-    const bool failed = hasFailed();
-    captureFailed =
-        std::any_of(messages.begin(), messages.end(),
-                    [](const std::string& text) { return text.rfind("Cannot start camera", 0) == 0; }) ||
-        (captureFailed && (failed || noFrequency));
-    if (faulty || failed) return trustNothing();
+    const auto isStart = [](const std::string& text) { return text.rfind("Cannot start camera", 0) == 0; };
+    const bool startFailed = std::any_of(messages.begin(), messages.end(), isStart);
+    std::erase_if(messages, isStart);
+    const bool notConfigured = hasFailed();
+    captureFailed = startFailed || (captureFailed && (notConfigured || noFrequency));
+    // What failed at the start was no earlier call.
+    if ((faulty && !startFailed) || notConfigured) return trustNothing();
     uncertain.clear();
     if (noFrequency) uncertain = {kCameraFrameSetting, kCameraTriggerMode};
     validationUnsure = false;
