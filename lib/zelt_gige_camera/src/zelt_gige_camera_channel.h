@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "clocks.h"
@@ -75,8 +76,17 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     /// never throws.
     void onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) noexcept;
 
-    /// [host] The sink is not owned; null for none. After this returned, the old one is not called again.
-    void setSink(zelt::IfChannelSink* sink);
+    /// Gives the camera its frame counters, or says in the log that it cannot have any. To be called before
+    /// the channel is shared, at most once.
+    void createFrameCounters();
+    /// The counters, none for a camera without. [any thread] They do not change while the channel is shared.
+    std::span<const SubChannel> getSubChannels() const;
+
+    /// [host] The receiver of this channel's samples, or of its counter's with that id; of no other. The sink
+    /// is not owned; null for none. After this returned, the old one is not called again.
+    void setSink(std::uint32_t channelId, zelt::IfChannelSink* sink);
+    /// [host] Drops the sinks of this channel and of its counters, likewise.
+    void clearSinks();
     /// [host] The host's time base, empty for none.
     void setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock);
     /// [discovery] The camera is gone. Takes neither the plug-in's nor the channel's mutex.
@@ -160,6 +170,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     /// The camera may acquire although the host's acquisition has ended.
     std::atomic<bool> m_left_acquiring{false};
     std::atomic<std::uint64_t> m_required_bandwidth{0};
+    std::shared_ptr<FrameCounters> m_frame_counters;  ///< set before the channel is shared
     CameraCapture m_capture;
     ChannelMessages m_messages;
 
