@@ -135,7 +135,6 @@ void WatchedChannel::begin() {
     messages.clear();
     m_own.clear();
     m_before.clear();
-    rateBefore = number(kCameraFrameSetting);
     for (const SettingRow& row : settingRows()) {
         if (channel->hasKey(row.key)) m_before[row.key] = shown(row.key);
     }
@@ -207,8 +206,7 @@ std::string WatchedChannel::difference(const Frequency& frequency, bool silentRa
     }
     if (validationUnsure) return {};
     const bool valid = shown(kValid) == "1";
-    std::erase_if(expectedCodes, [&](int code) { return (code == 0 && !captureFailed) != valid; });
-    if (expectedCodes.empty()) return id() + ": \"Valid\" is " + shown(kValid);
+    if ((expectedCode == 0 && !captureFailed) != valid) return id() + ": \"Valid\" is " + shown(kValid);
     return {};
 }
 

@@ -144,6 +144,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     int validate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     /// Where nothing else says that "Valid" may have changed.
     void revalidate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    /// After a failure: a part of the change may have been made.
+    void checkWhatWasDone(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     /// True when the exposure changed, which was validated then.
     bool limitExposure(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     void exposureLimited(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
