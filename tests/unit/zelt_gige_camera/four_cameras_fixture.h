@@ -119,6 +119,7 @@ class FourCameras : public PluginTest {
         destroy();
         api->startup();
         plugin = new zelt_gige_camera::CameraPlugin(0, api);
+        wantFrameCounters(true);
         enumerate();
         for (std::uint32_t id = 0; id < kCameras; ++id) {
             channels.push_back(channel(id));
