@@ -72,6 +72,13 @@ class LongRun : public PluginTest {
         aux().setSyncOutAuxFrequency(hertz, 1);
         set("CAMERA/TriggerMode", std::string("GIGE/TriggerModeAux"));
     }
+    /// The camera's clock becomes this one before the first frame, but behind the reset of its counter.
+    void startWith(const VmbSimOscillator& oscillator) {
+        ASSERT_TRUE(plugin->prepareAcquisition());
+        ASSERT_EQ(VmbSimSetOscillator(kMonochromeCamera, &oscillator), VmbErrorSuccess);
+        ASSERT_TRUE(plugin->onAcquisitionPrepared());
+        ASSERT_TRUE(plugin->startAcquisition());
+    }
     static void advance(std::uint64_t ns) { ASSERT_EQ(VmbSimAdvance(ns), VmbErrorSuccess); }
     static void advanceTo(std::uint64_t time) {
         ASSERT_GE(time, VmbSimTime());
