@@ -4,8 +4,9 @@
 // number and the camera's clock. So there are pulses that it cannot know; how often they came in the whole
 // day stands in brackets:
 //
-// - Pulses before the first frame that produced none (nothing tells how long the line had been silent), and
-//   a silence so long that the camera's clock is off by half a pulse. Both are shown in edges_of_a_run_test.
+// - Pulses before the first frame that produced none (nothing tells how long the line had been silent), a
+//   silence so long that the camera's clock is off by half a pulse, and where counting begins when the
+//   camera's start event gets lost. edges_of_a_run_test shows them.
 // - A frame of a doubled pulse that is lost, or damaged, on its way: its missing number looks like a pulse
 //   whose frame was lost (2939). From then on every index is one too high. It happens in the second half of
 //   the day only, so that in the first the index must be the pulse itself; in the second, the distance from
