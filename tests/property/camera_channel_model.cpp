@@ -135,7 +135,6 @@ void WatchedChannel::begin() {
     messages.clear();
     m_own.clear();
     m_before.clear();
-    rateBefore = number(kCameraFrameSetting);
     for (const SettingRow& row : settingRows()) {
         if (channel->hasKey(row.key)) m_before[row.key] = shown(row.key);
     }
@@ -158,12 +157,13 @@ void WatchedChannel::wasSet(const SettingRow& row, std::size_t index, bool accep
 
 void WatchedChannel::wasPrepared(bool noFrequency, bool faulty) {
     if (!channel->isUsed()) return;
-    const bool failed = hasFailed();
-    captureFailed =
-        std::any_of(messages.begin(), messages.end(),
-                    [](const std::string& text) { return text.rfind("Cannot start camera", 0) == 0; }) ||
-        (captureFailed && (failed || noFrequency));
-    if (faulty || failed) return trustNothing();
+    const auto isStart = [](const std::string& text) { return text.rfind("Cannot start camera", 0) == 0; };
+    const bool startFailed = std::any_of(messages.begin(), messages.end(), isStart);
+    std::erase_if(messages, isStart);
+    const bool notConfigured = hasFailed();
+    captureFailed = startFailed || (captureFailed && (notConfigured || noFrequency));
+    // What failed at the start was no earlier call.
+    if ((faulty && !startFailed) || notConfigured) return trustNothing();
     uncertain.clear();
     if (noFrequency) uncertain = {kCameraFrameSetting, kCameraTriggerMode};
     validationUnsure = false;
@@ -206,8 +206,7 @@ std::string WatchedChannel::difference(const Frequency& frequency, bool silentRa
     }
     if (validationUnsure) return {};
     const bool valid = shown(kValid) == "1";
-    std::erase_if(expectedCodes, [&](int code) { return (code == 0 && !captureFailed) != valid; });
-    if (expectedCodes.empty()) return id() + ": \"Valid\" is " + shown(kValid);
+    if ((expectedCode == 0 && !captureFailed) != valid) return id() + ": \"Valid\" is " + shown(kValid);
     return {};
 }
 

@@ -81,8 +81,7 @@ class WatchedChannel {
     /// after a failure.
     std::set<std::string> uncertain;
     std::map<std::string, std::string> wanted;  ///< chosen by the host, and possible
-    double rateBefore = 0;                      ///< shown when the command began
-    std::vector<int> expectedCodes{0};          ///< of the last validation
+    int expectedCode = 0;                       ///< of the last validation
     bool captureFailed = false;
     bool validationUnsure = false;  ///< the channel may know less of the camera than the model
 

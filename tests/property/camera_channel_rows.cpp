@@ -49,7 +49,8 @@ std::vector<SettingRow> makeRows() {
         {Kind::Whole, kFrameWidth, "Width", pixel, 0, sizes},
         {Kind::Whole, kFrameHeight, "Height", pixel, 0, sizes},
         {Kind::Real, kCameraExposure, "ExposureTimeAbs", "", 2,
-         numbers("", {1000, 2000, 40'000, 200'000, 123.456, 0, -1, 1e9, kNan, kInf}), kCameraExposureAuto},
+         numbers("", {1000, 2000, 40'000, 39'970, 200'000, 123.456, 0, -1, 1e9, kNan, kInf}),
+         kCameraExposureAuto},
         {Kind::Automatic, kCameraExposureAuto, "ExposureAuto", "", 2, autos},
         {Kind::Real, kCameraGain, "Gain", "", 3, numbers("", {0, 3, 6, 6.04, -1, 99, kNan}), kCameraGainAuto},
         {Kind::Whole, kCameraGainAutoAdjustTol, "GainAutoAdjustTol", "", 2,
@@ -68,7 +69,7 @@ std::vector<SettingRow> makeRows() {
          texts({kAux, "GIGE/TriggerModeFixed", "GIGE/TriggerMode"})},
         {Kind::Format, kFrameFormat, "PixelFormat", "", 1, texts({"Y800", "Y422", "RGB", "y800", "I420"})},
         {Kind::Rate, kCameraFrameSetting, "AcquisitionFrameRateAbs", "fps", 2,
-         numbers("fps", {4, 2, 10, 40, 33.3, 90, 1e6, 0, -5, 0.001, kNan})},
+         numbers("fps", {4, 2, 25, 10, 33.3, 90, 1e6, 0, -5, 0.001, kNan})},
     };
 }
 

@@ -1,6 +1,7 @@
 // The lifecycle of a channel: open, prepare, start, stop, close.
 #include "zelt_gige_camera_channel.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "assertion.h"
@@ -23,10 +24,14 @@ using zelt_gige_api::CameraHandle;
 
 constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel";
 constexpr CameraHandle kNoCamera = 0;
-constexpr const char* kCannotConfigure = "Cannot configure the camera. Error: ";
 
-ChannelMessage cannotConfigure(const std::string& logPrefix, const CameraApiError& error) {
-    return {logPrefix + error.what(), "Cannot configure camera '%1': %2", error.what()};
+/// The host's values that could not be written, since their features could not be read.
+bool hasUnreadablePending(const ChannelState& state) {
+    const auto waits = [&state](const auto& row) {
+        return contains(state.pending, row.setting) && (state.*row.value).presence == Presence::Unreadable;
+    };
+    return std::any_of(numberRows().begin(), numberRows().end(), waits) ||
+           std::any_of(autoRows().begin(), autoRows().end(), waits);
 }
 
 /// A camera that is opened again may have other features than before.
@@ -59,7 +64,8 @@ void CameraChannel::open() {
         configureOpened(handle, news);
     } catch (const CameraApiError& error) {
         abandon(handle);
-        throw report(cannotConfigure(kCannotConfigure, error));
+        tell(news);
+        throw report(notConfigured(kCannotConfigure, error));
     } catch (...) {
         abandon(handle);
         throw;
@@ -153,7 +159,8 @@ bool CameraChannel::configure(ChannelNews& news) {
     try {
         return applyConfiguration(news);
     } catch (const CameraApiError& error) {
-        news.add(cannotConfigure(kCannotConfigure, error));
+        checkWhatWasDone(news);
+        news.add(notConfigured(kCannotConfigure, error));
         return false;
     }
 }
@@ -176,8 +183,12 @@ bool CameraChannel::applyConfiguration(ChannelNews& news) {
     ChannelWork at = work(news);
     if (writeExposureAndGain(at)) exposureLimited(news);
     writeColours(at);
-    m_state.values.configurationPending = false;
+    // What could not be read in time to be written with the rest.
+    writePendingValues(at);
+    m_state.values.configurationPending = hasUnreadablePending(m_state.values);
     track(news);
+    // By now the camera has made its own of the rate and the exposure.
+    revalidate(news);
     return true;
 }
 
@@ -212,9 +223,9 @@ bool CameraChannel::programTrigger(ChannelNews& news) {
             news.changed(config_keys::kSampleRate);
         }
     } catch (const CameraApiError& error) {
-        news.add(cannotConfigure(isAux ? "Cannot configure AUX triggered mode. Error: "
-                                       : "Cannot configure fixed framerate mode. Error: ",
-                                 error));
+        news.add(notConfigured(isAux ? "Cannot configure AUX triggered mode. Error: "
+                                     : "Cannot configure fixed framerate mode. Error: ",
+                               error));
         return false;
     }
     erase(state.pending, Setting::TriggerMode);
@@ -257,12 +268,13 @@ void CameraChannel::startAcquisition() {
         requirePrepared();
         GIGE_LOG(Detail) << "Camera " << m_identity.name << " starting acquisition...";
         beginAcquisition();
+        m_left_acquiring = true;
         m_api->acquisitionStart(deviceHandle());
+        m_left_acquiring = false;
     } catch (const CameraApiError& error) {
         {
             const platform::MutexLock lock(m_state.mutex);
             m_receiver.stop();
-            m_left_acquiring = m_device_handle != kNoCamera;
         }
         throw report({std::string("Cannot start acquisition of camera %1:") + error.what(),
                       "Cannot start acquisition of camera %1"});

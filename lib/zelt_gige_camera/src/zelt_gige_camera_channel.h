@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "clocks.h"
@@ -63,8 +64,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     void retire() noexcept;
     /// [host] The host's acquisition was prepared (true) or has finished (false).
     void setAcquisitionStarted(bool started);
-    /// [host] Brings in what the camera's automatic functions have changed, if the camera is acquiring and was
-    /// not asked for more than a second. `now`: wall clock, seconds. Never throws.
+    /// [host] Brings in what the camera's automatic functions have changed, if the camera is acquiring and
+    /// was not asked for more than a second. `now`: wall clock, seconds. Never throws.
     void pollAutomaticValues(double now) noexcept;
     /// [host] Whether the settings can work; what is wrong is reported.
     bool checkSettings();
@@ -75,8 +76,17 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     /// never throws.
     void onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) noexcept;
 
-    /// [host] The sink is not owned; null for none. After this returned, the old one is not called again.
-    void setSink(zelt::IfChannelSink* sink);
+    /// Gives the camera its frame counters, or says in the log that it cannot have any. To be called before
+    /// the channel is shared, at most once.
+    void createFrameCounters();
+    /// The counters, none for a camera without. [any thread] They do not change while the channel is shared.
+    std::span<const SubChannel> getSubChannels() const;
+
+    /// [host] The receiver of this channel's samples, or of its counter's with that id; of no other. The sink
+    /// is not owned; null for none. After this returned, the old one is not called again.
+    void setSink(std::uint32_t channelId, zelt::IfChannelSink* sink);
+    /// [host] Drops the sinks of this channel and of its counters, likewise.
+    void clearSinks();
     /// [host] The host's time base, empty for none.
     void setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock);
     /// [discovery] The camera is gone. Takes neither the plug-in's nor the channel's mutex.
@@ -134,6 +144,8 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     int validate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     /// Where nothing else says that "Valid" may have changed.
     void revalidate(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
+    /// After a failure: a part of the change may have been made.
+    void checkWhatWasDone(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     /// True when the exposure changed, which was validated then.
     bool limitExposure(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
     void exposureLimited(ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
@@ -160,6 +172,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     /// The camera may acquire although the host's acquisition has ended.
     std::atomic<bool> m_left_acquiring{false};
     std::atomic<std::uint64_t> m_required_bandwidth{0};
+    std::shared_ptr<FrameCounters> m_frame_counters;  ///< set before the channel is shared
     CameraCapture m_capture;
     ChannelMessages m_messages;
 

@@ -19,8 +19,8 @@ void CameraCapture::claim(zelt_gige_api::CameraHandle camera, const std::functio
     try {
         m_api.runCommand(camera, "AcquisitionAbort");
     } catch (const zelt_gige_api::CameraApiError&) {
-        m_api.endCapture(camera);
         m_running = false;
+        m_api.endCapture(camera);
         throw;
     }
     m_api.endCapture(camera);

@@ -25,10 +25,6 @@ constexpr double kPollInterval = 1.0;
 constexpr const char* kOnce = "Once";
 constexpr const char* kOff = "Off";
 
-ChannelMessage notConfigured(std::string logLine, const std::exception& error) {
-    return {std::move(logLine), "Cannot configure camera '%1': %2", error.what()};
-}
-
 }  // namespace
 
 bool CameraChannel::change(const std::function<bool(ChannelNews&)>& what) {
@@ -37,6 +33,10 @@ bool CameraChannel::change(const std::function<bool(ChannelNews&)>& what) {
     try {
         accepted = what(news);
     } catch (const std::exception& error) {
+        {
+            const platform::MutexLock lock(m_state.mutex);
+            checkWhatWasDone(news);
+        }
         news.add(notConfigured({}, error));
     }
     tell(news);
@@ -187,7 +187,7 @@ void CameraChannel::onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) 
         ChannelNews news;
         {
             const platform::MutexLock lock(m_state.mutex);
-            limitAndValidate(news, "Cannot configure the camera. Error: ");
+            limitAndValidate(news, kCannotConfigure);
         }
         news.changed(config_keys::kSampleRate);
         news.changed(config_keys::kValid);
@@ -240,6 +240,10 @@ void CameraChannel::revalidate(ChannelNews& news) {
     if (validate(news) != before) news.changed(config_keys::kValid);
 }
 
+void CameraChannel::checkWhatWasDone(ChannelNews& news) {
+    if (!news.keys().empty()) revalidate(news);
+}
+
 bool CameraChannel::limitExposure(ChannelNews& news) {
     if (m_device_handle == 0) return false;
     ChannelWork at = work(news);
@@ -259,8 +263,7 @@ void CameraChannel::limitAndValidate(ChannelNews& news, const char* logPrefix) {
     try {
         validated = limitExposure(news);
     } catch (const CameraApiError& error) {
-        const std::string prefix = logPrefix;
-        news.add(notConfigured(prefix.empty() ? prefix : prefix + error.what(), error));
+        news.add(notConfigured(logPrefix, error));
     }
     if (!validated) validate(news);
 }

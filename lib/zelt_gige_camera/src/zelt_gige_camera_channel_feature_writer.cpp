@@ -112,6 +112,7 @@ void changeNumber(ChannelWork& work, Setting setting, double wanted) {
     cached.value = heldBy(row, wanted);
     if (work.camera == 0) {
         insert(work.state.pending, setting);
+        if (cached.value != wanted) work.news.changed(row.key);
         return;
     }
     try {
@@ -121,6 +122,7 @@ void changeNumber(ChannelWork& work, Setting setting, double wanted) {
         throw;
     }
     readBack(work, row);
+    if (cached.value != wanted) work.news.changed(row.key);
 }
 
 void changeAutomatic(ChannelWork& work, Setting setting, const std::string& entry) {
@@ -198,6 +200,7 @@ bool writeExposureLimit(ChannelWork& work) {
         const NumberRow& row = numberRow(Setting::Exposure);
         setNumber(work.api, work.camera, row, maximum);
         state.exposure.value = maximum;
+        work.news.changed(row.key);
         readBack(work, row);
     }
     const NumberRow& row = numberRow(Setting::ExposureAutoMax);

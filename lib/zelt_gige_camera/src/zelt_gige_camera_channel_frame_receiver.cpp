@@ -1,7 +1,5 @@
 #include "zelt_gige_camera_channel_frame_receiver.h"
 
-#include <utility>
-
 #include "assertion.h"
 #include "zelt_gige_log.h"
 
@@ -20,6 +18,7 @@ void FrameReceiver::begin(std::unique_ptr<ClockSyncBase> generator) {
     m_timestamp_generator = std::move(generator);
     m_previous_timestamp = kNoTimestamp;
     m_running = true;
+    if (m_counters != nullptr) m_counters->restart();
 }
 
 void FrameReceiver::reset() {
@@ -48,6 +47,9 @@ void FrameReceiver::receive(const zelt_gige_api::CameraFrame& frame, std::int64_
         return;
     }
     if (m_sink != nullptr) m_sink->addSample(time, frame.buffer, frame.imageSize);
+    if (m_counters != nullptr) {
+        m_counters->count(time, frame.frameid - m_timestamp_generator->getStartFrameId());
+    }
     m_previous_timestamp = time;
 }
 

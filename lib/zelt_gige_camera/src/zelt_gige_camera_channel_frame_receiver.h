@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "clocks.h"
 #include "if_channel_sink.h"
 #include "if_master_clock.h"
+#include "zelt_gige_camera_channel_frame_counters.h"
 #include "zelt_gige_clock_sync_base.h"
 
 namespace zelt_gige_camera {
@@ -19,6 +21,8 @@ class FrameReceiver {
     explicit FrameReceiver(platform::PerformanceCounter& counter) : m_counter(counter) {}
 
     void setSink(zelt::IfChannelSink* sink) { m_sink = sink; }
+    /// Counts frames from now on; empty for none.
+    void setCounters(std::shared_ptr<FrameCounters> counters) { m_counters = std::move(counters); }
     void setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock) { m_master_clock = std::move(clock); }
     bool hasMasterClock() const { return m_master_clock != nullptr; }
 
@@ -44,6 +48,7 @@ class FrameReceiver {
     platform::PerformanceCounter& m_counter;
     std::shared_ptr<zelt::IfMasterClock> m_master_clock;
     zelt::IfChannelSink* m_sink = nullptr;
+    std::shared_ptr<FrameCounters> m_counters;
     std::unique_ptr<ClockSyncBase> m_timestamp_generator;
     std::int64_t m_previous_timestamp = kNoTimestamp;
     bool m_running = false;

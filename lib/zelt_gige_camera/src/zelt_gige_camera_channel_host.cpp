@@ -66,9 +66,32 @@ bool CameraChannel::isAcquiring() const {
     return m_acquisition_started || m_receiver.isRunning();
 }
 
-void CameraChannel::setSink(zelt::IfChannelSink* sink) {
+void CameraChannel::createFrameCounters() {
+    if (!FrameCounters::isPossible(m_identity.id.second)) {
+        GIGE_LOG(Warning) << "Camera " << m_identity.name << " gets no frame counters: its channel id "
+                          << m_identity.id.second << " does not fit 16 bits";
+        return;
+    }
+    m_frame_counters = std::make_shared<FrameCounters>(m_identity, m_used);
     const platform::MutexLock lock(m_state.mutex);
-    m_receiver.setSink(sink);
+    m_receiver.setCounters(m_frame_counters);
+}
+
+std::span<const SubChannel> CameraChannel::getSubChannels() const {
+    if (m_frame_counters == nullptr) return {};
+    return m_frame_counters->subChannels();
+}
+
+void CameraChannel::setSink(std::uint32_t channelId, zelt::IfChannelSink* sink) {
+    const platform::MutexLock lock(m_state.mutex);
+    if (channelId == m_identity.id.second) m_receiver.setSink(sink);
+    if (m_frame_counters != nullptr) m_frame_counters->setSink(channelId, sink);
+}
+
+void CameraChannel::clearSinks() {
+    const platform::MutexLock lock(m_state.mutex);
+    m_receiver.setSink(nullptr);
+    if (m_frame_counters != nullptr) m_frame_counters->clearSinks();
 }
 
 void CameraChannel::setMasterClock(std::shared_ptr<zelt::IfMasterClock> clock) {

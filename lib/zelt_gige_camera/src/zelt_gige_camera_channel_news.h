@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <exception>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,13 +19,26 @@ struct ChannelMessage {
     bool named = true;        ///< the message is about this camera and carries its name
 };
 
+inline constexpr const char* kCannotConfigure = "Cannot configure the camera. Error: ";
+
+/// The camera, or the value, is the reason why the settings are not the camera's. Ahead of the message goes
+/// a log line of `logPrefix` and the reason, without a prefix none.
+inline ChannelMessage notConfigured(const std::string& logPrefix, const std::exception& error) {
+    return {logPrefix.empty() ? logPrefix : logPrefix + error.what(), "Cannot configure camera '%1': %2",
+            error.what()};
+}
+
 class ChannelNews {
   public:
     /// A setting changed; told once, however often it is said.
     void changed(const std::string& key) {
         if (std::find(m_keys.begin(), m_keys.end(), key) == m_keys.end()) m_keys.push_back(key);
     }
-    void add(ChannelMessage message) { m_messages.push_back(std::move(message)); }
+    /// A failure of the camera.
+    void add(ChannelMessage message) {
+        m_messages.push_back(std::move(message));
+        m_failed = true;
+    }
     /// The outcome of a validation; the same outcome again is no news.
     void add(const Verdict& verdict) {
         const bool known = m_validated && m_last_verdict.code == verdict.code &&
@@ -32,14 +46,11 @@ class ChannelNews {
         m_last_verdict = verdict;
         m_validated = true;
         if (verdict.code == kValid || known) return;
-        add(ChannelMessage{{}, verdict.message, {}, /*named=*/false});
+        m_messages.push_back({{}, verdict.message, {}, /*named=*/false});
     }
 
     /// Whether the camera failed in something, unlike a validation that did.
-    bool hasFailure() const {
-        return std::any_of(m_messages.begin(), m_messages.end(),
-                           [](const ChannelMessage& message) { return message.named; });
-    }
+    bool hasFailure() const { return m_failed; }
 
     const std::vector<std::string>& keys() const { return m_keys; }
     const std::vector<ChannelMessage>& messages() const { return m_messages; }
@@ -49,6 +60,7 @@ class ChannelNews {
     std::vector<ChannelMessage> m_messages;
     Verdict m_last_verdict;
     bool m_validated = false;
+    bool m_failed = false;
 };
 
 }  // namespace zelt_gige_camera

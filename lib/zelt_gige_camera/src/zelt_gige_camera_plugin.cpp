@@ -151,8 +151,7 @@ void CameraPlugin::enumerateDevices() {
     // Before any removal: an id is reused only when it was the largest at the enumeration before.
     const std::uint32_t nextId = nextChannelId(m_channels);
     removeVanished(cameras);
-    warnOfFrameCounters();
-    addNew(cameras, nextId);
+    addNew(cameras, nextId, wantsFrameCounters());
 }
 
 void CameraPlugin::removeVanished(const std::vector<CameraInfo>& cameras) {
@@ -170,15 +169,14 @@ void CameraPlugin::removeVanished(const std::vector<CameraInfo>& cameras) {
     for (const auto& channel : vanished) channel->retire();
 }
 
-void CameraPlugin::warnOfFrameCounters() {
-    if (!m_config->hasItem(config_keys::kFrameCounterChannels)) return;
+bool CameraPlugin::wantsFrameCounters() {
+    if (!m_config->hasItem(config_keys::kFrameCounterChannels)) return false;
     const auto item = m_config->getItem(config_keys::kFrameCounterChannels);
-    if (boost::get<config_items::SingleValueConfigItem<bool>>(item).m_value) {
-        GIGE_LOG(Warning) << "This version offers no frame counter channels";
-    }
+    return boost::get<config_items::SingleValueConfigItem<bool>>(item).m_value;
 }
 
-void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t nextId) {
+void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t nextId,
+                          bool withFrameCounters) {
     for (const CameraInfo& camera : cameras) {
         const bool known = std::any_of(m_channels.begin(), m_channels.end(), [&](const auto& entry) {
             return entry.second->getCameraId() == camera.cameraId;
@@ -187,6 +185,7 @@ void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t 
         const std::uint32_t id = freeChannelId(m_channels, nextId);
         auto channel = std::make_shared<CameraChannel>(channel_config::ChannelID{getInstanceIndex(), id},
                                                        camera, m_published, m_api, m_host_value);
+        if (withFrameCounters) channel->createFrameCounters();
         channel->setMasterClock(m_master_clock);
         m_channels.emplace(id, channel);
         publish();

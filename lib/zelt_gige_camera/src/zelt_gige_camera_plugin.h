@@ -77,14 +77,15 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
   private:
     void publish() ZELT_REQUIRES(m_mutex);
     void removeVanished(const std::vector<zelt_gige_api::CameraInfo>& cameras) ZELT_REQUIRES(m_mutex);
-    void addNew(const std::vector<zelt_gige_api::CameraInfo>& cameras, std::uint32_t nextId)
-        ZELT_REQUIRES(m_mutex);
-    void warnOfFrameCounters();
+    void addNew(const std::vector<zelt_gige_api::CameraInfo>& cameras, std::uint32_t nextId,
+                bool withFrameCounters) ZELT_REQUIRES(m_mutex);
+    bool wantsFrameCounters();
     std::exception_ptr stopChannels() ZELT_REQUIRES(m_mutex);
     void undoStart(const std::vector<std::shared_ptr<CameraChannel>>& started) ZELT_REQUIRES(m_mutex);
     void retireChannels() noexcept ZELT_REQUIRES(m_mutex);
     bool wasRemoved(const std::string& cameraId);
-    std::shared_ptr<CameraChannel> findChannel(std::uint32_t channelId) ZELT_REQUIRES(m_mutex);
+    std::shared_ptr<channel_config::IfChannelConfig> findChannel(std::uint32_t channelId)
+        ZELT_REQUIRES(m_mutex);
 
     const std::shared_ptr<zelt_gige_api::CameraApi> m_api;
     platform::WallClock& m_wall_clock;

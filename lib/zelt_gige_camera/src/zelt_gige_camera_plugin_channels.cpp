@@ -26,27 +26,33 @@ std::exception_ptr visitAll(const ChannelMap& channels, Visit&& visit) {
 
 }  // namespace
 
-std::shared_ptr<CameraChannel> CameraPlugin::findChannel(std::uint32_t channelId) {
-    const auto entry = m_channels.find(channelId);
-    return entry != m_channels.end() ? entry->second : nullptr;
+std::shared_ptr<channel_config::IfChannelConfig> CameraPlugin::findChannel(std::uint32_t channelId) {
+    for (const auto& [id, channel] : m_channels) {
+        if (id == channelId) return channel;
+        for (const SubChannel& sub : channel->getSubChannels()) {
+            if (sub.id == channelId) return sub.channel;
+        }
+    }
+    return nullptr;
 }
 
 void CameraPlugin::setChannelSink(std::uint32_t channelId, zelt::IfChannelSink* sink) {
     const platform::MutexLock lock(m_mutex);
-    for (const auto& [id, channel] : m_channels) {
-        if (id == channelId) channel->setSink(sink);
-    }
+    for (const auto& [id, channel] : m_channels) channel->setSink(channelId, sink);
 }
 
 void CameraPlugin::clearChannelSinks() {
     const platform::MutexLock lock(m_mutex);
-    for (const auto& [id, channel] : m_channels) channel->setSink(nullptr);
+    for (const auto& [id, channel] : m_channels) channel->clearSinks();
 }
 
 std::set<std::uint32_t> CameraPlugin::getChannelIds() {
     const platform::MutexLock lock(m_mutex);
     std::set<std::uint32_t> ids;
-    for (const auto& [id, channel] : m_channels) ids.insert(id);
+    for (const auto& [id, channel] : m_channels) {
+        ids.insert(id);
+        for (const SubChannel& sub : channel->getSubChannels()) ids.insert(sub.id);
+    }
     return ids;
 }
 
@@ -54,6 +60,9 @@ std::uint32_t CameraPlugin::findChannelId(const std::string& key) {
     const auto channels = m_published->snapshot();
     for (const auto& [id, channel] : *channels) {
         if (channel->getCameraId() == key) return id;
+        for (const SubChannel& sub : channel->getSubChannels()) {
+            if (sub.key == key) return sub.id;
+        }
     }
     return kNoChannel;
 }
@@ -176,9 +185,12 @@ bool CameraPlugin::checkChannelSettings(const std::vector<std::uint32_t>& channe
     const platform::MutexLock lock(m_mutex);
     bool valid = true;
     for (const std::uint32_t id : channelIds) {
-        const auto channel = findChannel(id);
+        const auto camera = m_channels.find(id);
+        // A counter has no setting that could be wrong.
+        const bool isRight =
+            camera != m_channels.end() ? camera->second->checkSettings() : findChannel(id) != nullptr;
         // Not short-circuited: every channel tells what is wrong with it.
-        valid = channel != nullptr && channel->checkSettings() && valid;
+        valid = isRight && valid;
     }
     return valid;
 }

@@ -26,7 +26,8 @@ std::shared_ptr<const ChannelMap> PublishedChannels::snapshot() const {
 
 std::uint64_t PublishedChannels::getTotalRequiredBandwidth() const {
     std::uint64_t total = 0;
-    for (const auto& [id, channel] : *snapshot()) total += channel->getRequiredBandwidth();
+    const auto channels = snapshot();
+    for (const auto& [id, channel] : *channels) total += channel->getRequiredBandwidth();
     return total;
 }
 

@@ -35,7 +35,7 @@ struct FakeFeature {
 /// "BalanceRatioAbs" is two features, told apart by the current entry of "BalanceRatioSelector": it is named
 /// with that entry in brackets, in the table and in the calls. A feature that is not in the table is one that
 /// the camera does not have.
-class FakeCameraApi final : public zelt_gige_api::CameraApi {
+class FakeCameraApi : public zelt_gige_api::CameraApi {
   public:
     using Handle = zelt_gige_api::CameraHandle;
     using Type = zelt_gige_api::FeatureType;

@@ -114,6 +114,11 @@ class PluginTest : public ::testing::Test {
             boost::uuids::string_generator()("{784229AE-48AB-4A05-8F83-9FB70F11827F}"), &service));
         return static_cast<zelt::IfSyncAuxService&>(*service);
     }
+    /// From the next enumeration on.
+    void wantFrameCounters(bool wanted) {
+        plugin->getPluginConfig()->setItem(config_keys::kFrameCounterChannels,
+                                           config_items::SingleValueConfigItem<bool>(wanted));
+    }
     /// Everything up to the channels.
     void enumerate() {
         plugin->setSharedAcquisitionObject(clock);

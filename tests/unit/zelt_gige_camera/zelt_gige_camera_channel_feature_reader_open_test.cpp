@@ -139,7 +139,7 @@ TEST_F(OpenedCamera, WithoutAKnownFormatIsAProgrammingErrorAndHasNone) {
     configuration();
     list({"Mono12", "BayerRG8"});
     configuration();
-    EXPECT_EQ(assertions.expressions().size(), 1u);
+    EXPECT_THAT(assertions.expressions(), ElementsAre("frame_format_found"));
     EXPECT_EQ(state.pixelFormat, "");
     EXPECT_EQ(state.payload(), 0u);
     EXPECT_FALSE(isPending(Setting::FrameFormat));

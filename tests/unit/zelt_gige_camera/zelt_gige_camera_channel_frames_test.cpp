@@ -4,15 +4,15 @@
 #include <thread>
 
 #include "allocation_counter.h"
-#include "plugin_fixture.h"
+#include "frames_by_hand_fixture.h"
 #include "zelt_gige_vmb_call.h"
 
 namespace {
 
 using test_support::AllocationCounter;
 using test_support::AssertionCapture;
+using test_support::FramesByHand;
 using test_support::kColourCamera;
-using test_support::kMonochromeCamera;
 using test_support::kPatienceMs;
 using test_support::LogCapture;
 using test_support::PluginTest;
@@ -84,48 +84,6 @@ TEST_F(PluginTest, LogsTheAcquisitionEvents) {
     EXPECT_EQ(started[0].rfind("Camera " + kName + " received onAcquisitionStarted at ", 0), 0u);
     EXPECT_EQ(started[0].substr(started[0].size() - 14), " with frame #1");
 }
-
-/// One camera whose frames the test delivers itself.
-class FramesByHand : public PluginTest {
-  protected:
-    FramesByHand() {
-        VmbSimUnplugCamera(kMonochromeCamera);
-        enumerate();
-        VmbSimHoldSensor(kColourCamera, true);
-        plugin->setChannelSink(0, &sink);
-        start();
-        VmbSimWaitForEvents(kPatienceMs);
-        clock->fixed = 1'000'000'000'000;
-    }
-    ~FramesByHand() override {
-        if (plugin == nullptr) return;
-        stop();
-        plugin->clearChannelSinks();
-    }
-
-    /// Takes a queued buffer, makes it a complete frame, and calls the registered callback.
-    void deliver(std::uint64_t id, std::uint64_t ticks) {
-        VmbHandle_t handle = nullptr;
-        VmbFrame_t* frame = nullptr;
-        VmbFrameCallback callback = nullptr;
-        ASSERT_EQ(VmbSimTakeQueuedFrame(kColourCamera, &handle, &frame, &callback), VmbErrorSuccess);
-        frame->receiveStatus = VmbFrameStatusComplete;
-        frame->receiveFlags = VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp;
-        frame->frameID = id;
-        frame->timestamp = ticks;
-        frame->imageSize = 645'504;
-        last = frame->buffer;
-        callback(handle, frame);
-    }
-    std::vector<std::int64_t> times() const {
-        std::vector<std::int64_t> found;
-        for (const Sample& sample : sink.samples()) found.push_back(sample.time);
-        return found;
-    }
-
-    RecordingSink sink;
-    const void* last = nullptr;
-};
 
 TEST_F(FramesByHand, ReachTheSinkWithBufferAndSize) {
     deliver(1, 1000);
@@ -273,19 +231,8 @@ TEST_F(FramesByHand, CostNoAllocationWithLoggingOnAtInfo) {
     constexpr std::uint64_t kFrames = 100'000;
     std::size_t allocations = 0;
     for (std::uint64_t number = 1; number <= kFrames; ++number) {
-        VmbHandle_t handle = nullptr;
-        VmbFrame_t* frame = nullptr;
-        VmbFrameCallback callback = nullptr;
-        VmbSimTakeQueuedFrame(kColourCamera, &handle, &frame, &callback);
-        frame->receiveStatus = VmbFrameStatusComplete;
-        frame->receiveFlags = VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp;
-        frame->frameID = number;
-        frame->timestamp = number * 10'000'000;
-        frame->imageSize = 4096;
         clock->fixed = 1'000'000'000'000 + number * 10'000'000;
-        const AllocationCounter counter;
-        callback(handle, frame);
-        allocations += counter.count();
+        allocations += deliver(number, number * 10'000'000);
     }
     plugin->clearChannelSinks();
     EXPECT_EQ(allocations, 0u);

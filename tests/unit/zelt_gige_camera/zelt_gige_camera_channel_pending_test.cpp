@@ -248,6 +248,52 @@ TEST_F(Settings, AHueThatCouldNotBeReadAtTheOpeningIsTriedAgain) {
     EXPECT_TRUE(channel(0)->hasKey("CAMERA/Hue"));
 }
 
+TEST_F(Settings, ThatWaitForAFeatureThatCannotBeReadAtTheOpeningAreWrittenWithTheRest) {
+    // Otherwise the change of format would have it read again.
+    VmbSimForceFeature(kColourCamera, "PixelFormat", "YUV422Packed");
+    openInVain();
+    EXPECT_TRUE(setNumber("CAMERA/Hue", 10));
+    VmbSimFailCall("VmbFeatureFloatGet", "Hue", 1, VmbErrorTimeout);
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(hostCalls(), Contains(realSet("Hue", "10")));
+    EXPECT_EQ(text(0, "CAMERA/Hue"), "10 \xC2\xB0");
+}
+
+TEST_F(Settings, ThatWaitForAFeatureThatCannotBeReadAtAllAreWrittenWhenItCanBe) {
+    openInVain();
+    EXPECT_TRUE(setNumber("CAMERA/Gamma", 0.5));
+    VmbSimFailCall("VmbFeatureFloatGet", "Gamma", -1, VmbErrorTimeout);
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_FALSE(channel(0)->hasKey("CAMERA/Gamma"));
+    VmbSimClearFaults();
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(hostCalls(), Contains(realSet("Gamma", "0.5")));
+    EXPECT_EQ(text(0, "CAMERA/Gamma"), "0.5");
+}
+
+TEST_F(Settings, UnreadableInOneFormatAreTriedAgainInAnother) {
+    open();
+    VmbSimFailCall("VmbFeatureFloatGet", "Saturation", -1, VmbErrorTimeout);
+    EXPECT_TRUE(setText("FrameFormat", "Y800"));
+    EXPECT_FALSE(channel(0)->hasKey("CAMERA/Saturation"));
+    VmbSimClearFaults();
+    EXPECT_TRUE(setText("FrameFormat", "Y422"));
+    EXPECT_TRUE(channel(0)->hasKey("CAMERA/Saturation"));
+}
+
+TEST_F(Settings, ThatAreMissingAreKnownAlthoughTheOpeningFails) {
+    VmbSimUnplugCamera(kColourCamera);
+    VmbSimPlugCamera(kMonochromeCamera);
+    VmbSimFailCall("VmbFeatureIntGet", "GevTimestampTickFrequency", 1, VmbErrorOther);
+    enumerate();
+    ASSERT_THAT(lastMessage(0), HasSubstr("GevTimestampTickFrequency"));
+    const AssertionCapture assertions;
+    for (const std::string& key : channel(0)->getKeys()) channel(0)->getItem(key);
+    EXPECT_THAT(assertions.failures(), ::testing::IsEmpty());
+}
+
 TEST_F(Settings, OfACameraWithoutOnceOfferNoAction) {
     for (const char* feature : {"GainAuto", "ExposureAuto", "BalanceWhiteAuto"}) {
         VmbSimFailCall("VmbFeatureEnumRangeQuery", feature, -1, VmbErrorOther);

@@ -110,6 +110,33 @@ TEST_F(OneCamera, TellsTheHostOfGeometryThatTheCameraChanged) {
     channel(0)->setChangeCallback({});
 }
 
+TEST_F(OneCamera, IsConfiguredInFullAgainAfterASetting) {
+    open();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_TRUE(channel(0)->setItem("CAMERA/Gain", config_items::ScalarConfigItem(0, "")));
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    const std::vector<std::string> calls = hostCalls();
+    for (const auto& group : {fixedRateProgram(), exposureAndGain(), colours()}) {
+        EXPECT_NE(std::search(calls.begin(), calls.end(), group.begin(), group.end()), calls.end())
+            << asText(group);
+    }
+}
+
+TEST_F(OneCamera, IsCheckedWithTheExposureThatItMadeOfTheHosts) {
+    // A period of 15,030.02 microseconds is too short for this exposure and the shortest one, but the camera
+    // exposes for whole microseconds.
+    VmbSimForceFeature(kColourCamera, "TriggerSource", "Line1");
+    VmbSimForceFeature(kColourCamera, "ExposureTimeAbs", "15000.4");
+    aux().setSyncOutAuxFrequency(665'335, 10'000);
+    open();
+    EXPECT_FALSE(plugin->checkChannelSettings({0}, false));
+    EXPECT_EQ(text(0, "Valid"), "0");
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(text(0, "Valid"), "1");
+    EXPECT_TRUE(plugin->checkChannelSettings({0}, false));
+}
+
 TEST_F(OneCamera, TakesOverARateThatTheCameraRounds) {
     // A period of 30,000,000.3 ns: not on any camera's grid.
     VmbSimForceFeature(kColourCamera, "AcquisitionFrameRateAbs", "33.333333");
@@ -119,8 +146,11 @@ TEST_F(OneCamera, TakesOverARateThatTheCameraRounds) {
     EXPECT_TRUE(plugin->prepareAcquisition());
     channel(0)->setChangeCallback({});
     EXPECT_THAT(changed, ElementsAre("Valid", "SampleRate"));
-    EXPECT_NE(text(0, "SampleRate"), "33.333333 fps");
-    EXPECT_THAT(text(0, "SampleRate"), HasSubstr("33.33"));
+    const auto rate = boost::get<config_items::ScalarConfigItem>(channel(0)->getItem("SampleRate")).m_value;
+    EXPECT_NE(rate, 33.333333);
+    // A whole number of nanoseconds is next to it.
+    EXPECT_NEAR(1e9 / rate, 1e9 / 33.333333, 1.0);
+    EXPECT_EQ(text(0, "CAMERA/FrameSetting"), text(0, "SampleRate"));
 }
 
 TEST_F(PluginTest, SharesTheLinkByWhatEachCameraNeeds) {

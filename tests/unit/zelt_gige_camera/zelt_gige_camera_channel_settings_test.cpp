@@ -15,6 +15,7 @@ using test_support::realGet;
 using test_support::realSet;
 using test_support::select;
 using test_support::Settings;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -245,6 +246,55 @@ TEST_F(Settings, AnActionThatTheCameraRefusesIsReported) {
     EXPECT_FALSE(runAction("ACTION:Camera/AutoWhitebalance"));
     EXPECT_EQ(lastMessage(0), refusal("The feature 'BalanceWhiteAuto' is not supported"));
     EXPECT_EQ(text(0, "CAMERA/WhitebalanceAuto"), "GIGE/AutoSettingOff");
+}
+
+TEST_F(Settings, AnActionNeedsAnOpenCamera) {
+    openInVain();
+    EXPECT_FALSE(runAction("ACTION:Camera/AutoGain"));
+    EXPECT_EQ(lastMessage(0), refusal("The camera is not open"));
+    EXPECT_EQ(text(0, "CAMERA/GainAuto"), "GIGE/AutoSettingOff");
+}
+
+TEST_F(Settings, AnEntryOfTheCamerasThatTheHostHasNoWordForIsNamed) {
+    VmbSimForceFeature(kColourCamera, "GainAuto", "Other");
+    open();
+    EXPECT_EQ(lastMessage(0), "");
+    const auto item = channel(0)->getItem("CAMERA/GainAuto");
+    const auto* const invalid = boost::get<config_items::InvalidConfigItem>(&item);
+    ASSERT_NE(invalid, nullptr);
+    EXPECT_EQ(invalid->toString(), "Unknown value from API: 'Other'");
+    EXPECT_TRUE(setText("CAMERA/GainAuto", "GIGE/AutoSettingOnce"));
+    EXPECT_EQ(text(0, "CAMERA/GainAuto"), "GIGE/AutoSettingOnce");
+}
+
+class LimitedSettings : public Settings {
+  protected:
+    /// 25 ms between two frames leave 24,970 microseconds, less the shortest exposure.
+    void openWithALongExposure() {
+        open();
+        ASSERT_TRUE(setText("CAMERA/ExposureAuto", "GIGE/AutoSettingContinuous"));
+        ASSERT_TRUE(setNumber("CAMERA/FrameSetting", 40));
+        ASSERT_TRUE(setNumber("CAMERA/Exposure", 30'000));
+    }
+};
+
+TEST_F(LimitedSettings, AShorterExposureIsToldAlthoughTheLimitCannotBeWritten) {
+    openWithALongExposure();
+    VmbSimFailCall("VmbFeatureIntSet", "ExposureAutoMax", 1, VmbErrorOther);
+    const Changes changes(channel(0));
+    EXPECT_FALSE(setText("CAMERA/ExposureAuto", "GIGE/AutoSettingOnce"));
+    EXPECT_EQ(text(0, "CAMERA/Exposure"), "24970");
+    EXPECT_EQ(text(0, "CAMERA/ExposureAuto"), "GIGE/AutoSettingContinuous");
+    EXPECT_THAT(changes.keys, Contains("CAMERA/Exposure"));
+}
+
+TEST_F(LimitedSettings, AShorterExposureIsCheckedAlthoughTheWriteBehindItFails) {
+    openWithALongExposure();
+    VmbSimFailCall("VmbFeatureEnumSet", "ExposureAuto", 1, VmbErrorOther);
+    const Changes changes(channel(0));
+    EXPECT_FALSE(setText("CAMERA/ExposureAuto", "GIGE/AutoSettingOnce"));
+    EXPECT_EQ(text(0, "CAMERA/Exposure"), "24970");
+    EXPECT_THAT(changes.keys, ElementsAre("CAMERA/Exposure", "Valid"));
 }
 
 TEST_F(Settings, GeometryAndFormatStayDuringAnAcquisition) {

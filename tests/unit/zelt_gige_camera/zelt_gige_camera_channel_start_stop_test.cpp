@@ -21,6 +21,7 @@ using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 TEST_F(OneCamera, StartsAndStopsWithItsLogLines) {
     open();
@@ -101,6 +102,43 @@ TEST_F(OneCamera, ReportsAStartThatTheCameraRefuses) {
                 ElementsAre("Cannot start acquisition of camera %1:"
                             "The feature 'AcquisitionStart' is not supported",
                             "Cannot start acquisition of camera %1"));
+}
+
+TEST_F(OneCamera, WhoseStartFailedIsAbortedBeforeItIsConfiguredAgain) {
+    open();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStart", 1, VmbErrorOther);
+    EXPECT_THROW(plugin->startAcquisition(), exception_manager::Exception);
+    const std::string abort = call("VmbFeatureCommandRun", quoted("AcquisitionAbort"));
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(hostCalls().front(), abort);
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->startAcquisition());
+    EXPECT_TRUE(plugin->stopAcquisition());
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(hostCalls(), Not(Contains(abort)));
+}
+
+TEST_F(OneCamera, ThatCouldNotBeStoppedIsAbortedBeforeItIsConfiguredAgain) {
+    open();
+    start();
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStop", 1, VmbErrorOther);
+    EXPECT_THROW(plugin->stopAcquisition(), zelt_gige_api::CameraApiError);
+    EXPECT_TRUE(plugin->onAcquisitionFinished());
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(hostCalls().front(), call("VmbFeatureCommandRun", quoted("AcquisitionAbort")));
+}
+
+TEST_F(OneCamera, ThatWasNeverStartedIsNotAborted) {
+    open();
+    plugin->setSharedAcquisitionObject(nullptr);
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THROW(plugin->startAcquisition(), exception_manager::Exception);
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(hostCalls(), Not(Contains(call("VmbFeatureCommandRun", quoted("AcquisitionAbort")))));
 }
 
 TEST_F(PluginTest, AStartThatFailsBringsEveryChannelBack) {

@@ -169,6 +169,19 @@ TEST_F(OneCamera, OnlyLogsThatTheCachesCannotBeReadAndKeepsTheOldValues) {
     EXPECT_EQ(text(0, "FrameWidth"), "656 pixel");
 }
 
+TEST_F(OneCamera, OnlyLogsThatTheRangesCannotBeReadAndKeepsTheOldOnes) {
+    VmbSimForceFeature(kColourCamera, "PixelFormat", "YUV422Packed");
+    open();
+    // The third selection in a preparation is the first that reads a range.
+    VmbSimFailCall("VmbFeatureEnumSet", "BalanceRatioSelector", 3, VmbErrorOther);
+    const LogCapture log(UniLogSeverityLevel::Error);
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
+                ElementsAre("Cannot update domain cache of camera. Error:"
+                            "The feature 'BalanceRatioSelector' is not supported"));
+    EXPECT_FALSE(channel(0)->getConstraints("CAMERA/WhitebalanceRed").empty());
+}
+
 TEST_F(OneCamera, OnlyLogsThatTheFeaturesCannotBeListed) {
     plugin->initialize();
     VmbSimFailCall("VmbFeaturesList", nullptr, 1, VmbErrorOther);

@@ -233,6 +233,7 @@ TEST_F(PluginTest, LogsCamerasThatComeAndGoAndTellsTheChannel) {
     const std::string id = kColourCamera;
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Info),
                 ElementsAre("GigE-Camera '" + id + "' was removed", "GigE-Camera '" + id + "' was added"));
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error), ElementsAre("Camera %1 is no longer connected"));
     EXPECT_THAT(told, ElementsAre("Camera Manta_G-033C (50-0503300001) is no longer connected"));
     EXPECT_EQ(lastMessage(0), told.at(0));
     EXPECT_EQ(lastMessage(1), "");

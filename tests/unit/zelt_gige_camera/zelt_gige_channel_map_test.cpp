@@ -1,5 +1,8 @@
 #include "zelt_gige_channel_map.h"
 
+#include <atomic>
+#include <thread>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -55,6 +58,19 @@ TEST(PublishedChannelsTest, LeaveAnEarlierSnapshotAsItWas) {
     published.publish(withIds({4}));
     EXPECT_TRUE(before->empty());
     EXPECT_EQ(published.snapshot()->count(4), 1u);
+}
+
+TEST(PublishedChannelsTest, AddUpTheBandwidthWhileAnotherThreadPublishes) {
+    PublishedChannels published(nullptr);
+    std::atomic<bool> done{false};
+    std::thread publisher([&] {
+        while (!done) published.publish({});
+    });
+    std::uint64_t total = 0;
+    for (int round = 0; round < 20'000; ++round) total += published.getTotalRequiredBandwidth();
+    done = true;
+    publisher.join();
+    EXPECT_EQ(total, 0u);
 }
 
 }  // namespace
