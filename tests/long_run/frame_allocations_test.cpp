@@ -13,6 +13,8 @@ using test_support::AllocationCounter;
 using test_support::AssertionCapture;
 using test_support::kMillisecond;
 using test_support::kMonochromeCamera;
+using test_support::kReceivedFrames;
+using test_support::kSentFrames;
 using test_support::LogCapture;
 using test_support::LongRun;
 using ::testing::Contains;
@@ -55,6 +57,8 @@ class FrameAllocations : public LongRun, public ::testing::WithParamInterface<bo
         if (isTriggered) useTrigger(100);
         VmbSimHoldSensor(kMonochromeCamera, true);
         plugin->setChannelSink(0, &m_sink);
+        plugin->setChannelSink(kSentFrames, &m_counters);
+        plugin->setChannelSink(kReceivedFrames, &m_counters);
     }
 
     /// What each frame's callback allocates.
@@ -102,6 +106,7 @@ class FrameAllocations : public LongRun, public ::testing::WithParamInterface<bo
         EXPECT_THAT(assertions.failures(), IsEmpty());
         const std::uint64_t backwards = isTriggered ? 0 : kFrames / kCycle;
         EXPECT_EQ(m_sink.count - before, kFrames - backwards);
+        EXPECT_EQ(m_counters.count, 2 * m_sink.count);
     }
     /// Allocations of one call of the callback that the plug-in registered.
     static std::size_t deliver(std::uint64_t id, std::uint64_t ticks) {
@@ -120,6 +125,7 @@ class FrameAllocations : public LongRun, public ::testing::WithParamInterface<bo
     }
 
     CountingSink m_sink;
+    CountingSink m_counters;
 };
 
 TEST_P(FrameAllocations, ThereAreNoneWithoutALog) {

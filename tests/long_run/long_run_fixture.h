@@ -47,12 +47,17 @@ class FrameSink final : public zelt::IfChannelSink {
     std::vector<StampedFrame> frames;
 };
 
+/// Channels that count the frames of channel 0.
+inline constexpr std::uint32_t kSentFrames = 0x0001'0000;
+inline constexpr std::uint32_t kReceivedFrames = 0x0002'0000;
+
 /// The monochrome camera alone, as channel 0: pictures of 32 x 4, exposed for 200 microseconds. The way of a
 /// frame is 2.3 ms, and so is its shortest period.
 class LongRun : public PluginTest {
   protected:
     LongRun() : PluginTest("two-cameras", /*virtualTime=*/true) {
         VmbSimUnplugCamera(kColourCamera);
+        wantFrameCounters(true);
         enumerate();
         set("FrameWidth", 32);
         set("FrameHeight", 4);

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 
 #include "disturbed_pulses.h"
 
@@ -24,6 +25,8 @@ namespace {
 using test_support::AssertionCapture;
 using test_support::DisturbedPulses;
 using test_support::kMonochromeCamera;
+using test_support::kReceivedFrames;
+using test_support::kSentFrames;
 using test_support::kShorterBy;
 using test_support::LogCapture;
 using test_support::LongRun;
@@ -113,6 +116,18 @@ class PulseAuditor final : public zelt::IfChannelSink {
     std::int64_t m_pulse = 0;
 };
 
+/// The latest value of a counter.
+class LatestCount final : public zelt::IfChannelSink {
+  public:
+    void addSample(std::int64_t, const void* data, std::uint64_t size) override {
+        ASSERT_EQ(size, sizeof value);
+        std::memcpy(&value, data, sizeof value);
+        ++samples;
+    }
+    std::uint64_t value = 0;
+    std::uint64_t samples = 0;
+};
+
 std::size_t countOf(const std::vector<std::string>& lines, const char* what) {
     return static_cast<std::size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
         return line.find(what) != std::string::npos;
@@ -144,6 +159,10 @@ TEST_F(TriggeredDay, EveryPulseIsAccountedFor) {
     DisturbedPulses pulses(kMonochromeCamera, 4711);
     PulseAuditor auditor(pulses);
     plugin->setChannelSink(0, &auditor);
+    LatestCount sent;
+    LatestCount received;
+    plugin->setChannelSink(kSentFrames, &sent);
+    plugin->setChannelSink(kReceivedFrames, &received);
     const LogCapture log(UniLogSeverityLevel::Detail);
 
     pulses.run(kSlots / 2, /*ambiguous=*/false);
@@ -160,6 +179,10 @@ TEST_F(TriggeredDay, EveryPulseIsAccountedFor) {
     const std::uint64_t exposed = pulses.pulses() - pulses.missing + pulses.doubled;
     EXPECT_EQ(auditor.lastId, exposed);
     EXPECT_EQ(auditor.frames, exposed - pulses.lost - pulses.broken);
+    EXPECT_EQ(sent.value, exposed - 1);
+    EXPECT_EQ(received.value, auditor.frames);
+    EXPECT_EQ(sent.samples, auditor.frames);
+    EXPECT_EQ(received.samples, auditor.frames);
     const std::uint64_t ofTwo = pulses.count(Trouble::FirstOfTwoLost) +
                                 pulses.count(Trouble::SecondOfTwoLost) +
                                 pulses.count(Trouble::SecondOfTwoBroken);
