@@ -172,6 +172,9 @@ const MirrorOf serviceFactory("plugin_api::IfServiceFactory", recorded<slot_chec
                               });
 const MirrorOf syncAuxService("zelt::IfSyncAuxService", recorded<slot_check::RecordingSyncAuxService>,
                               slot_check::callSyncAuxService);
+using RecordingTopologyService = slot_check::RecordingTopologyService<zelt::IfSystemTopologyService>;
+const MirrorOf topologyService("zelt::IfSystemTopologyService", recorded<RecordingTopologyService>,
+                               slot_check::callTopologyService);
 
 using RecordingCommon = slot_check::RecordingPluginCommon<zelt::IfPluginCommon>;
 const MirrorOf pluginCommon("zelt::IfPluginCommon", recorded<RecordingCommon>, slot_check::callPluginCommon);

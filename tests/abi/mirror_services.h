@@ -2,11 +2,13 @@
 #pragma once
 
 #include <limits>
+#include <string>
 
 #include <gtest/gtest.h>
 
 #include "if_service_factory.h"
 #include "if_sync_aux_service.h"
+#include "if_system_topology_service.h"
 #include "mirror.h"
 
 namespace slot_check {
@@ -68,6 +70,40 @@ class RecordingSyncAuxService : public RecordingService<zelt::IfSyncAuxService> 
     ~RecordingSyncAuxService() = default;
 };
 
+template <class Topology>
+class RecordingTopologyService : public RecordingService<Topology> {
+  public:
+    using Callback = zelt::IfSystemTopologyService::Callback;
+
+    virtual void getTopology(std::uint64_t reserved, Callback callback, void* context) {
+        answerIf("getTopology", reserved == kHandle);
+        callback(context, "text", 4);
+    }
+    virtual bool isTopologyDynamic() {
+        answered("isTopologyDynamic");
+        return true;
+    }
+    virtual void setListener(std::uint64_t handle) { answerIf("setListener", handle == kHandle); }
+    virtual bool removeListener(std::uint64_t handle) {
+        answered("removeListener");
+        return handle == kHandle;
+    }
+
+    static Operations operations() {
+        Operations all = RecordingService<Topology>::operations();
+        all.push_back({"getTopology", entryOf(&RecordingTopologyService::getTopology)});
+        all.push_back({"isTopologyDynamic", entryOf(&RecordingTopologyService::isTopologyDynamic)});
+        all.push_back({"setListener", entryOf(&RecordingTopologyService::setListener)});
+        all.push_back({"removeListener", entryOf(&RecordingTopologyService::removeListener)});
+        return all;
+    }
+
+    static constexpr std::uint64_t kHandle = 0x8000000000000001u;
+
+  protected:
+    ~RecordingTopologyService() = default;
+};
+
 /// Slots 0 and 1.
 inline void callService(Mirror& mirror) {
     EXPECT_EQ(mirror.slot<std::uint32_t()>(0)(), 3000000000u);
@@ -88,6 +124,22 @@ inline void callSyncAuxService(Mirror& mirror) {
     callService(mirror);
     mirror.slot<void(std::int64_t, std::int64_t)>(2)(RecordingSyncAuxService::kNumerator,
                                                      RecordingSyncAuxService::kDenominator);
+}
+
+/// Slots 0 to 5.
+inline void callTopologyService(Mirror& mirror) {
+    using Callback = zelt::IfSystemTopologyService::Callback;
+    constexpr std::uint64_t kHandle = 0x8000000000000001u;
+    callService(mirror);
+    std::string told;
+    const Callback tell = [](void* context, const char* text, std::size_t length) {
+        static_cast<std::string*>(context)->assign(text, length);
+    };
+    mirror.slot<void(std::uint64_t, Callback, void*)>(2)(kHandle, tell, &told);
+    EXPECT_EQ(told, "text");
+    EXPECT_TRUE(mirror.slot<bool()>(3)());
+    mirror.slot<void(std::uint64_t)>(4)(kHandle);
+    EXPECT_TRUE(mirror.slot<bool(std::uint64_t)>(5)(kHandle));
 }
 
 }  // namespace slot_check
