@@ -37,6 +37,44 @@ TEST_F(OneChannelAtOnce, TwoHostThreadsSetOneChannel) {
     EXPECT_EQ(shown(0, kFrameWidth), "328 pixel");
 }
 
+TEST_F(OneChannelAtOnce, AnAutomaticFunctionIsRunOnceWhileSettingsAreRead) {
+    atOnce({repeated(100,
+                     [&](int) {
+                         channels[0]->setItem(config_keys::kActionCameraAutoGain,
+                                              config_items::SingleValueConfigItem<bool>(true));
+                     }),
+            repeated(100, [&](int) { shown(0, config_keys::kCameraGainAuto); })});
+    EXPECT_EQ(shown(0, config_keys::kCameraGainAuto), "GIGE/AutoSettingOnce");
+}
+
+TEST_F(OneChannelAtOnce, ItIsCheckedWhileItIsSet) {
+    atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(100, [&](int) { EXPECT_TRUE(camera(0).checkSettings()); })});
+}
+
+TEST_F(OneChannelAtOnce, ItIsSwitchedOnAndOffWhileItIsSet) {
+    atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(100, [&](int i) { use(0, i % 2 != 0); })});
+    EXPECT_EQ(shown(0, kValid), "1");
+}
+
+TEST_F(OneChannelAtOnce, ItIsPolledWhileItsSettingsAreMade) {
+    EXPECT_TRUE(setText(0, config_keys::kCameraGainAuto, "GIGE/AutoSettingContinuous"));
+    start();
+    atOnce({repeated(100, [&](int i) { camera(0).pollAutomaticValues(2.0 * (i + 1)); }),
+            repeated(100, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
+    stop();
+}
+
+// A preparation that fails half-way, beside readers.
+TEST_F(OneChannelAtOnce, SettingsAreReadWhileItsCaptureFails) {
+    VmbSimFailCall("VmbCaptureStart", nullptr, -1, VmbErrorOther);
+    atOnce({repeated(3, [&](int) { EXPECT_FALSE(plugin->prepareAcquisition()); }),
+            repeated(200, [&](int) { shown(0, kValid); })});
+    VmbSimClearFaults();
+    EXPECT_EQ(shown(0, kValid), "0");
+}
+
 TEST_F(OneChannelAtOnce, ItsConstraintsAreReadWhileTheyChange) {
     atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
             repeated(100, [&](int) { channels[0]->getConstraints(config_keys::kFrameOffsetX); })});
