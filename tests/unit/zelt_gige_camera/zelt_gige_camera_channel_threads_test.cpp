@@ -104,9 +104,50 @@ TEST_F(OneChannelAtOnce, SettingsAreReadWhileItIsPrepared) {
 }
 
 TEST_F(OneChannelAtOnce, SettingsAreMadeWhileItIsPrepared) {
-    atOnce({repeated(3, [&](int) { EXPECT_TRUE(plugin->prepareAcquisition()); }),
-            repeated(30, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
+    atOnce({repeated(3, [&](int) { EXPECT_TRUE(plugin->prepareAcquisition()); }), repeated(30, [&](int i) {
+                setNumber(0, kCameraGain, i % 2);
+                setNumber(0, kFrameWidth, 320 + 8 * (i % 2));
+            })});
     EXPECT_EQ(shown(0, kCameraGain), "1");
+}
+
+TEST_F(OneChannelAtOnce, ItStartsAndStopsWhileItsSettingsAndTheTriggerFrequencyChange) {
+    EXPECT_TRUE(setText(0, config_keys::kCameraTriggerMode, "GIGE/TriggerModeAux"));
+    auto& service = aux();
+    service.setSyncOutAuxFrequency(50, 1);
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    atOnce({repeated(50,
+                     [&](int) {
+                         camera(0).startAcquisition();
+                         camera(0).stopAcquisition();
+                     }),
+            repeated(50, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(50, [&](int i) { service.setSyncOutAuxFrequency(i + 1, 2); })});
+}
+
+// The command that stops a camera is a write to it like any other.
+TEST_F(OneChannelAtOnce, ASettingWaitsForTheCommandThatStopsTheCamera) {
+    start();
+    std::latch isSetting(1);
+    std::jthread setter;
+    std::vector<std::string> order;
+    api->hook = [&](const std::string& call) {
+        if (call == "Gain") order.push_back(call);
+        if (call != "AcquisitionStop" || setter.joinable()) return;
+        setter = std::jthread([&] {
+            isSetting.count_down();
+            setNumber(0, kCameraGain, 1);
+        });
+        isSetting.wait();
+        // As long as the setter would take to get to the camera.
+        for (int i = 0; i < 20'000; ++i) std::this_thread::yield();
+        order.push_back(call);
+    };
+    camera(0).stopAcquisition();
+    setter.join();
+    api->hook = [](const std::string&) {};
+    EXPECT_EQ(order, (std::vector<std::string>{"AcquisitionStop", "Gain"}));
+    stop();
 }
 
 TEST_F(OneChannelAtOnce, ASinkThatWasTakenAwayIsNotCalledAgain) {
