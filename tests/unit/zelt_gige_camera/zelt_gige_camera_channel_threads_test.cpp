@@ -125,6 +125,12 @@ TEST_F(OneChannelAtOnce, ItStartsAndStopsWhileItsSettingsAndTheTriggerFrequencyC
             repeated(50, [&](int i) { service.setSyncOutAuxFrequency(i + 1, 2); })});
 }
 
+TEST_F(OneChannelAtOnce, ItsCaptureEndsWhileItIsSet) {
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    atOnce({repeated(100, [&](int) { camera(0).stopCapture(); }),
+            repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); })});
+}
+
 // The command that stops a camera is a write to it like any other.
 TEST_F(OneChannelAtOnce, ASettingWaitsForTheCommandThatStopsTheCamera) {
     start();
