@@ -243,6 +243,15 @@ TEST_F(OneChannelAtOnce, WaitingCallsOfTheCameraLayerLeaveTheChannelToOthers) {
     EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
     EXPECT_TRUE(plugin->prepareAcquisition());
     EXPECT_EQ(seen, waiting);
+    // Ahead of its configuration, since it could not be stopped.
+    plugin->onAcquisitionPrepared();
+    EXPECT_TRUE(plugin->startAcquisition());
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStop", 1, VmbErrorOther);
+    EXPECT_THROW(plugin->stopAcquisition(), zelt_gige_api::CameraApiError);
+    plugin->onAcquisitionFinished();
+    seen.erase("AcquisitionAbort");
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(seen.count("AcquisitionAbort"), 1u);
     api->hook = [](const std::string&) {};
 }
 
