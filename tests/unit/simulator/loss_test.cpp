@@ -1,4 +1,7 @@
 // Frames that get lost or damaged, and cables that go in the middle of something.
+#include <latch>
+#include <thread>
+
 #include "far_pages.h"
 #include "virtual_fixture.h"
 
