@@ -1,5 +1,7 @@
 #include "throwing_log.h"
 
+#include <condition_variable>
+#include <mutex>
 #include <stdexcept>
 #include <utility>
 
@@ -19,18 +21,45 @@ struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_f
     Backend(std::string wanted, std::function<void()> toDo)
         : part(std::move(wanted)), action(std::move(toDo)) {}
     void consume(const logging::record_view& record) {
+        const Running running(*this);
         const auto text = record[logging::expressions::smessage];
         if (text && text->find(part) != std::string::npos) action();
     }
+    /// The core may be in the middle of a record when the sink is taken from it.
+    void waitForTheLast() {
+        std::unique_lock lock(m_mutex);
+        m_ended.wait(lock, [this] { return m_running == 0; });
+    }
+
+  private:
+    struct Running {
+        explicit Running(Backend& owner) : backend(owner) {
+            const std::lock_guard lock(backend.m_mutex);
+            ++backend.m_running;
+        }
+        ~Running() {
+            const std::lock_guard lock(backend.m_mutex);
+            --backend.m_running;
+            backend.m_ended.notify_all();
+        }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+        Backend& backend;
+    };
+
     const std::string part;
     const std::function<void()> action;
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    int m_running = 0;
 };
 
 }  // namespace
 
 struct LogAction::Sink {
-    explicit Sink(boost::shared_ptr<Backend> backend)
-        : frontend(boost::make_shared<logging::sinks::unlocked_sink<Backend>>(std::move(backend))) {}
+    explicit Sink(const boost::shared_ptr<Backend>& toFeed)
+        : backend(toFeed), frontend(boost::make_shared<logging::sinks::unlocked_sink<Backend>>(toFeed)) {}
+    boost::shared_ptr<Backend> backend;
     boost::shared_ptr<logging::sinks::unlocked_sink<Backend>> frontend;
 };
 
@@ -43,6 +72,7 @@ LogAction::LogAction(std::string part, std::function<void()> action)
 LogAction::~LogAction() {
     logging::core::get()->set_logging_enabled(false);
     logging::core::get()->remove_sink(m_sink->frontend);
+    m_sink->backend->waitForTheLast();
 }
 
 ThrowingLog::ThrowingLog(std::string part)
