@@ -20,19 +20,14 @@ std::chrono::nanoseconds toNanoseconds(double seconds) {
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
 }
 
-std::string knownIds(const std::map<std::uint32_t, ChannelInfo>& channels) {
-    std::string text;
-    for (const auto& [id, channel] : channels) text += (text.empty() ? "" : ", ") + std::to_string(id);
-    return text;
-}
-
 }  // namespace
 
 Recording::Recording(Session& session, RecordingOptions options, RecordingHooks hooks)
     : m_session(session),
       m_options(std::move(options)),
       m_hooks(std::move(hooks)),
-      m_writer(session.vendor().stampReader()) {}
+      m_writer(session.vendor().stampReader()),
+      m_messages(session.messages(), m_hooks.tell) {}
 
 Recording::~Recording() {
     m_session.plugin().cancelAcquisition();
@@ -57,18 +52,9 @@ RecordingReport Recording::run() {
 }
 
 void Recording::selectChannels() {
-    const auto known = m_session.readChannels();
-    for (const std::uint32_t id : m_options.channels) {
-        if (known.contains(id)) continue;
-        throw HostFailure(ExitCode::UnknownChannel, "There is no channel " + std::to_string(id) +
-                                                        "; the channels are " + knownIds(known) + ".");
-    }
-    for (const auto& [id, channel] : known) {
-        const bool used = m_options.channels.empty() || m_options.channels.contains(id);
-        if (!setUsed(*m_session.config(id), used)) {
-            failCamera("Channel " + std::to_string(id) + " cannot be switched " + (used ? "on" : "off"), "");
-        }
-        if (used) m_channels.emplace(id, channel);
+    const auto chosen = setUpCameras(m_session, m_options.cameras, m_options.orders, m_hooks.changed);
+    for (const auto& [id, channel] : m_session.readChannels()) {
+        if (chosen.contains(id)) m_channels.emplace(id, channel);
     }
 }
 
@@ -82,7 +68,8 @@ void Recording::attachSinks() {
 }
 
 void Recording::failCamera(const std::string& what, const std::string& reason) {
-    std::vector<std::string> reasons = m_session.messages().take();
+    std::vector<std::string> reasons;
+    for (const ChannelMessage& message : m_session.messages().take()) reasons.push_back(message.sentence);
     // What a camera throws it has usually reported too.
     if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {
         reasons.push_back(reason);
@@ -101,7 +88,7 @@ void Recording::prepare() {
     } catch (const PluginError& failure) {
         failCamera(what, failure.what());
     }
-    tellMessages();
+    m_messages.tell();
 }
 
 void Recording::makeFiles() {
@@ -154,7 +141,7 @@ Outcome Recording::waitForEnd() {
 }
 
 void Recording::poll(Clock::time_point now, Clock::time_point& nextProcess) {
-    tellMessages();
+    m_messages.tell();
     if (now >= nextProcess) {
         nextProcess += kProcess;
         try {
@@ -175,7 +162,7 @@ void Recording::stopCameras(RecordingReport& report) {
     // Nothing may call the sinks any more before the writer writes the rest.
     m_session.plugin().cancelAcquisition();
     m_writer.finish();
-    tellMessages();
+    m_messages.tell();
 }
 
 void Recording::finishReport(RecordingReport& report) {
@@ -188,7 +175,7 @@ void Recording::finishReport(RecordingReport& report) {
     report.seconds = m_options.seconds;
     report.directory = m_options.directory.string();
     report.channels = m_writer.reports();
-    report.messages = m_messages;
+    for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());
     const auto files = m_writer.files();
     for (std::size_t i = 0; i < files.size(); ++i) {
         const auto pictures = writePictures(report.channels[i].channel, *files[i]);
@@ -197,13 +184,6 @@ void Recording::finishReport(RecordingReport& report) {
     Progress last = progress(Clock::now());
     if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;
     m_hooks.showProgress(last);
-}
-
-void Recording::tellMessages() {
-    for (const std::string& message : m_session.messages().take()) {
-        m_hooks.tell(message);
-        m_messages.push_back(message);
-    }
 }
 
 Progress Recording::progress(Clock::time_point now) const {

@@ -5,8 +5,9 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 
+#include "camera_setup.h"
+#include "message_teller.h"
 #include "progress.h"
 #include "recording_writer.h"
 #include "session.h"
@@ -16,7 +17,8 @@ namespace host {
 struct RecordingOptions {
     double seconds = 0;
     std::filesystem::path directory;
-    std::set<std::uint32_t> channels;  ///< empty for all
+    CameraSetup cameras;
+    std::vector<SettingOrder> orders;  ///< all of them, those of the file included
     /// How long after its end a recording waits for a channel that has not got there.
     std::chrono::nanoseconds grace = std::chrono::seconds(3);
 };
@@ -26,6 +28,7 @@ struct RecordingHooks {
     std::function<bool()> isInterrupted = [] { return false; };
     std::function<void(const Progress&)> showProgress = [](const Progress&) {};
     std::function<void(const std::string&)> tell = [](const std::string&) {};
+    std::function<void(const SettingChange&)> changed = [](const SettingChange&) {};
 };
 
 /// One acquisition of a session's channels, from preparing the cameras to the files on disk. Whatever
@@ -54,7 +57,6 @@ class Recording {
     void stopCameras(RecordingReport& report);
     void finishReport(RecordingReport& report);
     std::chrono::nanoseconds patience() const;
-    void tellMessages();
     [[noreturn]] void failCamera(const std::string& what, const std::string& reason);
     Progress progress(Clock::time_point now) const;
 
@@ -66,7 +68,7 @@ class Recording {
     RecordingWriter m_writer;
     bool m_has_recorded = false;
     Clock::time_point m_started;
-    std::vector<std::string> m_messages;
+    MessageTeller m_messages;
 };
 
 }  // namespace host

@@ -119,7 +119,7 @@ TEST_F(RecordingTest, RecordsEveryFrameOfItsLength) {
 
 TEST_F(RecordingTest, UsesOnlyTheChannelsAskedFor) {
     host::RecordingOptions only = options();
-    only.channels = {1};
+    only.cameras.channels = {1};
     const RecordingReport report = record(only);
     ASSERT_EQ(report.channels.size(), 1u);
     EXPECT_EQ(report.channels[0].channel.id, 1u);
@@ -135,7 +135,7 @@ TEST_F(RecordingTest, UsesOnlyTheChannelsAskedFor) {
 
 TEST_F(RecordingTest, RefusesAnUnknownChannelAndNamesTheKnownOnes) {
     host::RecordingOptions wrong = options();
-    wrong.channels = {0, 7};
+    wrong.cameras.channels = {0, 7};
     const HostFailure error = failure(wrong);
     EXPECT_EQ(error.code(), ExitCode::UnknownChannel);
     EXPECT_STREQ(error.what(), "There is no channel 7; the channels are 0, 1.");
@@ -158,8 +158,8 @@ TEST_F(RecordingTest, TellsMessagesOfPreparationOnce) {
             exception_manager::Exception(0, "Too little bandwidth", "TEST"));
         return true;
     };
-    EXPECT_THAT(record().messages, ElementsAre("Too little bandwidth"));
-    EXPECT_THAT(m_told, ElementsAre("Too little bandwidth"));
+    EXPECT_THAT(record().messages, ElementsAre("channel 0: Too little bandwidth"));
+    EXPECT_THAT(m_told, ElementsAre("channel 0: Too little bandwidth"));
 }
 
 TEST_F(RecordingTest, PutsTheReasonOfAFailedPreparationIntoOneSentence) {

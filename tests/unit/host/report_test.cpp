@@ -316,7 +316,7 @@ TEST(ExitCodes, AreDistinctAscendingAndExplained) {
         codes.insert(code);
         EXPECT_STRNE(row.meaning, "");
     }
-    EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 130}));
+    EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 130}));
 }
 
 TEST(ExitCodes, StandInTheHelp) {
