@@ -8,8 +8,6 @@
 namespace host {
 namespace {
 
-constexpr const char* kTriggeredMode = "GIGE/TriggerModeAux";
-
 void switchChannels(Session& session, const std::set<std::uint32_t>& chosen) {
     for (const auto& [id, channel] : session.readChannels()) {
         const bool used = chosen.contains(id);

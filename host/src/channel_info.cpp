@@ -26,6 +26,10 @@ std::uint32_t size(channel_config::IfChannelConfig& config, const char* key) {
 
 }  // namespace
 
+const char* timeColumn(TimeBase base) {
+    return base == TimeBase::Pulses ? "pulse" : "host_time_ns";
+}
+
 std::uint64_t ChannelInfo::pictureBytes() const {
     const std::uint64_t bytesPerPixel = format == "Y800" ? 1 : format == "Y422" ? 2 : 3;
     return std::uint64_t{width} * height * bytesPerPixel;
@@ -42,6 +46,8 @@ ChannelInfo readChannelInfo(std::uint32_t id, channel_config::IfChannelConfig& c
     info.height = size(config, config_keys::kFrameHeight);
     info.rate = itemNumber(config.getItem(config_keys::kCameraFrameSetting));
     if (info.rate && !(std::isfinite(*info.rate) && *info.rate > 0)) info.rate.reset();
+    const bool isTriggered = text(config, config_keys::kCameraTriggerMode) == kTriggeredMode;
+    if (isTriggered) info.timeBase = TimeBase::Pulses;
     return info;
 }
 

@@ -34,7 +34,7 @@ RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
 
 RecordingReport record(const CommandLine& line, Console& console, Progress& last) {
     RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras)};
-    Session session(loadPlugin(line.plugin), patientOptions());
+    Session session(loadPlugin(line.plugin), patientOptions(line.counters));
     if (!line.json) console.print(session.title() + '\n' + devicesText(session.readChannels()));
     Recording recording(session, std::move(options), makeHooks(console, line.json, last));
     return recording.run();

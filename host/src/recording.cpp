@@ -20,6 +20,12 @@ std::chrono::nanoseconds toNanoseconds(double seconds) {
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
 }
 
+/// In pulses for a triggered camera; one whose rate is not known could not be prepared anyway.
+std::int64_t sinkLength(double seconds, const ChannelInfo& channel) {
+    if (channel.timeBase == TimeBase::Nanoseconds) return toNanoseconds(seconds).count();
+    return std::llround(std::ceil(seconds * channel.rate.value_or(kUnknownRate)));
+}
+
 }  // namespace
 
 Recording::Recording(Session& session, RecordingOptions options, RecordingHooks hooks)
@@ -27,6 +33,7 @@ Recording::Recording(Session& session, RecordingOptions options, RecordingHooks 
       m_options(std::move(options)),
       m_hooks(std::move(hooks)),
       m_writer(session.vendor().stampReader()),
+      m_trigger(session.vendor().triggerLine(), m_options.cameras.aux),
       m_messages(session.messages(), m_hooks.tell) {}
 
 Recording::~Recording() {
@@ -60,11 +67,19 @@ void Recording::selectChannels() {
 
 void Recording::attachSinks() {
     for (const auto& [id, channel] : m_channels) {
-        auto sink = std::make_unique<RecordingSink>(toNanoseconds(m_options.seconds).count(),
-                                                    [this] { m_writer.wake(); });
-        m_session.plugin().setChannelSink(id, sink.get());
-        m_sinks.emplace(id, std::move(sink));
+        attachSink(id, channel);
+        if (const auto counters = m_session.frameCounters(id)) {
+            attachSink(counters->sent, channel);
+            attachSink(counters->received, channel);
+        }
     }
+}
+
+void Recording::attachSink(std::uint32_t id, const ChannelInfo& channel) {
+    auto sink =
+        std::make_unique<RecordingSink>(sinkLength(m_options.seconds, channel), [this] { m_writer.wake(); });
+    m_session.plugin().setChannelSink(id, sink.get());
+    m_sinks.emplace(id, std::move(sink));
 }
 
 void Recording::failCamera(const std::string& what, const std::string& reason) {
@@ -98,8 +113,19 @@ void Recording::makeFiles() {
         const std::uint64_t bytes = channel.pictureBytes();
         m_sinks.at(id)->makeRing(ringSlots(channel.rate.value_or(kUnknownRate), bytes), bytes);
         m_writer.addChannel(channel, *m_sinks.at(id), m_options.directory);
+        if (const auto counters = m_session.frameCounters(id)) {
+            makeCounterFile(counters->sent, CounterKind::Sent, channel);
+            makeCounterFile(counters->received, CounterKind::Received, channel);
+        }
     }
     m_writer.start();
+}
+
+void Recording::makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel) {
+    constexpr std::size_t kCountBytes = 8;
+    RecordingSink& sink = *m_sinks.at(id);
+    sink.makeRing(ringSlots(channel.rate.value_or(kUnknownRate), kCountBytes), kCountBytes);
+    m_writer.addCounter(channel, kind, sink, m_options.directory);
 }
 
 void Recording::startCameras() {
@@ -111,6 +137,7 @@ void Recording::startCameras() {
     } catch (const PluginError& failure) {
         failCamera(what, failure.what());
     }
+    m_trigger.start();
 }
 
 std::chrono::nanoseconds Recording::patience() const {
@@ -159,6 +186,7 @@ void Recording::stopCameras(RecordingReport& report) {
     } catch (const PluginError& failure) {
         report.stopFailure = failure.what();
     }
+    m_trigger.stop();
     // Nothing may call the sinks any more before the writer writes the rest.
     m_session.plugin().cancelAcquisition();
     m_writer.finish();

@@ -11,6 +11,7 @@
 #include "progress.h"
 #include "recording_writer.h"
 #include "session.h"
+#include "trigger_output.h"
 
 namespace host {
 
@@ -48,6 +49,8 @@ class Recording {
 
     void selectChannels();
     void attachSinks();
+    void attachSink(std::uint32_t id, const ChannelInfo& channel);
+    void makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel);
     void prepare();
     void makeFiles();
     void startCameras();
@@ -66,6 +69,7 @@ class Recording {
     std::map<std::uint32_t, ChannelInfo> m_channels;
     std::map<std::uint32_t, std::unique_ptr<RecordingSink>> m_sinks;
     RecordingWriter m_writer;
+    TriggerOutput m_trigger;
     bool m_has_recorded = false;
     Clock::time_point m_started;
     MessageTeller m_messages;

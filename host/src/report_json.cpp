@@ -29,6 +29,24 @@ ordered_json timeErrorJson(const std::optional<TimeError>& error) {
             {"spread_max_ns", error->spreadMaxNs}};
 }
 
+ordered_json spansJson(const std::vector<PulseSpan>& spans) {
+    ordered_json list = ordered_json::array();
+    for (const PulseSpan& span : spans) list.push_back({span.first, span.last});
+    return list;
+}
+
+ordered_json pulsesJson(const std::optional<PulseReport>& pulses) {
+    if (!pulses) return nullptr;
+    return {{"skipped", spansJson(pulses->skipped)},
+            {"lost", spansJson(pulses->lost)},
+            {"doubled", spansJson(pulses->doubled)}};
+}
+
+ordered_json countersJson(const std::optional<CounterReport>& counters) {
+    if (!counters) return nullptr;
+    return {{"sent", counters->sent}, {"received", counters->received}, {"unusable", counters->unusable}};
+}
+
 ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     ordered_json json = channelJson(channel.channel);
     json["frames"] = channel.frames;
@@ -40,6 +58,8 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
     json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
     json["time_error"] = timeErrorJson(channel.timeError);
+    json["pulses"] = pulsesJson(channel.pulses);
+    json["counters"] = countersJson(channel.counters);
     return json;
 }
 

@@ -265,4 +265,27 @@ TEST_F(RecordingTest, RefusesADirectoryBelowAFileOrInItsPlace) {
     }
 }
 
+TEST_F(RecordingTest, CountsInPulsesWhenTheCameraIsTriggered) {
+    for (auto& [id, channel] : plugin().m_channels) {
+        channel->m_items[config_keys::kCameraTriggerMode] = host_test::textItem("GIGE/TriggerModeAux");
+        channel->m_items[config_keys::kCameraFrameSetting] =
+            config_items::RationalScalarConfigItem(3, 2, "fps");
+    }
+    setStart([this] {
+        const std::string bytes(8, 'x');
+        for (const auto& [id, sink] : plugin().m_sinks) {
+            for (const std::int64_t pulse : {0, 1, 3, 4, 5}) sink->addSample(pulse, bytes.data(), 8);
+        }
+        return true;
+    });
+    host::RecordingOptions triggered = options();
+    triggered.seconds = 2.5;  // at 1.5 pulses a second 3.75 pulses, so four with the last one whole
+    const RecordingReport report = record(triggered);
+    EXPECT_EQ(report.channels[0].frames, 3u) << "pulses 0, 1 and 3";
+    EXPECT_FALSE(report.channels[0].silent);
+    EXPECT_EQ(report.channels[0].pulses->lost, (std::vector<host::PulseSpan>{{2, 2}}));
+    EXPECT_EQ(test_support::readFile(triggered.directory / "channel-1.csv"),
+              "frame,pulse,offset,bytes\n0,0,0,8\n1,1,8,8\n2,3,16,8\n");
+}
+
 }  // namespace
