@@ -18,6 +18,8 @@ inline constexpr boost::uuids::uuid kServiceId{{16, 15, 14, 13, 12, 11, 10, 9, 8
 template <class Service>
 class RecordingService : public EndOf<Service> {
   public:
+    using EndOf<Service>::EndOf;
+
     virtual std::uint32_t addRef() {
         answered("addRef");
         return 3000000000u;
@@ -73,6 +75,7 @@ class RecordingSyncAuxService : public RecordingService<zelt::IfSyncAuxService> 
 template <class Topology>
 class RecordingTopologyService : public RecordingService<Topology> {
   public:
+    using RecordingService<Topology>::RecordingService;
     using Callback = zelt::IfSystemTopologyService::Callback;
 
     virtual void getTopology(std::uint64_t reserved, Callback callback, void* context) {

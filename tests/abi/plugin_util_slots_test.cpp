@@ -13,6 +13,7 @@
 #include "zeltpu_simple_channel_config.h"
 #include "zeltpu_simple_channel_config_options.h"
 #include "zeltpu_simple_plugin_config.h"
+#include "zeltpu_system_topology_service_base.h"
 
 namespace {
 
@@ -49,6 +50,30 @@ const MirrorOf eventCounter(
         return recorded<RecordingEventCounter>(text, text, text);
     },
     slot_check::callChannelConfig);
+
+class RecordingTopologyBase : public slot_check::RecordingTopologyService<util::SystemTopologyServiceBase> {
+  public:
+    RecordingTopologyBase() : RecordingTopologyService(nullptr) {}
+
+    virtual void fillMeasurementTree(pugi::xml_node tree) {
+        answered("fillMeasurementTree");
+        tree.append_child("Filled");
+    }
+
+    static Operations operations() {
+        Operations all = RecordingTopologyService::operations();
+        all.push_back({"fillMeasurementTree", entryOf(&RecordingTopologyBase::fillMeasurementTree)});
+        return all;
+    }
+};
+
+const MirrorOf topologyBase("zelt::plugin_util::SystemTopologyServiceBase", recorded<RecordingTopologyBase>,
+                            [](Mirror& mirror) {
+                                slot_check::callTopologyService(mirror);
+                                pugi::xml_document document;
+                                mirror.slot<void(pugi::xml_node)>(6)(document);
+                                EXPECT_TRUE(document.child("Filled"));
+                            });
 
 // Nothing can derive from a final class, so the real operations answer, and where its table ends is not seen.
 class PublishedService final : public plugin_api::IfService {

@@ -37,7 +37,8 @@ class FrameReceiver {
     void setReference(std::uint64_t timestamp, std::uint64_t frameid);
 
     /// `arrived`: the counter's reading when the callback was entered. The path of every frame: allocates
-    /// nothing unless the frame is irregular and its log record is taken.
+    /// nothing, but for the log library's one per record of an irregular frame, also of a record that no one
+    /// takes.
     void receive(const zelt_gige_api::CameraFrame& frame, std::int64_t arrived);
 
   private:

@@ -18,6 +18,7 @@ using zelt_gige_api::CameraInfo;
 
 constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_plugin";
 constexpr const char* kPluginId = "{EEEC3C46-9973-487D-AD18-36CD7DDA58DA}";
+constexpr const char* kTopologyServiceId = "{A5C594EA-1C7F-41BF-A588-9AC316FB5973}";
 constexpr const char* kSyncAuxServiceId = "{784229AE-48AB-4A05-8F83-9FB70F11827F}";
 
 std::shared_ptr<zelt::plugin_util::SimplePluginConfig> makeConfig() {
@@ -69,8 +70,9 @@ bool CameraPlugin::createServices() {
     if (m_service_factory != nullptr) return true;
     m_service_factory = new zeltpu::ServiceFactory;
     m_service_factory->addRef();
-    m_service_factory->registerService(boost::uuids::string_generator()(kSyncAuxServiceId),
-                                       m_sync_aux_service.get());
+    const boost::uuids::string_generator parse;
+    m_service_factory->registerService(parse(kTopologyServiceId), &m_topology_service);
+    m_service_factory->registerService(parse(kSyncAuxServiceId), m_sync_aux_service.get());
     return true;
 }
 

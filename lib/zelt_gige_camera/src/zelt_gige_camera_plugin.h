@@ -12,6 +12,7 @@
 #include "mutex.h"
 #include "zelt_gige_aux_frequency_listener.h"
 #include "zelt_gige_camera_api.h"
+#include "zelt_gige_camera_system_topology_service.h"
 #include "zelt_gige_channel_map.h"
 #include "zelt_gige_sync_aux_service.h"
 #include "zeltpu_daq_plugin_base.h"
@@ -101,6 +102,7 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     const std::shared_ptr<zelt::plugin_util::SimplePluginConfig> m_config;
     zeltpu::ServiceFactory* m_service_factory ZELT_GUARDED_BY(m_mutex) = nullptr;
     std::atomic<std::uint64_t> m_host_value{0};
+    CameraSystemTopologyService m_topology_service{this};
     const std::shared_ptr<GigeSyncAuxService> m_sync_aux_service = std::make_shared<GigeSyncAuxService>(this);
     const std::shared_ptr<PublishedChannels> m_published =
         std::make_shared<PublishedChannels>(m_sync_aux_service);

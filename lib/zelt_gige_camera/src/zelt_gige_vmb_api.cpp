@@ -18,12 +18,6 @@ constexpr const char* kDiscoveryEvent = "DiscoveryCameraEvent";
 // The library reports no vendor.
 constexpr const char* kVendor = "Allied Vision Technologies";
 
-void discoveryEventThunk(const VmbHandle_t handle, const char* name, void* context) {
-    atVendorBorder("discovery", [=] {
-        static_cast<VimbaCameraApi*>(context)->handleDiscoveryEvent(fromVmb(handle), name);
-    });
-}
-
 std::string textOrEmpty(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -109,15 +103,20 @@ void VimbaCameraApi::registerDiscoveryCallback(IfDiscoveryCallback* callback) {
     if (!m_discovery_callback.compare_exchange_strong(none, callback)) {
         throw CameraApiError("Device monitor callback already registered");
     }
+    if (m_discovery_function.get() == nullptr) {
+        throw CameraApiError("More than " + std::to_string(DiscoveryFunction::kStock) +
+                             " plug-ins of this process look for cameras, close one of them");
+    }
     // A failure leaves the callback stored on purpose: a second attempt is refused.
-    check(VmbFeatureInvalidationRegister(toVmb(kSystemHandle), kDiscoveryEvent, &discoveryEventThunk, this),
+    check(VmbFeatureInvalidationRegister(toVmb(kSystemHandle), kDiscoveryEvent, m_discovery_function.get(),
+                                         nullptr),
           "Could not register callbacks: ");
     runCommand(kSystemHandle, "GeVDiscoveryAllAuto");
 }
 
 void VimbaCameraApi::unregisterDiscoveryCallback() {
     if (m_discovery_callback.load() == nullptr) return;
-    check(VmbFeatureInvalidationUnregister(toVmb(kSystemHandle), kDiscoveryEvent, &discoveryEventThunk),
+    check(VmbFeatureInvalidationUnregister(toVmb(kSystemHandle), kDiscoveryEvent, m_discovery_function.get()),
           "Could not unregister callbacks: ");
     m_discovery_callback = nullptr;
     // The library does not promise that a running call has ended, and the callback may die next.

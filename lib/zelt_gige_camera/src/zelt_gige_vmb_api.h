@@ -12,6 +12,7 @@
 #include "pages.h"
 #include "vimba_c.h"
 #include "zelt_gige_camera_api.h"
+#include "zelt_gige_vmb_discovery_function.h"
 
 namespace zelt_gige_api {
 
@@ -86,6 +87,7 @@ class VimbaCameraApi final : public CameraApi {
     platform::Mutex m_session_mutex;  ///< held while the library is started or stopped
     std::atomic<bool> m_started{false};
     std::atomic<IfDiscoveryCallback*> m_discovery_callback{nullptr};
+    const DiscoveryFunction m_discovery_function{*this};
 
     platform::Mutex m_maps_mutex;  ///< leaf lock around the maps' own operations, held across no call
     std::condition_variable_any m_call_ended;

@@ -1,6 +1,6 @@
 #include "zelt_gige_camera_channel_capture.h"
 
-#include <memory>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -42,7 +42,8 @@ class CaptureOfACamera : public ::testing::Test {
     }
 
     CapturingCamera camera;
-    CameraCapture capture{camera, "Manta (7)"};
+    const std::string name = "Manta (7)";
+    CameraCapture capture{camera, name};
     LogCapture log{UniLogSeverityLevel::Debug};
 };
 

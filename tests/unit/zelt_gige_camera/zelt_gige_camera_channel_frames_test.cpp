@@ -1,6 +1,7 @@
 // Frames through the plug-in: time stamps, sinks, the acquisition events, the cost per frame.
 #include <array>
 #include <cstdlib>
+#include <latch>
 #include <thread>
 
 #include "allocation_counter.h"
@@ -189,6 +190,25 @@ TEST_F(FramesByHand, MayComeTogetherWithTheStartEvent) {
     done = true;
     events.join();
     EXPECT_THAT(times(), SizeIs(300));
+}
+
+TEST_F(FramesByHand, MayComeTogetherWithTheEndEvent) {
+    auto& callback = dynamic_cast<zelt_gige_api::IfCameraCallback&>(*plugin->getChannel(0));
+    std::latch delivered(1);
+    std::thread events([&] {
+        delivered.wait();
+        for (int i = 0; i < 100; ++i) callback.onAcquisitionEnded({}, 500, 1);
+    });
+    for (std::uint64_t number = 1; number <= 300; ++number) {
+        clock->fixed = 1'000'000'000'000 + number * 20'000'000;
+        deliver(number, number * 20'000'000);
+        if (number == 1) delivered.count_down();
+    }
+    events.join();
+    const std::size_t atTheEnd = times().size();
+    EXPECT_GE(atTheEnd, 1u);
+    deliver(301, 301 * 20'000'000ull);
+    EXPECT_THAT(times(), SizeIs(atTheEnd));
 }
 
 /// A sink that fails as a host's might.

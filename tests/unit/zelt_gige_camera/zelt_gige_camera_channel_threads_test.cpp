@@ -37,6 +37,44 @@ TEST_F(OneChannelAtOnce, TwoHostThreadsSetOneChannel) {
     EXPECT_EQ(shown(0, kFrameWidth), "328 pixel");
 }
 
+TEST_F(OneChannelAtOnce, AnAutomaticFunctionIsRunOnceWhileSettingsAreRead) {
+    atOnce({repeated(100,
+                     [&](int) {
+                         channels[0]->setItem(config_keys::kActionCameraAutoGain,
+                                              config_items::SingleValueConfigItem<bool>(true));
+                     }),
+            repeated(100, [&](int) { shown(0, config_keys::kCameraGainAuto); })});
+    EXPECT_EQ(shown(0, config_keys::kCameraGainAuto), "GIGE/AutoSettingOnce");
+}
+
+TEST_F(OneChannelAtOnce, ItIsCheckedWhileItIsSet) {
+    atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(100, [&](int) { EXPECT_TRUE(camera(0).checkSettings()); })});
+}
+
+TEST_F(OneChannelAtOnce, ItIsSwitchedOnAndOffWhileItIsSet) {
+    atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(100, [&](int i) { use(0, i % 2 != 0); })});
+    EXPECT_EQ(shown(0, kValid), "1");
+}
+
+TEST_F(OneChannelAtOnce, ItIsPolledWhileItsSettingsAreMade) {
+    EXPECT_TRUE(setText(0, config_keys::kCameraGainAuto, "GIGE/AutoSettingContinuous"));
+    start();
+    atOnce({repeated(100, [&](int i) { camera(0).pollAutomaticValues(2.0 * (i + 1)); }),
+            repeated(100, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
+    stop();
+}
+
+// A preparation that fails half-way, beside readers.
+TEST_F(OneChannelAtOnce, SettingsAreReadWhileItsCaptureFails) {
+    VmbSimFailCall("VmbCaptureStart", nullptr, -1, VmbErrorOther);
+    atOnce({repeated(3, [&](int) { EXPECT_FALSE(plugin->prepareAcquisition()); }),
+            repeated(200, [&](int) { shown(0, kValid); })});
+    VmbSimClearFaults();
+    EXPECT_EQ(shown(0, kValid), "0");
+}
+
 TEST_F(OneChannelAtOnce, ItsConstraintsAreReadWhileTheyChange) {
     atOnce({repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
             repeated(100, [&](int) { channels[0]->getConstraints(config_keys::kFrameOffsetX); })});
@@ -66,9 +104,56 @@ TEST_F(OneChannelAtOnce, SettingsAreReadWhileItIsPrepared) {
 }
 
 TEST_F(OneChannelAtOnce, SettingsAreMadeWhileItIsPrepared) {
-    atOnce({repeated(3, [&](int) { EXPECT_TRUE(plugin->prepareAcquisition()); }),
-            repeated(30, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
+    atOnce({repeated(3, [&](int) { EXPECT_TRUE(plugin->prepareAcquisition()); }), repeated(30, [&](int i) {
+                setNumber(0, kCameraGain, i % 2);
+                setNumber(0, kFrameWidth, 320 + 8 * (i % 2));
+            })});
     EXPECT_EQ(shown(0, kCameraGain), "1");
+}
+
+TEST_F(OneChannelAtOnce, ItStartsAndStopsWhileItsSettingsAndTheTriggerFrequencyChange) {
+    EXPECT_TRUE(setText(0, config_keys::kCameraTriggerMode, "GIGE/TriggerModeAux"));
+    auto& service = aux();
+    service.setSyncOutAuxFrequency(50, 1);
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    atOnce({repeated(50,
+                     [&](int) {
+                         camera(0).startAcquisition();
+                         camera(0).stopAcquisition();
+                     }),
+            repeated(50, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); }),
+            repeated(50, [&](int i) { service.setSyncOutAuxFrequency(i + 1, 2); })});
+}
+
+TEST_F(OneChannelAtOnce, ItsCaptureEndsWhileItIsSet) {
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    atOnce({repeated(100, [&](int) { camera(0).stopCapture(); }),
+            repeated(100, [&](int i) { setNumber(0, kFrameWidth, 320 + 8 * (i % 2)); })});
+}
+
+// The command that stops a camera is a write to it like any other.
+TEST_F(OneChannelAtOnce, ASettingWaitsForTheCommandThatStopsTheCamera) {
+    start();
+    std::latch isSetting(1);
+    std::jthread setter;
+    std::vector<std::string> order;
+    api->hook = [&](const std::string& call) {
+        if (call == "Gain") order.push_back(call);
+        if (call != "AcquisitionStop" || setter.joinable()) return;
+        setter = std::jthread([&] {
+            isSetting.count_down();
+            setNumber(0, kCameraGain, 1);
+        });
+        isSetting.wait();
+        // As long as the setter would take to get to the camera.
+        for (int i = 0; i < 20'000; ++i) std::this_thread::yield();
+        order.push_back(call);
+    };
+    camera(0).stopAcquisition();
+    setter.join();
+    api->hook = [](const std::string&) {};
+    EXPECT_EQ(order, (std::vector<std::string>{"AcquisitionStop", "Gain"}));
+    stop();
 }
 
 TEST_F(OneChannelAtOnce, ASinkThatWasTakenAwayIsNotCalledAgain) {

@@ -102,6 +102,10 @@ TEST_F(FramesAmongThreads, AreDeliveredAndCountedWhileEverythingElseHappens) {
                              }
                              EXPECT_TRUE(plugin->processAcquisition());
                          }),
+                repeated(20,
+                         [&](int) {
+                             plugin->setSharedAcquisitionObject(std::make_shared<test_support::TestClock>());
+                         }),
                 [&] { turnLastCable(); },
                 [&] {
                     for (std::uint32_t camera = 0; camera < kLast; ++camera) waitForFrames(camera, 25);
