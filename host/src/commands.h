@@ -12,6 +12,8 @@ ExitCode runDevices(const CommandLine& line, Console& console, const AssertionMo
 ExitCode runSettings(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 ExitCode runCheck(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 ExitCode runRecord(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runWatch(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runTopology(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 
 /// The whole program.
 int runProgram(int argc, const char* const* argv);

@@ -45,7 +45,7 @@ inline constexpr std::array<ExitCodeMeaning, 18> kExitCodes{{
     {ExitCode::NoCamera, "no camera found"},
     {ExitCode::UnknownChannel, "no channel with the id asked for"},
     {ExitCode::OutputDirectory, "output directory unwritable or already holding a recording"},
-    {ExitCode::WriteFailed, "disk full or write failed while recording"},
+    {ExitCode::WriteFailed, "disk full, or a file could not be written"},
     {ExitCode::CameraFailed, "a camera could not be prepared or started"},
     {ExitCode::CheckFailed, "a check of the settings or of what was recorded failed"},
     {ExitCode::SettingWrong, "a setting was not accepted: unknown, malformed, out of range or refused"},

@@ -16,11 +16,13 @@ struct Runner {
     ExitCode (*run)(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 };
 
-constexpr std::array<Runner, 4> kRunners{{
+constexpr std::array<Runner, 6> kRunners{{
     {Command::Devices, &runDevices},
     {Command::Settings, &runSettings},
     {Command::Check, &runCheck},
     {Command::Record, &runRecord},
+    {Command::Watch, &runWatch},
+    {Command::Topology, &runTopology},
 }};
 
 ExitCode fail(Console& console, bool json, ExitCode code, const std::string& sentence) {

@@ -5,7 +5,6 @@
 #include <thread>
 #include <utility>
 
-#include "host_failure.h"
 #include "output_directory.h"
 #include "picture_files.h"
 
@@ -13,7 +12,6 @@ namespace host {
 namespace {
 
 constexpr auto kRedraw = std::chrono::milliseconds(100);
-constexpr auto kProcess = std::chrono::seconds(1);
 constexpr double kUnknownRate = 50;
 
 std::chrono::nanoseconds toNanoseconds(double seconds) {
@@ -33,8 +31,8 @@ Recording::Recording(Session& session, RecordingOptions options, RecordingHooks 
       m_options(std::move(options)),
       m_hooks(std::move(hooks)),
       m_writer(session.vendor().stampReader()),
-      m_trigger(session.vendor().triggerLine(), m_options.cameras.aux),
-      m_messages(session.messages(), m_hooks.tell) {}
+      m_messages(session.messages(), m_hooks.tell),
+      m_acquisition(session, m_messages, m_options.cameras.aux, m_hooks.tell) {}
 
 Recording::~Recording() {
     m_session.plugin().cancelAcquisition();
@@ -45,15 +43,18 @@ RecordingReport Recording::run() {
     selectChannels();
     prepareOutputDirectory(m_options.directory);
     attachSinks();
-    prepare();
+    m_acquisition.prepare();
     makeFiles();
-    startCameras();
+    m_started = Clock::now();
+    m_acquisition.start();
     m_has_recorded = true;
 
     RecordingReport report;
     report.outcome = waitForEnd();
     report.recordedSeconds = std::chrono::duration<double>(Clock::now() - m_started).count();
-    stopCameras(report);
+    // Nothing calls the sinks any more before the writer writes the rest.
+    report.stopFailure = m_acquisition.stop();
+    m_writer.finish();
     finishReport(report);
     return report;
 }
@@ -82,30 +83,6 @@ void Recording::attachSink(std::uint32_t id, const ChannelInfo& channel) {
     m_sinks.emplace(id, std::move(sink));
 }
 
-void Recording::failCamera(const std::string& what, const std::string& reason) {
-    std::vector<std::string> reasons;
-    for (const ChannelMessage& message : m_session.messages().take()) reasons.push_back(message.sentence);
-    // What a camera throws it has usually reported too.
-    if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {
-        reasons.push_back(reason);
-    }
-    std::string sentence = what;
-    for (std::size_t i = 0; i < reasons.size(); ++i) sentence += (i == 0 ? ": " : "; ") + reasons[i];
-    while (sentence.ends_with('.')) sentence.pop_back();
-    throw HostFailure(ExitCode::CameraFailed,
-                      sentence + "; check the camera and its settings, --log-level info tells more.");
-}
-
-void Recording::prepare() {
-    const std::string what = "The cameras could not be prepared";
-    try {
-        if (!m_session.plugin().prepareAcquisition()) failCamera(what, "");
-    } catch (const PluginError& failure) {
-        failCamera(what, failure.what());
-    }
-    m_messages.tell();
-}
-
 void Recording::makeFiles() {
     const auto now = m_session.readChannels();  // preparing may have changed format and size
     for (auto& [id, channel] : m_channels) {
@@ -128,18 +105,6 @@ void Recording::makeCounterFile(std::uint32_t id, CounterKind kind, const Channe
     m_writer.addCounter(channel, kind, sink, m_options.directory);
 }
 
-void Recording::startCameras() {
-    const std::string what = "The cameras could not be started";
-    try {
-        m_session.plugin().onAcquisitionPrepared();
-        m_started = Clock::now();
-        if (!m_session.plugin().startAcquisition()) failCamera(what, "");
-    } catch (const PluginError& failure) {
-        failCamera(what, failure.what());
-    }
-    m_trigger.start();
-}
-
 std::chrono::nanoseconds Recording::patience() const {
     double longestPeriod = 0;
     for (const auto& [id, channel] : m_channels) {
@@ -157,40 +122,14 @@ bool Recording::isOver(Clock::time_point deadline) const {
 
 Outcome Recording::waitForEnd() {
     const auto deadline = m_started + patience();
-    auto nextProcess = m_started + kProcess;
     while (!isOver(deadline)) {
         if (m_hooks.isInterrupted()) return Outcome::Interrupted;
         if (m_writer.hasFailed()) return Outcome::WriteFailed;
-        poll(Clock::now(), nextProcess);
+        m_acquisition.process();
+        m_hooks.showProgress(progress(Clock::now()));
         std::this_thread::sleep_for(kRedraw);
     }
     return Outcome::Complete;
-}
-
-void Recording::poll(Clock::time_point now, Clock::time_point& nextProcess) {
-    m_messages.tell();
-    if (now >= nextProcess) {
-        nextProcess += kProcess;
-        try {
-            m_session.plugin().processAcquisition();
-        } catch (const PluginError& failure) {
-            m_hooks.tell(failure.what());
-        }
-    }
-    m_hooks.showProgress(progress(now));
-}
-
-void Recording::stopCameras(RecordingReport& report) {
-    try {
-        m_session.plugin().stopAcquisition();
-    } catch (const PluginError& failure) {
-        report.stopFailure = failure.what();
-    }
-    m_trigger.stop();
-    // Nothing may call the sinks any more before the writer writes the rest.
-    m_session.plugin().cancelAcquisition();
-    m_writer.finish();
-    m_messages.tell();
 }
 
 void Recording::finishReport(RecordingReport& report) {

@@ -6,12 +6,10 @@
 #include <map>
 #include <memory>
 
+#include "acquisition.h"
 #include "camera_setup.h"
-#include "message_teller.h"
 #include "progress.h"
 #include "recording_writer.h"
-#include "session.h"
-#include "trigger_output.h"
 
 namespace host {
 
@@ -51,16 +49,11 @@ class Recording {
     void attachSinks();
     void attachSink(std::uint32_t id, const ChannelInfo& channel);
     void makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel);
-    void prepare();
     void makeFiles();
-    void startCameras();
     Outcome waitForEnd();
     bool isOver(Clock::time_point deadline) const;
-    void poll(Clock::time_point now, Clock::time_point& nextProcess);
-    void stopCameras(RecordingReport& report);
     void finishReport(RecordingReport& report);
     std::chrono::nanoseconds patience() const;
-    [[noreturn]] void failCamera(const std::string& what, const std::string& reason);
     Progress progress(Clock::time_point now) const;
 
     Session& m_session;
@@ -69,10 +62,10 @@ class Recording {
     std::map<std::uint32_t, ChannelInfo> m_channels;
     std::map<std::uint32_t, std::unique_ptr<RecordingSink>> m_sinks;
     RecordingWriter m_writer;
-    TriggerOutput m_trigger;
     bool m_has_recorded = false;
     Clock::time_point m_started;
     MessageTeller m_messages;
+    Acquisition m_acquisition;
 };
 
 }  // namespace host

@@ -97,6 +97,23 @@ TEST(CommandLine, TakesSettingsAndActions) {
     EXPECT_EQ(line.cameras.orders[2].kind, host::SettingOrder::Kind::RunAction);
 }
 
+TEST(CommandLine, TakesAWatchWithOrWithoutAnEnd) {
+    EXPECT_EQ(parse({"watch"}).command, Command::Watch);
+    EXPECT_EQ(parse({"watch"}).seconds, std::nullopt);
+    EXPECT_EQ(parse({"watch", "--seconds", "2.5"}).seconds, 2.5);
+    EXPECT_THAT(refusal({"watch", "--seconds", "0"}), HasSubstr("--seconds takes a number greater than 0"));
+    EXPECT_EQ(parse({"topology", "--out", "rig.xml"}).out, "rig.xml");
+    EXPECT_TRUE(parse({"record", "--seconds", "1", "--out", "d", "--counters"}).counters);
+}
+
+TEST(CommandLine, OffersEveryCommandOnlyWhatItCanDo) {
+    EXPECT_THAT(refusal({"devices", "--set", "a=b"}), HasSubstr("--set"));
+    EXPECT_THAT(refusal({"settings", "--aux", "10"}), HasSubstr("--aux"));
+    EXPECT_THAT(refusal({"check", "--action", "a"}), HasSubstr("--action"));
+    EXPECT_THAT(refusal({"check", "--counters"}), HasSubstr("--counters"));
+    EXPECT_THAT(refusal({"topology", "--channel", "0"}), HasSubstr("--channel"));
+}
+
 TEST(CommandLine, NamesASettingThatIsNone) {
     for (const char* text : {"Gain", "=3", ""}) {
         EXPECT_EQ(refusal({"settings", "--set", text}),
