@@ -48,6 +48,10 @@ void checkPulses(const ChannelReport& channel, std::vector<Check>& checks) {
     check(channel.pulses->skipped, "skipped");
     check(channel.pulses->lost, "lost");
     check(channel.pulses->doubled, "doubled");
+    if (!channel.stamped) return;
+    const std::uint64_t misplaced = channel.pulses->misplaced;
+    checks.push_back({misplaced == 0, label(channel) + frameCount(misplaced) +
+                                          " with the number of another pulse than the one that exposed"});
 }
 
 void checkCounters(const ChannelReport& channel, std::vector<Check>& checks) {

@@ -1,6 +1,7 @@
 #include "pulse_statistics.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace host {
 namespace {
@@ -45,6 +46,13 @@ void PulseStatistics::add(std::int64_t pulse, std::optional<std::uint64_t> frame
         append(isConsecutive ? m_report.skipped : m_report.lost, {m_last->pulse + 1, pulse - 1});
     }
     m_last = Frame{pulse, frameId};
+}
+
+void PulseStatistics::addTruth(std::uint64_t exposureNs) {
+    if (!m_first_truth) m_first_truth = Truth{m_last->pulse, exposureNs};
+    const double seconds = static_cast<double>(exposureNs - m_first_truth->exposureNs) * 1e-9;
+    const auto pulses = static_cast<double>(m_last->pulse - m_first_truth->pulse);
+    if (std::abs(seconds * m_frequency - pulses) > 0.5) ++m_report.misplaced;
 }
 
 }  // namespace host

@@ -28,6 +28,7 @@ void RecordingStatistics::add(const RingFrame& frame, const StampReading& readin
     m_lost += std::max(gap, frame.lostBefore - m_lost_in_host);
     if (m_time_base == TimeBase::Pulses) {
         m_pulses.add(frame.time, reading.hasStamp() ? std::optional(reading.stamp.frameId) : std::nullopt);
+        if (reading.hasStamp()) m_pulses.addTruth(reading.stamp.exposureStartNs);
     }
     ++m_frames;
     m_last_time = frame.time;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <span>
 #include <vector>
@@ -31,7 +32,7 @@ class RecordingStatistics {
     /// `stamped`: the pictures carry stamps. `rate`: nominal frames per second, if known; losses are told
     /// from it when there are no stamps. Times that are pulses tell of no time error, but of every pulse.
     RecordingStatistics(bool stamped, std::optional<double> rate, TimeBase timeBase = TimeBase::Nanoseconds)
-        : m_stamped(stamped), m_rate(rate), m_time_base(timeBase) {}
+        : m_stamped(stamped), m_rate(rate), m_time_base(timeBase), m_pulses(rate.value_or(NAN)) {}
 
     /// A frame that was recorded, and what its picture says.
     void add(const RingFrame& frame, const StampReading& reading);

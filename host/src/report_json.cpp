@@ -35,11 +35,13 @@ ordered_json spansJson(const std::vector<PulseSpan>& spans) {
     return list;
 }
 
-ordered_json pulsesJson(const std::optional<PulseReport>& pulses) {
+ordered_json pulsesJson(const ChannelReport& channel) {
+    const std::optional<PulseReport>& pulses = channel.pulses;
     if (!pulses) return nullptr;
     return {{"skipped", spansJson(pulses->skipped)},
             {"lost", spansJson(pulses->lost)},
-            {"doubled", spansJson(pulses->doubled)}};
+            {"doubled", spansJson(pulses->doubled)},
+            {"misplaced", channel.stamped ? ordered_json(pulses->misplaced) : ordered_json(nullptr)}};
 }
 
 ordered_json countersJson(const std::optional<CounterReport>& counters) {
@@ -58,7 +60,7 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
     json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
     json["time_error"] = timeErrorJson(channel.timeError);
-    json["pulses"] = pulsesJson(channel.pulses);
+    json["pulses"] = pulsesJson(channel);
     json["counters"] = countersJson(channel.counters);
     return json;
 }

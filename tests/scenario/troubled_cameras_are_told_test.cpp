@@ -111,6 +111,8 @@ TEST_F(TroubledCamerasAreTold, WithThePulsesThatHaveNoPictureOfTheirOwn) {
     EXPECT_EQ(colour.pulses->skipped, (std::vector<host::PulseSpan>{{30, 31}}));
     EXPECT_EQ(colour.pulses->doubled, (std::vector<host::PulseSpan>{{45, 45}}));
     EXPECT_EQ(host::pulseCount(colour.pulses->lost), 0u);
+    EXPECT_EQ(colour.pulses->misplaced, 0u);
+    EXPECT_EQ(grey.pulses->misplaced, 0u);
     EXPECT_EQ(colour.counters->sent, colour.counters->received);
     EXPECT_EQ(host::pulseCount(grey.pulses->lost), 3u);
     EXPECT_EQ(host::pulseCount(grey.pulses->skipped), 0u);

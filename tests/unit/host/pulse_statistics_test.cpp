@@ -1,5 +1,7 @@
 #include "pulse_statistics.h"
 
+#include <limits>
+
 #include <gmock/gmock.h>
 
 using host::PulseSpan;
@@ -10,7 +12,7 @@ using testing::IsEmpty;
 namespace {
 
 TEST(PulseStatistics, FindsNothingWithoutGaps) {
-    PulseStatistics statistics;
+    PulseStatistics statistics(50);
     for (std::int64_t pulse = 5; pulse < 100; ++pulse) {
         statistics.add(pulse, static_cast<std::uint64_t>(pulse) + 1);
     }
@@ -20,7 +22,7 @@ TEST(PulseStatistics, FindsNothingWithoutGaps) {
 }
 
 TEST(PulseStatistics, CallsAPulseSkippedWhenTheFramesAreConsecutive) {
-    PulseStatistics statistics;
+    PulseStatistics statistics(50);
     statistics.add(0, 1);
     statistics.add(2, 2);
     statistics.add(6, 3);
@@ -29,7 +31,7 @@ TEST(PulseStatistics, CallsAPulseSkippedWhenTheFramesAreConsecutive) {
 }
 
 TEST(PulseStatistics, CallsAPulseLostWhenFramesAreMissingToo) {
-    PulseStatistics statistics;
+    PulseStatistics statistics(50);
     statistics.add(0, 1);
     statistics.add(3, 4);
     statistics.add(10, 6);
@@ -38,7 +40,7 @@ TEST(PulseStatistics, CallsAPulseLostWhenFramesAreMissingToo) {
 }
 
 TEST(PulseStatistics, CallsAPulseLostWhenTheFramesHaveNoNumbers) {
-    PulseStatistics statistics;
+    PulseStatistics statistics(50);
     statistics.add(0, std::nullopt);
     statistics.add(2, std::nullopt);
     statistics.add(4, 7);
@@ -48,7 +50,7 @@ TEST(PulseStatistics, CallsAPulseLostWhenTheFramesHaveNoNumbers) {
 }
 
 TEST(PulseStatistics, NamesEveryDoubledPulseOnce) {
-    PulseStatistics statistics;
+    PulseStatistics statistics(50);
     statistics.add(7, 1);
     statistics.add(7, 2);
     statistics.add(7, 3);
@@ -58,6 +60,28 @@ TEST(PulseStatistics, NamesEveryDoubledPulseOnce) {
     statistics.add(10, 7);
     EXPECT_THAT(statistics.report().doubled, ElementsAre(PulseSpan{7, 8}, PulseSpan{10, 10}));
     EXPECT_THAT(statistics.report().skipped, ElementsAre(PulseSpan{9, 9}));
+}
+
+TEST(PulseStatistics, FindsFramesWithTheNumberOfAnotherPulse) {
+    PulseStatistics statistics(50);  // every 20 ms
+    const auto add = [&](std::int64_t pulse, std::uint64_t exposureMs) {
+        statistics.add(pulse, static_cast<std::uint64_t>(pulse));
+        statistics.addTruth(exposureMs * 1'000'000);
+        return statistics.report().misplaced;
+    };
+    EXPECT_EQ(add(7, 1000), 0u);
+    EXPECT_EQ(add(8, 1020), 0u);
+    EXPECT_EQ(add(8, 1029), 0u) << "a second frame less than half a period later";
+    EXPECT_EQ(add(9, 1051), 1u) << "beyond half a period behind";
+    EXPECT_EQ(add(10, 1049), 2u) << "beyond half a period ahead";
+    EXPECT_EQ(add(107, 3000), 2u);
+    EXPECT_EQ(add(108, 3000), 3u);
+    PulseStatistics unknown(std::numeric_limits<double>::quiet_NaN());
+    unknown.add(0, 1);
+    unknown.addTruth(0);
+    unknown.add(1, 2);
+    unknown.addTruth(77);
+    EXPECT_EQ(unknown.report().misplaced, 0u);
 }
 
 TEST(PulseText, ListsSpansAndCountsTheRest) {

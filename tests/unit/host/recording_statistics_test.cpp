@@ -155,16 +155,17 @@ TEST(RecordingStatistics, KnowsOnlyTheHostsLossesWithoutStampsAndRate) {
 
 TEST(RecordingStatistics, TellsPulsesInsteadOfTimesOfATriggeredCamera) {
     RecordingStatistics statistics(true, 50.0, host::TimeBase::Pulses);
-    add(statistics, 0, 0, stamp(1, 1000, 90));
-    add(statistics, 2, 0, stamp(2, 2000, 90));
-    add(statistics, 5, 0, stamp(5, 3000, 90));
-    add(statistics, 5, 0, stamp(6, 4000, 90));
+    add(statistics, 0, 0, stamp(1, 0, 90));
+    add(statistics, 2, 0, stamp(2, 40'000'000, 90));
+    add(statistics, 5, 0, stamp(5, 100'000'000, 90));
+    add(statistics, 5, 0, stamp(6, 115'000'000, 90));  // nearer to pulse 6
     const ChannelReport report = statistics.report(0);
     EXPECT_FALSE(report.timeError);
     ASSERT_TRUE(report.pulses);
     EXPECT_EQ(report.pulses->skipped, (std::vector<host::PulseSpan>{{1, 1}}));
     EXPECT_EQ(report.pulses->lost, (std::vector<host::PulseSpan>{{3, 4}}));
     EXPECT_EQ(report.pulses->doubled, (std::vector<host::PulseSpan>{{5, 5}}));
+    EXPECT_EQ(report.pulses->misplaced, 1u);
     EXPECT_EQ(report.lost, 2u) << "frames 3 and 4";
     EXPECT_EQ(report.doubled, 0u) << "no frame number came twice";
 }

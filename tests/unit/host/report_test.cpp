@@ -107,11 +107,16 @@ TEST(Checks, NameThePulsesWithoutAPictureOfTheirOwn) {
     RecordingReport report = goodReport();
     report.channels[0].pulses = host::PulseReport{};
     EXPECT_TRUE(failedSentences(report).empty());
-    EXPECT_EQ(host::makeChecks(report).size(), host::makeChecks(goodReport()).size() + 3);
-    report.channels[0].pulses = host::PulseReport{{{12, 12}}, {{15, 17}, {20, 20}}, {{30, 31}}};
-    EXPECT_THAT(failedSentences(report), testing::ElementsAre("channel 0: 1 pulse skipped (12)",
-                                                              "channel 0: 4 pulses lost (15-17, 20)",
-                                                              "channel 0: 2 pulses doubled (30-31)"));
+    EXPECT_EQ(host::makeChecks(report).size(), host::makeChecks(goodReport()).size() + 4);
+    report.channels[0].pulses = host::PulseReport{{{12, 12}}, {{15, 17}, {20, 20}}, {{30, 31}}, 1};
+    EXPECT_THAT(
+        failedSentences(report),
+        testing::ElementsAre("channel 0: 1 pulse skipped (12)", "channel 0: 4 pulses lost (15-17, 20)",
+                             "channel 0: 2 pulses doubled (30-31)",
+                             "channel 0: 1 frame with the number of another pulse than the one that "
+                             "exposed"));
+    report.channels[0].stamped = false;
+    EXPECT_EQ(failedSentences(report).size(), 3u) << "without stamps nobody knows";
 }
 
 TEST(Checks, CompareTheCamerasCountersWithTheHostsOwnCount) {
@@ -136,16 +141,16 @@ TEST(Checks, CompareTheCamerasCountersWithTheHostsOwnCount) {
 
 TEST(RecordingText, NamesPulsesAndCounters) {
     RecordingReport report = goodReport();
-    report.channels[0].pulses = host::PulseReport{{{12, 12}, {15, 17}}, {}, {{20, 20}}};
+    report.channels[0].pulses = host::PulseReport{{{12, 12}, {15, 17}}, {}, {{20, 20}}, 0};
     report.channels[0].counters = host::CounterReport{250, 249, 0};
     const std::string text = host::recordingText(report, host::makeChecks(report));
     EXPECT_THAT(text, HasSubstr("channel 0: pulses skipped: 12, 15-17; lost: none; doubled: 20\n"
                                 "channel 0: counters: 250 sent, 249 received\n"
                                 "wrote 1 raw + CSV, 2 counter CSV, 2 PNG, summary.json\n"));
     const auto json = nlohmann::json::parse(host::recordingJson(report, host::makeChecks(report)));
-    EXPECT_EQ(
-        json["channels"][0]["pulses"],
-        nlohmann::json::parse(R"({"skipped": [[12, 12], [15, 17]], "lost": [], "doubled": [[20, 20]]})"));
+    EXPECT_EQ(json["channels"][0]["pulses"],
+              nlohmann::json::parse(R"({"skipped": [[12, 12], [15, 17]], "lost": [], "doubled": [[20, 20]],
+                                        "misplaced": 0})"));
     EXPECT_EQ(json["channels"][0]["counters"],
               nlohmann::json::parse(R"({"sent": 250, "received": 249, "unusable": 0})"));
     const auto plain = nlohmann::json::parse(host::recordingJson(goodReport(), {}));
