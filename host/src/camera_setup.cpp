@@ -45,7 +45,7 @@ std::vector<SettingOrder> allOrders(const CameraSetup& setup) {
 std::set<std::uint32_t> setUpCameras(Session& session, const CameraSetup& setup,
                                      const std::vector<SettingOrder>& orders,
                                      const std::function<void(const SettingChange&)>& changed) {
-    const std::set<std::uint32_t> chosen = session.chooseChannels(setup.channels);
+    std::set<std::uint32_t> chosen = session.chooseChannels(setup.channels);
     switchChannels(session, chosen);
     if (setup.aux) {
         tellFrequency(session, *setup.aux);

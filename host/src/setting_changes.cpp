@@ -213,6 +213,7 @@ std::vector<std::string> nearestKeys(const std::string& key, const std::vector<s
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     rated.resize(std::min(rated.size(), kSuggestions));
     std::vector<std::string> nearest;
+    nearest.reserve(rated.size());
     for (auto& [rating, other] : rated) nearest.push_back(std::move(other));
     return nearest;
 }
