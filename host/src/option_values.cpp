@@ -70,6 +70,7 @@ std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts) {
 
 std::vector<SettingOrder> parseActions(const std::vector<std::string>& texts) {
     std::vector<SettingOrder> orders;
+    orders.reserve(texts.size());
     for (const std::string& text : texts) {
         orders.push_back({"--action", {}, text, {}, SettingOrder::Kind::RunAction});
     }
