@@ -118,6 +118,7 @@ void CameraPlugin::terminate() {
     try {
         m_api->unregisterDiscoveryCallback();
         retireChannels();
+        m_acquiring = false;
         m_api->shutdown();
     } catch (const std::exception& error) {
         GIGE_LOG(Error) << "Could not terminate the plugin. Error: " << error.what();
@@ -185,16 +186,17 @@ void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t 
         });
         if (known) continue;
         const std::uint32_t id = freeChannelId(m_channels, nextId);
+        forgetRemoval(camera.cameraId);
         auto channel = std::make_shared<CameraChannel>(channel_config::ChannelID{getInstanceIndex(), id},
                                                        camera, m_published, m_api, m_host_value);
         if (withFrameCounters) channel->createFrameCounters();
         channel->setMasterClock(m_master_clock);
         m_channels.emplace(id, channel);
-        publish();
+        const bool hasVanished = publishNew(camera.cameraId);
         // Not before it is published: from then on the channel is told of every change.
         m_sync_aux_service->deliver(
             [&](const AuxFrequency& frequency) { channel->storeAuxFrequency(frequency); });
-        if (wasRemoved(camera.cameraId)) channel->onDisconnected();
+        if (hasVanished) channel->onDisconnected();
         nextId = id + 1;
     }
 }
@@ -209,9 +211,25 @@ void CameraPlugin::retireChannels() noexcept {
     m_published->clear();
 }
 
-bool CameraPlugin::wasRemoved(const std::string& cameraId) {
+void CameraPlugin::forgetRemoval(const std::string& cameraId) {
     const platform::MutexLock lock(m_removed_mutex);
+    m_removed.erase(cameraId);
+}
+
+bool CameraPlugin::publishNew(const std::string& cameraId) {
+    const platform::MutexLock lock(m_removed_mutex);
+    publish();
     return m_removed.count(cameraId) != 0;
+}
+
+std::shared_ptr<CameraChannel> CameraPlugin::findRemoved(const std::string& cameraId) {
+    const platform::MutexLock lock(m_removed_mutex);
+    const auto channels = m_published->snapshot();
+    for (const auto& [id, channel] : *channels) {
+        if (channel->getCameraId() == cameraId) return channel;
+    }
+    m_removed.insert(cameraId);
+    return nullptr;
 }
 
 void CameraPlugin::onCameraAdded(const std::string& cameraId) {
@@ -220,16 +238,7 @@ void CameraPlugin::onCameraAdded(const std::string& cameraId) {
 
 void CameraPlugin::onCameraRemoved(const std::string& cameraId) {
     GIGE_LOG(Info) << "GigE-Camera '" << cameraId << "' was removed";
-    {
-        const platform::MutexLock lock(m_removed_mutex);
-        m_removed.insert(cameraId);
-    }
-    const auto channels = m_published->snapshot();
-    for (const auto& [id, channel] : *channels) {
-        if (channel->getCameraId() != cameraId) continue;
-        channel->onDisconnected();
-        return;
-    }
+    if (const auto channel = findRemoved(cameraId)) channel->onDisconnected();
 }
 
 void CameraPlugin::onSyncOutAuxFrequencyChanged(const AuxFrequency& frequency) {

@@ -84,7 +84,11 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     std::exception_ptr stopChannels() ZELT_REQUIRES(m_mutex);
     void undoStart(const std::vector<std::shared_ptr<CameraChannel>>& started) ZELT_REQUIRES(m_mutex);
     void retireChannels() noexcept ZELT_REQUIRES(m_mutex);
-    bool wasRemoved(const std::string& cameraId);
+    void forgetRemoval(const std::string& cameraId);
+    /// True when the camera vanished since it was last forgotten, and no channel was told of it.
+    bool publishNew(const std::string& cameraId) ZELT_REQUIRES(m_mutex);
+    /// The channel to be told; without one the removal is remembered for a channel that is just being made.
+    std::shared_ptr<CameraChannel> findRemoved(const std::string& cameraId);
     std::shared_ptr<channel_config::IfChannelConfig> findChannel(std::uint32_t channelId)
         ZELT_REQUIRES(m_mutex);
 
@@ -92,9 +96,9 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     platform::WallClock& m_wall_clock;
     platform::Mutex m_mutex;
     ChannelMap m_channels ZELT_GUARDED_BY(m_mutex);
-    platform::Mutex m_removed_mutex;  ///< leaf lock
-    /// Ids of cameras that vanished since the last enumeration began: one of them may be just being opened,
-    /// and its channel not yet to be found.
+    platform::Mutex m_removed_mutex;  ///< held over the publishing of a channel, and over no call
+    /// Ids of cameras without a channel that vanished since the last enumeration began: one of them may be
+    /// just being opened, and its channel not yet to be found.
     std::set<std::string> m_removed ZELT_GUARDED_BY(m_removed_mutex);
     std::atomic<bool> m_acquiring{false};
     std::atomic<bool> m_initialized{false};

@@ -107,10 +107,11 @@ bool CameraPlugin::startAcquisition() {
     try {
         for (const auto& [id, channel] : m_channels) {
             channel->startAcquisition();
-            started.push_back(channel);
+            if (channel->isUsed()) started.push_back(channel);
         }
     } catch (...) {
         undoStart(started);
+        m_acquiring = false;
         throw;
     }
     m_acquiring = true;
@@ -126,10 +127,11 @@ void CameraPlugin::undoStart(const std::vector<std::shared_ptr<CameraChannel>>& 
             // The failure of the start is the one to report.
         }
     }
-    for (const auto& [id, channel] : m_channels) {
-        channel->stopCapture();
-        channel->setAcquisitionStarted(false);
-    }
+    // The failure of the start is the one to report, here as well.
+    visitAll(m_channels, [](CameraChannel& channel) {
+        channel.setAcquisitionStarted(false);
+        channel.stopCapture();
+    });
 }
 
 bool CameraPlugin::stopAcquisition() {

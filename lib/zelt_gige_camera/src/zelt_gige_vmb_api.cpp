@@ -34,25 +34,6 @@ CameraInfo toCameraInfo(const VmbCameraInfo_t& record) {
 
 }  // namespace
 
-/// Finds the discovery callback and holds off its removal while the call runs.
-class VimbaCameraApi::RunningDiscoveryCall {
-  public:
-    explicit RunningDiscoveryCall(VimbaCameraApi& api) : m_api(api) {
-        const platform::MutexLock lock(m_api.m_maps_mutex);
-        ++m_api.m_running_discovery_calls;
-    }
-    ~RunningDiscoveryCall() {
-        const platform::MutexLock lock(m_api.m_maps_mutex);
-        --m_api.m_running_discovery_calls;
-        m_api.m_call_ended.notify_all();
-    }
-    RunningDiscoveryCall(const RunningDiscoveryCall&) = delete;
-    RunningDiscoveryCall& operator=(const RunningDiscoveryCall&) = delete;
-
-  private:
-    VimbaCameraApi& m_api;
-};
-
 VimbaCameraApi::VimbaCameraApi(platform::PageAllocator& pages) : m_pages(pages) {}
 
 VimbaCameraApi::~VimbaCameraApi() {
@@ -103,13 +84,14 @@ void VimbaCameraApi::registerDiscoveryCallback(IfDiscoveryCallback* callback) {
     if (!m_discovery_callback.compare_exchange_strong(none, callback)) {
         throw CameraApiError("Device monitor callback already registered");
     }
-    if (m_discovery_function.get() == nullptr) {
+    if (!m_discovery_function.take(*this)) {
+        m_discovery_callback = nullptr;
         throw CameraApiError("More than " + std::to_string(DiscoveryFunction::kStock) +
-                             " plug-ins of this process look for cameras, close one of them");
+                             " plug-ins of this process look for cameras, terminate one of them");
     }
     // A failure leaves the callback stored on purpose: a second attempt is refused.
     check(VmbFeatureInvalidationRegister(toVmb(kSystemHandle), kDiscoveryEvent, m_discovery_function.get(),
-                                         nullptr),
+                                         this),
           "Could not register callbacks: ");
     runCommand(kSystemHandle, "GeVDiscoveryAllAuto");
 }
@@ -120,16 +102,12 @@ void VimbaCameraApi::unregisterDiscoveryCallback() {
           "Could not unregister callbacks: ");
     m_discovery_callback = nullptr;
     // The library does not promise that a running call has ended, and the callback may die next.
-    {
-        const platform::MutexLock lock(m_maps_mutex);
-        while (m_running_discovery_calls != 0) m_call_ended.wait(m_maps_mutex);
-    }
+    m_discovery_function.giveBack();
     runCommand(kSystemHandle, "GeVDiscoveryAllOff");
 }
 
 void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name) {
     ZELT_ASSERT(boost::equals(name, "DiscoveryCameraEvent"));
-    const RunningDiscoveryCall running(*this);
     IfDiscoveryCallback* const callback = m_discovery_callback;
     if (callback == nullptr) return;
     const std::string event = getEnumFeature(handle, kDiscoveryEvent);

@@ -71,7 +71,6 @@ class VimbaCameraApi final : public CameraApi {
         unsigned runningCalls = 0;
     };
     class RunningEventCall;
-    class RunningDiscoveryCall;
     struct Capture;
 
     void announceFrames(CameraHandle handle, unsigned frameCount);
@@ -87,13 +86,12 @@ class VimbaCameraApi final : public CameraApi {
     platform::Mutex m_session_mutex;  ///< held while the library is started or stopped
     std::atomic<bool> m_started{false};
     std::atomic<IfDiscoveryCallback*> m_discovery_callback{nullptr};
-    const DiscoveryFunction m_discovery_function{*this};
 
     platform::Mutex m_maps_mutex;  ///< leaf lock around the maps' own operations, held across no call
     std::condition_variable_any m_call_ended;
-    unsigned m_running_discovery_calls ZELT_GUARDED_BY(m_maps_mutex) = 0;
     std::map<CameraHandle, CameraCallback> m_camera_callbacks ZELT_GUARDED_BY(m_maps_mutex);
     std::map<CameraHandle, std::shared_ptr<Capture>> m_captures ZELT_GUARDED_BY(m_maps_mutex);
+    DiscoveryFunction m_discovery_function;  ///< last, so that it goes before what its calls use
 };
 
 }  // namespace zelt_gige_api

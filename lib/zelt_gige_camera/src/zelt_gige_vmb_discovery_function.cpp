@@ -10,11 +10,31 @@
 namespace zelt_gige_api {
 namespace {
 
-std::array<std::atomic<VimbaCameraApi*>, DiscoveryFunction::kStock> owners{};
+/// Counted outside the owner, since a call that has begun may find its owner gone.
+struct Place {
+    std::atomic<VimbaCameraApi*> owner{nullptr};
+    std::atomic<unsigned> runningCalls{0};
+};
+std::array<Place, DiscoveryFunction::kStock> places;
+
+class RunningCall {
+  public:
+    explicit RunningCall(Place& place) : m_place(place) { ++m_place.runningCalls; }
+    ~RunningCall() {
+        --m_place.runningCalls;
+        m_place.runningCalls.notify_all();
+    }
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+
+  private:
+    Place& m_place;
+};
 
 template <std::size_t Number>
 void onDiscoveryEvent(const VmbHandle_t handle, const char* name, void*) {
-    VimbaCameraApi* const owner = owners[Number];
+    const RunningCall running(places[Number]);
+    VimbaCameraApi* const owner = places[Number].owner;
     if (owner == nullptr) return;
     atVendorBorder("discovery", [=] { owner->handleDiscoveryEvent(fromVmb(handle), name); });
 }
@@ -26,23 +46,34 @@ constexpr std::array<VmbInvalidationCallback, sizeof...(Numbers)> makeStock(std:
 
 constexpr auto kFunctions = makeStock(std::make_index_sequence<DiscoveryFunction::kStock>());
 
-bool take(std::atomic<VimbaCameraApi*>& place, VimbaCameraApi& owner) {
-    VimbaCameraApi* nobody = nullptr;
-    return place.compare_exchange_strong(nobody, &owner);
-}
-
 }  // namespace
 
-DiscoveryFunction::DiscoveryFunction(VimbaCameraApi& owner) {
-    while (m_number < kStock && !take(owners[m_number], owner)) ++m_number;
+DiscoveryFunction::~DiscoveryFunction() {
+    if (m_number != kNone) places[m_number].owner = nullptr;
 }
 
-DiscoveryFunction::~DiscoveryFunction() {
-    if (m_number < kStock) owners[m_number] = nullptr;
+bool DiscoveryFunction::take(VimbaCameraApi& owner) {
+    if (m_number != kNone) return false;
+    for (std::size_t number = 0; number < kStock; ++number) {
+        VimbaCameraApi* nobody = nullptr;
+        if (!places[number].owner.compare_exchange_strong(nobody, &owner)) continue;
+        m_number = number;
+        return true;
+    }
+    return false;
 }
 
 VmbInvalidationCallback DiscoveryFunction::get() const {
-    return m_number < kStock ? kFunctions[m_number] : nullptr;
+    return m_number != kNone ? kFunctions[m_number] : nullptr;
+}
+
+void DiscoveryFunction::giveBack() {
+    if (m_number == kNone) return;
+    Place& place = places[std::exchange(m_number, kNone)];
+    place.owner = nullptr;
+    for (unsigned running = place.runningCalls; running != 0; running = place.runningCalls) {
+        place.runningCalls.wait(running);
+    }
 }
 
 }  // namespace zelt_gige_api

@@ -1,4 +1,7 @@
 // Frames that get lost or damaged, and cables that go in the middle of something.
+#include <latch>
+#include <thread>
+
 #include "far_pages.h"
 #include "virtual_fixture.h"
 
@@ -277,10 +280,16 @@ TEST_F(FrameWait, EndsWhenTheFrameLeavesTheQueueUnfilledOrTheCameraIsGone) {
         Stream trigger(other, 1);
         trigger.requeue = false;
         std::thread client;
-        trigger.hook = [&, &event = event](VmbFrame_t&) { client = std::thread([&] { event(stream); }); };
+        std::latch hasClient(1);
+        trigger.hook = [&, &event = event](VmbFrame_t&) {
+            client = std::thread([&] { event(stream); });
+            hasClient.count_down();
+        };
         trigger.startCapture();
         run(other, "AcquisitionStart");
         EXPECT_EQ(wait(stream, 0, VMBINFINITE), result);
+        // The event may have ended the wait before its thread was stored.
+        hasClient.wait();
         client.join();
         trigger.endCapture();
         VmbCameraClose(camera);

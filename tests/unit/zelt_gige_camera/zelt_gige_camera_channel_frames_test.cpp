@@ -62,7 +62,7 @@ TEST_F(PluginTest, CallsNoSinkOnceItWasCleared) {
     for (int round = 0; round < 20; ++round) {
         auto sink = std::make_unique<RecordingSink>();
         plugin->setChannelSink(0, sink.get());
-        sink->waitFor(1);
+        EXPECT_TRUE(sink->waitFor(1));
         plugin->clearChannelSinks();
     }
     stop();
@@ -84,6 +84,26 @@ TEST_F(PluginTest, LogsTheAcquisitionEvents) {
     ASSERT_THAT(started, SizeIs(1));
     EXPECT_EQ(started[0].rfind("Camera " + kName + " received onAcquisitionStarted at ", 0), 0u);
     EXPECT_EQ(started[0].substr(started[0].size() - 14), " with frame #1");
+}
+
+TEST_F(FramesByHand, EndWithAnEventThatIsLogged) {
+    auto& callback = dynamic_cast<zelt_gige_api::IfCameraCallback&>(*plugin->getChannel(0));
+    const LogCapture log(UniLogSeverityLevel::Debug);
+    callback.onAcquisitionEnded({}, 4711, 9);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Debug),
+                ElementsAre("Camera " + kName + " received onAcquisitionEnded at 4711"));
+}
+
+TEST_F(FramesByHand, BeginWithAnEventOfTheirOwnCamera) {
+    auto& callback = dynamic_cast<zelt_gige_api::IfCameraCallback&>(*plugin->getChannel(0));
+    const AssertionCapture assertions;
+    callback.onAcquisitionStarted(0x4711, 0, 5);
+    ASSERT_THAT(assertions.failures(), SizeIs(1));
+    EXPECT_EQ(assertions.failures()[0].expression, "handle == m_device_handle");
+    EXPECT_EQ(assertions.failures()[0].message, "handle !=m_device_handle");
+    // The event counts all the same.
+    deliver(4, 1000);
+    EXPECT_EQ(assertions.expressions().back(), "frame.frameid >= m_timestamp_generator->getStartFrameId()");
 }
 
 TEST_F(FramesByHand, ReachTheSinkWithBufferAndSize) {

@@ -61,8 +61,9 @@ TEST_F(OneChannelAtOnce, ItIsSwitchedOnAndOffWhileItIsSet) {
 TEST_F(OneChannelAtOnce, ItIsPolledWhileItsSettingsAreMade) {
     EXPECT_TRUE(setText(0, config_keys::kCameraGainAuto, "GIGE/AutoSettingContinuous"));
     start();
-    atOnce({repeated(100, [&](int i) { camera(0).pollAutomaticValues(2.0 * (i + 1)); }),
-            repeated(100, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
+    const auto polling = repeated(100, [&](int i) { camera(0).pollAutomaticValues(2.0 * (i + 1)); });
+    // The camera's own lock may put a poll and a setter in order, but not two polls that are not due.
+    atOnce({polling, polling, repeated(100, [&](int i) { setNumber(0, kCameraGain, i % 2); })});
     stop();
 }
 
@@ -243,6 +244,15 @@ TEST_F(OneChannelAtOnce, WaitingCallsOfTheCameraLayerLeaveTheChannelToOthers) {
     EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
     EXPECT_TRUE(plugin->prepareAcquisition());
     EXPECT_EQ(seen, waiting);
+    // Ahead of its configuration, since it could not be stopped.
+    plugin->onAcquisitionPrepared();
+    EXPECT_TRUE(plugin->startAcquisition());
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStop", 1, VmbErrorOther);
+    EXPECT_THROW(plugin->stopAcquisition(), zelt_gige_api::CameraApiError);
+    plugin->onAcquisitionFinished();
+    seen.erase("AcquisitionAbort");
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(seen.count("AcquisitionAbort"), 1u);
     api->hook = [](const std::string&) {};
 }
 

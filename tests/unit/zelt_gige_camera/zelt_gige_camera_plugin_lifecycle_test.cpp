@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <boost/uuid/uuid_io.hpp>
+
 #include "plugin_fixture.h"
 #include "zelt_gige_camera_api.h"
 
@@ -83,6 +85,17 @@ const std::vector<Operation>& operations() {
     static const std::vector<Operation> all{
         {"getDisplayName", [](Plugin& plugin) { return std::string(plugin.getDisplayName()); },
          always("GIGE Camera")},
+        {"getPluginId", [](Plugin& plugin) { return boost::uuids::to_string(plugin.getPluginId()); },
+         always("eeec3c46-9973-487d-ad18-36cd7dda58da")},
+        {"getPluginTypeId", [](Plugin& plugin) { return boost::uuids::to_string(plugin.getPluginTypeId()); },
+         always("d40250c7-33f6-4ece-9a88-bae8ee6d5fa5")},
+        {"getServiceFactory",
+         [](Plugin& plugin) {
+             plugin_api::IfServiceFactory* const factory = plugin.getServiceFactory();
+             if (factory != nullptr) factory->release();
+             return text(factory != nullptr);
+         },
+         [](State state) { return text(state != State::Created); }},
         {"getInstanceIndex", [](Plugin& plugin) { return std::to_string(plugin.getInstanceIndex()); },
          always("0")},
         {"setInstanceIndex",

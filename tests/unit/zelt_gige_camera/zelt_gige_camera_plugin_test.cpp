@@ -4,6 +4,7 @@
 
 #include "config_item_variant.h"
 #include "plugin_fixture.h"
+#include "zelt_gige_camera_api.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ TEST_F(PluginTest, OnlyWarnsOfAMissingTransportLayer) {
 
 TEST_F(PluginTest, PassesOnThatTheTransportLayerCannotBeAskedForAndStaysUninitialized) {
     VmbSimFailCall("VmbFeatureBoolGet", nullptr, 1, VmbErrorNotFound);
-    EXPECT_ANY_THROW(plugin->initialize());
+    EXPECT_THROW(plugin->initialize(), zelt_gige_api::UnsupportedFeature);
     EXPECT_FALSE(plugin->startAcquisition());
     EXPECT_TRUE(plugin->initialize());
 }
@@ -205,7 +206,7 @@ TEST_F(PluginTest, NumbersOnFromTheLargestIdThereWasBeforeTheRemoval) {
 TEST_F(PluginTest, PassesOnThatTheCamerasCannotBeListedBeforeAnythingChanged) {
     enumerate();
     VmbSimFailCall("VmbCamerasList", nullptr, 1, VmbErrorOther);
-    EXPECT_ANY_THROW(plugin->enumerateDevices());
+    EXPECT_THROW(plugin->enumerateDevices(), zelt_gige_api::CameraApiError);
     EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
 }
 

@@ -166,23 +166,41 @@ TEST_F(Together, TwoPluginsRecordSideBySideWhereTheLibraryCountsItsStarts) {
     VmbSimChoose(VmbSimChoiceRepeatedStartup, 0);
 }
 
-TEST_F(Together, TooManyPluginsAreToldSo) {
-    destroy();
-    ASSERT_EQ(VmbSimChoose(VmbSimChoiceRepeatedStartup, 1), VmbErrorSuccess);
-    constexpr std::size_t kMost = 8;
-    std::vector<zelt::IfDAQPlugin*> plugins(kMost + 1);
-    const test_support::LogCapture log(UniLogSeverityLevel::Error);
-    for (zelt::IfDAQPlugin*& each : plugins) {
-        ASSERT_TRUE(creator.createPlugin("GIGECAMERA", test_support::pluginTypeId(), &each));
-        EXPECT_EQ(each->initialize(), &each != &plugins.back());
+/// Lets the library count its starts, and makes plug-ins that may be up at the same time.
+class ManyPlugins : public Together {
+  protected:
+    ManyPlugins() {
+        destroy();
+        EXPECT_EQ(VmbSimChoose(VmbSimChoiceRepeatedStartup, 1), VmbErrorSuccess);
+        for (zelt::IfDAQPlugin*& each : plugins) {
+            EXPECT_TRUE(creator.createPlugin("GIGECAMERA", test_support::pluginTypeId(), &each));
+        }
     }
+    ~ManyPlugins() override {
+        for (zelt::IfDAQPlugin* const each : plugins) {
+            EXPECT_TRUE(creator.destroyPlugin(test_support::pluginTypeId(), each));
+        }
+        VmbSimChoose(VmbSimChoiceRepeatedStartup, 0);
+    }
+    static constexpr std::size_t kMost = 8;
+    std::vector<zelt::IfDAQPlugin*> plugins = std::vector<zelt::IfDAQPlugin*>(kMost + 1);
+};
+
+TEST_F(ManyPlugins, AreToldWhenTheyAreTooMany) {
+    const test_support::LogCapture log(UniLogSeverityLevel::Error);
+    for (zelt::IfDAQPlugin* const each : plugins) EXPECT_EQ(each->initialize(), each != plugins.back());
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
                 ElementsAre("Could not start device discovery. Error: More than 8 plug-ins of this process "
-                            "look for cameras, close one of them"));
+                            "look for cameras, terminate one of them"));
+    plugins[3]->terminate();
+    EXPECT_TRUE(plugins.back()->initialize());
+}
+
+TEST_F(ManyPlugins, CountOnlyWhileTheyAreInitialized) {
     for (zelt::IfDAQPlugin* const each : plugins) {
-        EXPECT_TRUE(creator.destroyPlugin(test_support::pluginTypeId(), each));
+        EXPECT_TRUE(each->initialize());
+        each->terminate();
     }
-    VmbSimChoose(VmbSimChoiceRepeatedStartup, 0);
 }
 
 }  // namespace

@@ -1,0 +1,166 @@
+// Numbers of channels, and cameras that come and go while others are opened.
+#include "four_cameras_fixture.h"
+
+namespace {
+
+using test_support::cameraId;
+using test_support::HookedCameraApi;
+using test_support::kColourCamera;
+using test_support::kMonochromeCamera;
+using test_support::kPatienceMs;
+using test_support::LogCapture;
+using test_support::PluginTest;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using zelt_gige_camera::CameraPlugin;
+
+constexpr const char* kGone = "Camera %1 is no longer connected";
+
+class SomeOfSixteenCameras : public PluginTest {
+  protected:
+    SomeOfSixteenCameras() : PluginTest("sixteen-cameras") {
+        for (unsigned number = 2; number < 16; ++number) VmbSimUnplugCamera(cameraId(number).c_str());
+    }
+    static void waitForEvents() { EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess); }
+};
+
+TEST_F(SomeOfSixteenCameras, ANewOneIsNumberedAfterTheLargestThatWasThereBeforeItCame) {
+    enumerate();
+    ASSERT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
+    // In one enumeration the second goes and a third comes.
+    VmbSimUnplugCamera(cameraId(1).c_str());
+    VmbSimPlugCamera(cameraId(2).c_str());
+    waitForEvents();
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 2u));
+    EXPECT_EQ(plugin->findChannelId(cameraId(2)), 2u);
+    // By the next one the number 2 is free again.
+    VmbSimUnplugCamera(cameraId(2).c_str());
+    waitForEvents();
+    plugin->enumerateDevices();
+    VmbSimPlugCamera(cameraId(1).c_str());
+    waitForEvents();
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
+}
+
+TEST_F(PluginTest, IsReadyAlthoughACameraIsAway) {
+    enumerate();
+    VmbSimUnplugCamera(kColourCamera);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    EXPECT_TRUE(plugin->isReadyForAcquisition());
+}
+
+TEST_F(PluginTest, PreparesTheSecondCameraAlthoughTheFirstAnswersNo) {
+    enumerate();
+    VmbSimFailCall("VmbFeatureEnumSet", "AcquisitionMode", 1, VmbErrorOther);
+    VmbSimJournalStart();
+    EXPECT_FALSE(plugin->prepareAcquisition());
+    const auto calls = test_support::hostCalls();
+    EXPECT_THAT(calls, Contains(std::string("VmbCaptureStart(") + kMonochromeCamera + ")"));
+    EXPECT_THAT(calls, ::testing::Not(Contains(std::string("VmbCaptureStart(") + kColourCamera + ")")));
+}
+
+TEST_F(PluginTest, PassesOnTheFirstOfTwoFailures) {
+    VmbSimTakeControl(kColourCamera, true);
+    VmbSimTakeControl(kMonochromeCamera, true);
+    enumerate();
+    VmbSimFailCall("VmbCameraOpen", kColourCamera, 1, VmbErrorTimeout);
+    try {
+        plugin->prepareAcquisition();
+        FAIL();
+    } catch (const exception_manager::Exception& error) {
+        EXPECT_EQ(exception_manager::fillPlaceholders(error),
+                  "Cannot open camera 'Manta_G-033C (50-0503300001)': Could not open camera: "
+                  "Timeout during wait");
+    }
+    EXPECT_EQ(lastMessage(1),
+              "Cannot open camera 'Manta_G-032B (50-0503200002)': Could not open camera: "
+              "Operation is invalid with the current access mode");
+}
+
+TEST_F(PluginTest, KnowsTheTriggerFrequency) {
+    auto& camera = dynamic_cast<CameraPlugin&>(*plugin);
+    EXPECT_FALSE(camera.getSyncOutAuxFrequency());
+    aux().setSyncOutAuxFrequency(60, 40);
+    ASSERT_TRUE(camera.getSyncOutAuxFrequency());
+    EXPECT_EQ(camera.getSyncOutAuxFrequency()->numerator(), 3);
+    EXPECT_EQ(camera.getSyncOutAuxFrequency()->denominator(), 2);
+}
+
+TEST_F(PluginTest, IsNotAcquiringAfterATerminationInTheMiddle) {
+    enumerate();
+    start();
+    plugin->terminate();
+    EXPECT_FALSE(plugin->isAcquiring());
+}
+
+TEST(PluginWithoutACameraApi, EnumeratesNothing) {
+    CameraPlugin plugin(0, nullptr);
+    const LogCapture log(UniLogSeverityLevel::Detail);
+    plugin.enumerateDevices();
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Detail), ElementsAre("Enumerating available GigE devices"));
+    EXPECT_THAT(plugin.getChannelIds(), IsEmpty());
+}
+
+/// The test does something whenever a camera is about to be opened.
+class OpeningCameras : public PluginTest {
+  protected:
+    OpeningCameras() {
+        destroy();
+        api->startup();
+        plugin = new CameraPlugin(0, api);
+    }
+    ~OpeningCameras() override { destroy(); }
+    /// `action` ahead of the nth opening.
+    void atOpening(int nth, std::function<void()> action) {
+        api->hook = [this, nth, action = std::move(action)](const std::string& call) {
+            if (call == "openCamera" && ++m_openings == nth) action();
+        };
+    }
+    static void raise(const char* event, const char* camera) {
+        EXPECT_EQ(VmbSimRaiseDiscoveryEvent(event, camera), VmbErrorSuccess);
+        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    }
+    static std::size_t timesGone(const LogCapture& log) {
+        const auto lines = log.texts(UniLogSeverityLevel::Error);
+        return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), kGone));
+    }
+
+    const std::shared_ptr<HookedCameraApi> api =
+        std::make_shared<HookedCameraApi>(std::make_shared<zelt_gige_api::VimbaCameraApi>());
+
+  private:
+    int m_openings = 0;
+};
+
+TEST_F(OpeningCameras, OneThatWasAwayBeforeItIsOpenedIsNotGone) {
+    atOpening(1, [] {
+        raise("Missing", kMonochromeCamera);
+        raise("Detected", kMonochromeCamera);
+    });
+    const LogCapture log(UniLogSeverityLevel::Error);
+    enumerate();
+    EXPECT_EQ(timesGone(log), 0u);
+    EXPECT_EQ(lastMessage(1), "");
+}
+
+TEST_F(OpeningCameras, OneThatGoesWhileItIsOpenedIsSaidToBeGoneOnce) {
+    atOpening(2, [] { raise("Missing", kMonochromeCamera); });
+    const LogCapture log(UniLogSeverityLevel::Error);
+    enumerate();
+    EXPECT_EQ(timesGone(log), 1u);
+    EXPECT_EQ(lastMessage(1), "Camera Manta_G-032B (50-0503200002) is no longer connected");
+    EXPECT_EQ(lastMessage(0), "");
+}
+
+TEST_F(OpeningCameras, OneThatGoesWhileAnotherIsOpenedIsSaidToBeGoneOnce) {
+    atOpening(2, [] { raise("Missing", kColourCamera); });
+    const LogCapture log(UniLogSeverityLevel::Error);
+    enumerate();
+    EXPECT_EQ(timesGone(log), 1u);
+    EXPECT_EQ(lastMessage(0), "Camera Manta_G-033C (50-0503300001) is no longer connected");
+}
+
+}  // namespace
