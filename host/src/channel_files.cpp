@@ -8,7 +8,6 @@
 namespace host {
 namespace {
 
-constexpr const char* kColumns = "frame,host_time_ns,offset,bytes";
 constexpr const char* kStampColumns = ",camera_frame_id,camera_ticks,true_exposure_ns";
 
 HostFailure unwritable(const std::filesystem::path& path, const std::string& why) {
@@ -18,11 +17,13 @@ HostFailure unwritable(const std::filesystem::path& path, const std::string& why
 
 }  // namespace
 
-ChannelFiles::ChannelFiles(const std::filesystem::path& directory, std::uint32_t id, bool stamped)
+ChannelFiles::ChannelFiles(const std::filesystem::path& directory, std::uint32_t id, bool stamped,
+                           TimeBase timeBase)
     : m_stamped(stamped),
       m_raw(make(directory / ("channel-" + std::to_string(id) + ".raw"))),
       m_table(make(directory / ("channel-" + std::to_string(id) + ".csv"))) {
-    const std::string header = std::string(kColumns) + (stamped ? kStampColumns : "") + '\n';
+    const std::string header = std::string("frame,") + timeColumn(timeBase) + ",offset,bytes" +
+                               (stamped ? kStampColumns : "") + '\n';
     if (!write(m_table, header.data(), header.size())) throw unwritable(m_table.path, m_failure);
 }
 

@@ -21,7 +21,8 @@ struct FramePlace {
 class ChannelFiles {
   public:
     /// Makes DIR/channel-<id>.raw and .csv; `stamped` adds the columns of the stamps. Throws HostFailure.
-    ChannelFiles(const std::filesystem::path& directory, std::uint32_t id, bool stamped);
+    ChannelFiles(const std::filesystem::path& directory, std::uint32_t id, bool stamped,
+                 TimeBase timeBase = TimeBase::Nanoseconds);
 
     /// Writes one frame. False when that failed: the frame is taken out of both files, they are closed, and
     /// nothing more is written.

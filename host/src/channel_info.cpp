@@ -5,6 +5,7 @@
 
 #include "config_item_variant.h"
 #include "config_keys.h"
+#include "setting_text.h"
 
 namespace host {
 namespace {
@@ -17,22 +18,17 @@ std::string text(channel_config::IfChannelConfig& config, const char* key) {
     return config_items::asItem(value).toString();
 }
 
-std::optional<double> number(const ConfigItemVariant& value) {
-    if (const auto* scalar = boost::get<config_items::ScalarConfigItem>(&value)) return scalar->m_value;
-    if (const auto* ratio = boost::get<config_items::RationalScalarConfigItem>(&value)) {
-        if (ratio->m_denominator == 0) return std::nullopt;
-        return static_cast<double>(ratio->m_numerator) / static_cast<double>(ratio->m_denominator);
-    }
-    return std::nullopt;
-}
-
 std::uint32_t size(channel_config::IfChannelConfig& config, const char* key) {
-    const std::optional<double> value = number(config.getItem(key));
+    const std::optional<double> value = itemNumber(config.getItem(key));
     if (!value || !(*value >= 0 && *value <= std::numeric_limits<std::uint32_t>::max())) return 0;
     return static_cast<std::uint32_t>(std::llround(*value));
 }
 
 }  // namespace
+
+const char* timeColumn(TimeBase base) {
+    return base == TimeBase::Pulses ? "pulse" : "host_time_ns";
+}
 
 std::uint64_t ChannelInfo::pictureBytes() const {
     const std::uint64_t bytesPerPixel = format == "Y800" ? 1 : format == "Y422" ? 2 : 3;
@@ -48,8 +44,10 @@ ChannelInfo readChannelInfo(std::uint32_t id, channel_config::IfChannelConfig& c
     info.format = text(config, config_keys::kFrameFormat);
     info.width = size(config, config_keys::kFrameWidth);
     info.height = size(config, config_keys::kFrameHeight);
-    info.rate = number(config.getItem(config_keys::kCameraFrameSetting));
+    info.rate = itemNumber(config.getItem(config_keys::kCameraFrameSetting));
     if (info.rate && !(std::isfinite(*info.rate) && *info.rate > 0)) info.rate.reset();
+    const bool isTriggered = text(config, config_keys::kCameraTriggerMode) == kTriggeredMode;
+    if (isTriggered) info.timeBase = TimeBase::Pulses;
     return info;
 }
 

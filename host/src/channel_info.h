@@ -8,6 +8,18 @@
 
 namespace host {
 
+/// Value of a camera's trigger mode in which it follows the host's trigger output.
+inline constexpr const char* kTriggeredMode = "GIGE/TriggerModeAux";
+
+/// What the times of a channel's samples are.
+enum class TimeBase {
+    Nanoseconds,  ///< of the host's clock
+    Pulses,       ///< number of the trigger pulse since the start
+};
+
+/// Heading of a column of such times.
+const char* timeColumn(TimeBase base);
+
 /// What the host shows of a channel, read from its configuration items.
 struct ChannelInfo {
     std::uint32_t id = 0;
@@ -18,6 +30,7 @@ struct ChannelInfo {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::optional<double> rate;  ///< frames per second; empty when the channel has none now
+    TimeBase timeBase = TimeBase::Nanoseconds;
 
     /// Bytes of one picture, by the format; three per pixel for a format that the host does not know.
     std::uint64_t pictureBytes() const;

@@ -37,6 +37,38 @@ void checkOrder(const ChannelReport& channel, std::vector<Check>& checks) {
     }
 }
 
+void checkPulses(const ChannelReport& channel, std::vector<Check>& checks) {
+    if (!channel.pulses) return;
+    const auto check = [&](const std::vector<PulseSpan>& spans, const char* what) {
+        const std::uint64_t count = pulseCount(spans);
+        checks.push_back({count == 0, label(channel) + std::to_string(count) +
+                                          (count == 1 ? " pulse " : " pulses ") + what +
+                                          (count == 0 ? "" : " (" + pulseText(spans) + ")")});
+    };
+    check(channel.pulses->skipped, "skipped");
+    check(channel.pulses->lost, "lost");
+    check(channel.pulses->doubled, "doubled");
+    if (!channel.stamped) return;
+    const std::uint64_t misplaced = channel.pulses->misplaced;
+    checks.push_back({misplaced == 0, label(channel) + frameCount(misplaced) +
+                                          " with the number of another pulse than the one that exposed"});
+}
+
+void checkCounters(const ChannelReport& channel, std::vector<Check>& checks) {
+    if (!channel.counters) return;
+    const CounterReport& counters = *channel.counters;
+    // What the host itself could not take the camera's counters know nothing of.
+    const std::uint64_t own = channel.lost - std::min(channel.lost, channel.lostInHost);
+    const bool agrees = counters.received <= counters.sent && counters.sent - counters.received == own;
+    checks.push_back(
+        {agrees && counters.unusable == 0,
+         label(channel) + "counters say " + std::to_string(counters.sent) + " sent and " +
+             std::to_string(counters.received) + " received, the host found " + frameCount(own) +
+             " lost on the way" +
+             (counters.unusable == 0 ? ""
+                                     : "; " + std::to_string(counters.unusable) + " counts are missing")});
+}
+
 void checkTruth(const ChannelReport& channel, std::vector<Check>& checks) {
     if (!channel.stamped) return;
     checks.push_back({channel.mismatches == 0, label(channel) + std::to_string(channel.mismatches) + " of " +
@@ -85,6 +117,8 @@ std::vector<Check> makeChecks(const RecordingReport& report) {
             checkCount(channel, report.seconds, checks);
         }
         checkOrder(channel, checks);
+        checkPulses(channel, checks);
+        checkCounters(channel, checks);
         checkTruth(channel, checks);
     }
     if (report.assertionFailures != 0) {

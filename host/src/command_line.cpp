@@ -1,8 +1,7 @@
 #include "command_line.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
+#include <array>
 #include <sstream>
 #include <vector>
 
@@ -11,61 +10,95 @@
 #include "exit_codes.h"
 #include "host_failure.h"
 #include "host_platform.h"
+#include "option_values.h"
 
 namespace host {
 namespace {
-
-constexpr double kLongestSeconds = 1e8;
 
 struct Texts {
     std::string plugin;
     std::string logLevel = "warning";
     std::string seconds;
     std::string out;
+    std::string from;
+    std::string to;
+    std::string aux;
     std::vector<std::string> channels;
+    std::vector<std::string> sets;
+    std::vector<std::string> actions;
+    bool counters = false;
 };
 
 HostFailure bad(const std::string& sentence) {
     return {ExitCode::CommandLine, sentence};
 }
 
-template <class Number>
-bool parseWhole(const std::string& text, Number& number) {
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    return result.ec == std::errc() && result.ptr == end;
-}
+enum Options : unsigned {
+    kSeconds = 1u << 0u,
+    kSecondsNeeded = 1u << 1u,
+    kOutDirectory = 1u << 2u,
+    kOutFile = 1u << 3u,
+    kChannels = 1u << 4u,
+    kChanges = 1u << 5u,
+    kActions = 1u << 6u,
+    kTo = 1u << 7u,
+    kAux = 1u << 8u,
+    kCounters = 1u << 9u,
+};
 
-double parseSeconds(const std::string& text) {
-    double seconds = 0;
-    if (!parseWhole(text, seconds) || !(seconds > 0)) {
-        throw bad("--seconds takes a number greater than 0, such as 5 or 0.5, not \"" + text + "\".");
-    }
-    if (seconds > kLongestSeconds) {
-        throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");
-    }
-    return seconds;
-}
+struct CommandRow {
+    Command command;
+    const char* name;
+    const char* description;
+    unsigned options;
+};
 
-std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts) {
-    std::set<std::uint32_t> channels;
-    for (const std::string& text : texts) {
-        std::uint32_t id = 0;
-        if (!parseWhole(text, id)) {
-            throw bad("--channel takes the id of a channel, such as 0, not \"" + text +
-                      "\"; zelt_host devices lists them.");
-        }
-        channels.insert(id);
-    }
-    return channels;
-}
+constexpr std::array<CommandRow, 6> kCommands{{
+    {Command::Devices, "devices", "list the cameras that are there", 0},
+    {Command::Settings, "settings", "list, change, store and load the settings of the cameras",
+     kChannels | kChanges | kActions | kTo},
+    {Command::Check, "check", "tell whether the cameras can record together as they are set",
+     kChannels | kChanges | kAux},
+    {Command::Record, "record", "record pictures of the cameras with their times",
+     kSecondsNeeded | kOutDirectory | kChannels | kChanges | kAux | kCounters},
+    {Command::Watch, "watch", "run the cameras without recording and show how they do",
+     kSeconds | kChannels | kChanges | kAux},
+    {Command::Topology, "topology", "print the description of the measurement hardware", kOutFile},
+}};
 
-LogLevel parseLevel(const std::string& text) {
-    if (const auto level = parseLogLevel(text)) return *level;
-    std::string names;
-    for (const char* name : kLogLevelNames) names += (names.empty() ? "" : ", ") + std::string(name);
-    throw bad("--log-level takes one of " + names + ", not \"" + text + "\".");
-}
+struct TextRow {
+    unsigned option;
+    const char* name;
+    const char* type;
+    std::string Texts::*text;
+    bool needed;
+    const char* description;
+};
+
+const std::array<TextRow, 7> kTexts{{
+    {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording"},
+    {kSeconds, "--seconds", "N", &Texts::seconds, false, "how long to watch (default: until Ctrl-C)"},
+    {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording"},
+    {kOutFile, "--out", "FILE", &Texts::out, false, "write it to this file instead"},
+    {kChanges, "--from", "FILE", &Texts::from, false, "settings file to apply, before --set"},
+    {kTo, "--to", "FILE", &Texts::to, false, "write what can be changed to this settings file"},
+    {kAux, "--aux", "HZ", &Texts::aux, false,
+     "the cameras follow a trigger output of this frequency, such as 100 or 30000/1001"},
+}};
+
+struct ListRow {
+    unsigned option;
+    const char* name;
+    const char* type;
+    std::vector<std::string> Texts::*texts;
+    const char* description;
+};
+
+const std::array<ListRow, 3> kLists{{
+    {kChannels, "--channel", "ID", &Texts::channels, "ids of the channels to use (default: all)"},
+    {kChanges, "--set", "KEY=VALUE", &Texts::sets, "change a setting of these channels"},
+    {kActions, "--action", "KEY", &Texts::actions, "run an action of these channels, after --set"},
+}};
 
 void addOptions(CLI::App& app, CommandLine& line, Texts& texts) {
     app.footer(exitCodeHelp());
@@ -81,17 +114,25 @@ void addOptions(CLI::App& app, CommandLine& line, Texts& texts) {
     app.require_subcommand(0, 1);
 }
 
-void addCommands(CLI::App& app, Texts& texts) {
-    const std::string footer =
+void addCommand(CLI::App& app, const CommandRow& row, Texts& texts) {
+    CLI::App* command = app.add_subcommand(row.name, row.description);
+    command->footer(
         "Options of every command: --plugin FILE, --log-level LEVEL, --json; see zelt_host --help.\n\n" +
-        exitCodeHelp();
-    app.add_subcommand("devices", "list the cameras that are there")->footer(footer);
-    CLI::App* record = app.add_subcommand("record", "record pictures of the cameras with their times");
-    record->footer(footer);
-    record->add_option("--seconds", texts.seconds, "length of the recording")->required()->type_name("N");
-    record->add_option("--out", texts.out, "new directory for the recording")->required()->type_name("DIR");
-    record->add_option("--channel", texts.channels, "ids of the channels to record (default: all)")
-        ->type_name("ID");
+        exitCodeHelp());
+    for (const TextRow& text : kTexts) {
+        if ((row.options & text.option) == 0) continue;
+        command->add_option(text.name, texts.*text.text, text.description)
+            ->type_name(text.type)
+            ->required(text.needed);
+    }
+    for (const ListRow& list : kLists) {
+        if ((row.options & list.option) == 0) continue;
+        command->add_option(list.name, texts.*list.texts, list.description)->type_name(list.type);
+    }
+    if ((row.options & kCounters) != 0) {
+        command->add_flag("--counters", texts.counters,
+                          "record what the cameras count as sent and received, and compare");
+    }
 }
 
 std::string oneLine(std::string text) {
@@ -109,36 +150,65 @@ CommandLine help(const CLI::App& app, const CLI::Error& request) {
     return line;
 }
 
+Command chosenCommand(const CLI::App& app) {
+    std::string names;
+    for (const CommandRow& row : kCommands) {
+        if (app.got_subcommand(row.name)) return row.command;
+        const bool isLast = &row == &kCommands.back();
+        names += (names.empty() ? "" : isLast ? " or " : ", ") + std::string(row.name);
+    }
+    throw bad("Say what to do: " + names + "; zelt_host --help explains them.");
+}
+
+bool isGiven(const CLI::App& app, const char* name) {
+    const CLI::Option* option = app.get_subcommands().front()->get_option_no_throw(name);
+    return option != nullptr && !option->empty();
+}
+
+// An empty path would be taken for an option that was left out.
+void refuseEmptyPaths(const CLI::App& app) {
+    const CLI::App* command = app.get_subcommands().front();
+    for (const char* name : {"--out", "--from", "--to"}) {
+        if (!isGiven(app, name)) continue;
+        const CLI::Option* option = command->get_option_no_throw(name);
+        if (!option->results().front().empty()) continue;
+        throw bad(std::string(name) + " takes a " +
+                  (option->get_type_name() == "DIR" ? "directory" : "file") + ", not an empty text.");
+    }
+}
+
 void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
-    line.command = app.got_subcommand("record") ? Command::Record : Command::Devices;
+    line.command = chosenCommand(app);
     line.logLevel = parseLevel(texts.logLevel);
     line.plugin = texts.plugin.empty() ? platform::executableDirectory() / platform::kPluginFileName
                                        : std::filesystem::path(texts.plugin);
-    if (line.command != Command::Record) return;
-    line.seconds = parseSeconds(texts.seconds);
+    refuseEmptyPaths(app);
+    if (isGiven(app, "--seconds")) line.seconds = parseSeconds(texts.seconds);
     line.out = texts.out;
-    if (line.out.empty()) throw bad("--out takes a directory, not an empty text.");
-    line.channels = parseChannels(texts.channels);
+    line.to = texts.to;
+    line.counters = texts.counters;
+    line.cameras.from = texts.from;
+    line.cameras.channels = parseChannels(texts.channels);
+    line.cameras.orders = parseSets(texts.sets);
+    const auto actions = parseActions(texts.actions);
+    line.cameras.orders.insert(line.cameras.orders.end(), actions.begin(), actions.end());
+    if (isGiven(app, "--aux")) line.cameras.aux = parseFrequency(texts.aux);
 }
 
 }  // namespace
 
 CommandLine parseCommandLine(int argc, const char* const* argv) {
-    CLI::App app("Reference host: drives the camera plug-in, lists cameras and records their pictures.",
-                 "zelt_host");
+    CLI::App app("Reference host: drives the camera plug-in as a data-acquisition host does.", "zelt_host");
     CommandLine line;
     Texts texts;
     addOptions(app, line, texts);
-    addCommands(app, texts);
+    for (const CommandRow& row : kCommands) addCommand(app, row, texts);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {
         return help(app, request);
     } catch (const CLI::ParseError& error) {
         throw bad(oneLine(error.what()) + "; zelt_host --help lists what is possible.");
-    }
-    if (app.get_subcommands().empty()) {
-        throw bad("Say what to do: devices or record; zelt_host --help explains both.");
     }
     interpret(app, texts, line);
     return line;

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <set>
+#include <optional>
 #include <string>
 
+#include "camera_setup.h"
 #include "log_console.h"
 
 namespace host {
 
-enum class Command { Help, Devices, Record };
+enum class Command { Help, Devices, Settings, Check, Record, Watch, Topology };
 
 /// What the user asked for.
 struct CommandLine {
@@ -18,9 +18,11 @@ struct CommandLine {
     std::filesystem::path plugin;
     LogLevel logLevel;
     bool json = false;
-    double seconds = 0;
-    std::filesystem::path out;
-    std::set<std::uint32_t> channels;  ///< empty for all
+    std::optional<double> seconds;
+    std::filesystem::path out;  ///< directory of a recording, file of a topology
+    std::filesystem::path to;   ///< settings file to write; empty for none
+    bool counters = false;
+    CameraSetup cameras;
 };
 
 /// Reads the command line. Throws HostFailure with a sentence that names what is wrong.

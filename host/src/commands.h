@@ -7,11 +7,13 @@
 
 namespace host {
 
-/// Lists the channels. Throws HostFailure.
-ExitCode runDevices(const CommandLine& line, Console& console);
-
-/// Records. Throws HostFailure when nothing was recorded.
+// Each runs one command and throws HostFailure when it comes to nothing.
+ExitCode runDevices(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runSettings(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runCheck(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 ExitCode runRecord(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runWatch(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+ExitCode runTopology(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
 
 /// The whole program.
 int runProgram(int argc, const char* const* argv);

@@ -1,13 +1,15 @@
 #include "commands.h"
+#include "message_teller.h"
 #include "report_json.h"
 #include "report_text.h"
 #include "session.h"
 
 namespace host {
 
-ExitCode runDevices(const CommandLine& line, Console& console) {
+ExitCode runDevices(const CommandLine& line, Console& console, const AssertionMonitor&) {
     Session session(loadPlugin(line.plugin), patientOptions());
-    for (const std::string& message : session.messages().take()) console.tell(message);
+    const MessageTeller messages(session.messages(),
+                                 [&](const std::string& sentence) { console.tell(sentence); });
     const auto channels = session.readChannels();
     const VendorProbe& vendor = session.vendor();
     console.print(line.json

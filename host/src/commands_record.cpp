@@ -16,10 +16,13 @@ std::size_t progressColumns() {
     return static_cast<std::size_t>(platform::terminalWidth(stream) - 1);
 }
 
-RecordingHooks makeHooks(Console& console, Progress& last) {
+RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
     RecordingHooks hooks;
     hooks.isInterrupted = [] { return platform::interruptRequested(); };
     hooks.tell = [&console](const std::string& sentence) { console.tell(sentence); };
+    hooks.changed = [&console, json](const SettingChange& change) {
+        if (!json) console.print(changeText(change) + '\n');
+    };
     hooks.showProgress = [&console, &last](const Progress& progress) {
         last = progress;
         if (console.hasProgressLine()) {
@@ -30,9 +33,10 @@ RecordingHooks makeHooks(Console& console, Progress& last) {
 }
 
 RecordingReport record(const CommandLine& line, Console& console, Progress& last) {
-    Session session(loadPlugin(line.plugin), patientOptions());
+    RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras)};
+    Session session(loadPlugin(line.plugin), patientOptions(line.counters));
     if (!line.json) console.print(session.title() + '\n' + devicesText(session.readChannels()));
-    Recording recording(session, {line.seconds, line.out, line.channels}, makeHooks(console, last));
+    Recording recording(session, std::move(options), makeHooks(console, line.json, last));
     return recording.run();
 }
 

@@ -21,6 +21,9 @@ enum class ExitCode : int {
     WriteFailed = 11,
     CameraFailed = 12,
     CheckFailed = 13,
+    SettingWrong = 14,
+    SettingsFile = 15,
+    NoService = 16,
     Interrupted = 130,
 };
 
@@ -30,8 +33,8 @@ struct ExitCodeMeaning {
 };
 
 /// Every exit code with its meaning, ascending.
-inline constexpr std::array<ExitCodeMeaning, 15> kExitCodes{{
-    {ExitCode::Ok, "done; a recording passed every check"},
+inline constexpr std::array<ExitCodeMeaning, 18> kExitCodes{{
+    {ExitCode::Ok, "done; a recording or check passed every check"},
     {ExitCode::Unexpected, "unexpected failure"},
     {ExitCode::CommandLine, "command line not understood"},
     {ExitCode::PluginMissing, "plug-in library missing or not loadable"},
@@ -42,9 +45,12 @@ inline constexpr std::array<ExitCodeMeaning, 15> kExitCodes{{
     {ExitCode::NoCamera, "no camera found"},
     {ExitCode::UnknownChannel, "no channel with the id asked for"},
     {ExitCode::OutputDirectory, "output directory unwritable or already holding a recording"},
-    {ExitCode::WriteFailed, "disk full or write failed while recording"},
+    {ExitCode::WriteFailed, "disk full, or a file could not be written"},
     {ExitCode::CameraFailed, "a camera could not be prepared or started"},
-    {ExitCode::CheckFailed, "recorded, but a check failed"},
+    {ExitCode::CheckFailed, "a check of the settings or of what was recorded failed"},
+    {ExitCode::SettingWrong, "a setting was not accepted: unknown, malformed, out of range or refused"},
+    {ExitCode::SettingsFile, "settings file unreadable, unwritable or with a bad line"},
+    {ExitCode::NoService, "the plug-in does not offer what was asked for"},
     {ExitCode::Interrupted, "interrupted by Ctrl-C; what was recorded is intact"},
 }};
 

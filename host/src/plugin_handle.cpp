@@ -9,9 +9,14 @@
 
 #include "exception_manager.h"
 #include "host_failure.h"
+#include "if_sync_aux_service.h"
+#include "if_system_topology_service.h"
 
 namespace host {
 namespace {
+
+constexpr const char* kSyncAuxService = "{784229AE-48AB-4A05-8F83-9FB70F11827F}";
+constexpr const char* kTopologyService = "{A5C594EA-1C7F-41BF-A588-9AC316FB5973}";
 
 boost::uuids::uuid cameraPluginType() {
     return boost::uuids::string_generator()("{D40250C7-33F6-4ECE-9A88-BAE8EE6D5FA5}");
@@ -75,6 +80,9 @@ void PluginHandle::cancelAcquisition() noexcept {
 void PluginHandle::undo() {
     cancelAcquisition();
     if (m_stage >= Stage::Initialized) attempt([this] { terminate(); });
+    for (const auto& [id, service] : std::exchange(m_services, {})) {
+        attempt([found = service] { found->release(); });
+    }
     if (m_factory != nullptr) attempt([this] { std::exchange(m_factory, nullptr)->release(); });
 }
 
@@ -124,6 +132,41 @@ plugin_api::IfServiceFactory& PluginHandle::getServiceFactory() {
     return *m_factory;
 }
 
+plugin_api::IfService* PluginHandle::findService(const char* id) {
+    if (const auto known = m_services.find(id); known != m_services.end()) return known->second;
+    plugin_api::IfServiceFactory& factory = getServiceFactory();
+    plugin_api::IfService* service = nullptr;
+    const bool found =
+        guarded([&] { return factory.getService(boost::uuids::string_generator()(id), &service); });
+    if (!found || service == nullptr) return nullptr;
+    m_services.emplace(id, service);
+    return service;
+}
+
+void PluginHandle::setSyncOutAuxFrequency(std::int64_t numerator, std::int64_t denominator) {
+    require(m_stage >= Stage::Services, "setSyncOutAuxFrequency", "needs createServices before it");
+    auto* service = static_cast<zelt::IfSyncAuxService*>(findService(kSyncAuxService));
+    if (service == nullptr) throw PluginError("the plug-in takes no frequency of a trigger output");
+    guarded([&] { service->setSyncOutAuxFrequency(numerator, denominator); });
+}
+
+std::optional<std::string> PluginHandle::getTopology() {
+    require(m_stage >= Stage::Enumerated, "getTopology", "needs enumerateDevices before it");
+    auto* service = static_cast<zelt::IfSystemTopologyService*>(findService(kTopologyService));
+    if (service == nullptr) return std::nullopt;
+    std::string document;
+    const auto keep = [](void* context, const char* text, std::size_t length) {
+        static_cast<std::string*>(context)->assign(text, length);
+    };
+    guarded([&] { service->getTopology(0, keep, &document); });
+    return document;
+}
+
+std::shared_ptr<zelt::IfPluginConfig> PluginHandle::getPluginConfig() {
+    require(m_stage < Stage::Enumerated, "getPluginConfig", "comes before enumerateDevices");
+    return guarded([this] { return m_plugin->getPluginConfig(); });
+}
+
 bool PluginHandle::initialize() {
     require(m_stage == Stage::Services, "initialize", "needs createServices before it, and no initialize");
     const bool done = guarded([this] { return m_plugin->initialize(); });
@@ -158,6 +201,12 @@ std::shared_ptr<channel_config::IfChannelConfig> PluginHandle::getChannelConfig(
 std::shared_ptr<channel_config::IfChannelConfig> PluginHandle::getChannel(std::uint32_t id) {
     require(m_stage >= Stage::Enumerated, "getChannel", "needs enumerateDevices before it");
     return lend(guarded([&] { return m_plugin->getChannel(id); }));
+}
+
+bool PluginHandle::checkChannelSettings(const std::vector<std::uint32_t>& ids) {
+    require(isIdle(), "checkChannelSettings",
+            "needs enumerateDevices before it and no acquisition under way");
+    return guarded([&] { return m_plugin->checkChannelSettings(ids, true); });
 }
 
 void PluginHandle::setChannelSink(std::uint32_t id, zelt::IfChannelSink* sink) {

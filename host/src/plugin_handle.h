@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "if_daq_plugin.h"
@@ -44,11 +47,20 @@ class PluginHandle {
     void createServices();
     /// The services; the handle keeps the reference and gives it back.
     plugin_api::IfServiceFactory& getServiceFactory();
+    /// Of the trigger output's service; numerator and denominator 0 for none. PluginError without the
+    /// service.
+    void setSyncOutAuxFrequency(std::int64_t numerator, std::int64_t denominator);
+    /// The document of the topology service; empty without the service. The plug-in must know its devices.
+    std::optional<std::string> getTopology();
+    /// Settings of the plug-in itself; they are read when devices are enumerated, so only before that.
+    std::shared_ptr<zelt::IfPluginConfig> getPluginConfig();
     bool initialize();
     void enumerateDevices();
     std::set<std::uint32_t> getChannelIds();
     std::shared_ptr<channel_config::IfChannelConfig> getChannelConfig(std::uint32_t id);
     std::shared_ptr<channel_config::IfChannelConfig> getChannel(std::uint32_t id);
+    /// Not while an acquisition is under way.
+    bool checkChannelSettings(const std::vector<std::uint32_t>& ids);
     void setChannelSink(std::uint32_t id, zelt::IfChannelSink* sink);
     bool prepareAcquisition();
     bool onAcquisitionPrepared();
@@ -64,6 +76,7 @@ class PluginHandle {
   private:
     enum class Stage { Created, Services, Initialized, Enumerated, Prepared, Armed, Running, Stopped };
 
+    plugin_api::IfService* findService(const char* id);
     void require(bool allowed, const char* operation, const char* needs) const;
     std::shared_ptr<channel_config::IfChannelConfig> lend(
         std::shared_ptr<channel_config::IfChannelConfig> channel);
@@ -74,6 +87,7 @@ class PluginHandle {
     PluginSource m_source;
     zelt::IfDAQPlugin* m_plugin = nullptr;
     plugin_api::IfServiceFactory* m_factory = nullptr;
+    std::map<std::string, plugin_api::IfService*> m_services;
     Stage m_stage = Stage::Created;
     bool m_has_sinks = false;
     std::vector<std::weak_ptr<channel_config::IfChannelConfig>> m_lent;

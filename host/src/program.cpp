@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "commands.h"
@@ -9,6 +10,20 @@
 
 namespace host {
 namespace {
+
+struct Runner {
+    Command command;
+    ExitCode (*run)(const CommandLine& line, Console& console, const AssertionMonitor& assertions);
+};
+
+constexpr std::array<Runner, 6> kRunners{{
+    {Command::Devices, &runDevices},
+    {Command::Settings, &runSettings},
+    {Command::Check, &runCheck},
+    {Command::Record, &runRecord},
+    {Command::Watch, &runWatch},
+    {Command::Topology, &runTopology},
+}};
 
 ExitCode fail(Console& console, bool json, ExitCode code, const std::string& sentence) {
     console.tell("zelt_host: " + sentence);
@@ -28,7 +43,9 @@ ExitCode runCommand(const CommandLine& line, Console& console) {
     }
     const LogConsole log(console, line.logLevel);
     const AssertionMonitor assertions(console);
-    return line.command == Command::Record ? runRecord(line, console, assertions) : runDevices(line, console);
+    const auto row = std::find_if(kRunners.begin(), kRunners.end(),
+                                  [&](const Runner& each) { return each.command == line.command; });
+    return row->run(line, console, assertions);
 }
 
 ExitCode runGuarded(int argc, const char* const* argv, Console& console) {

@@ -5,7 +5,6 @@
 #include <thread>
 #include <utility>
 
-#include "host_failure.h"
 #include "output_directory.h"
 #include "picture_files.h"
 
@@ -13,17 +12,16 @@ namespace host {
 namespace {
 
 constexpr auto kRedraw = std::chrono::milliseconds(100);
-constexpr auto kProcess = std::chrono::seconds(1);
 constexpr double kUnknownRate = 50;
 
 std::chrono::nanoseconds toNanoseconds(double seconds) {
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
 }
 
-std::string knownIds(const std::map<std::uint32_t, ChannelInfo>& channels) {
-    std::string text;
-    for (const auto& [id, channel] : channels) text += (text.empty() ? "" : ", ") + std::to_string(id);
-    return text;
+/// In pulses for a triggered camera; one whose rate is not known could not be prepared anyway.
+std::int64_t sinkLength(double seconds, const ChannelInfo& channel) {
+    if (channel.timeBase == TimeBase::Nanoseconds) return toNanoseconds(seconds).count();
+    return std::llround(std::ceil(seconds * channel.rate.value_or(kUnknownRate)));
 }
 
 }  // namespace
@@ -32,7 +30,9 @@ Recording::Recording(Session& session, RecordingOptions options, RecordingHooks 
     : m_session(session),
       m_options(std::move(options)),
       m_hooks(std::move(hooks)),
-      m_writer(session.vendor().stampReader()) {}
+      m_writer(session.vendor().stampReader()),
+      m_messages(session.messages(), m_hooks.tell),
+      m_acquisition(session, m_messages, m_options.cameras.aux, m_hooks.tell) {}
 
 Recording::~Recording() {
     m_session.plugin().cancelAcquisition();
@@ -43,65 +43,44 @@ RecordingReport Recording::run() {
     selectChannels();
     prepareOutputDirectory(m_options.directory);
     attachSinks();
-    prepare();
+    m_acquisition.prepare();
     makeFiles();
-    startCameras();
+    m_started = Clock::now();
+    m_acquisition.start();
     m_has_recorded = true;
 
     RecordingReport report;
     report.outcome = waitForEnd();
     report.recordedSeconds = std::chrono::duration<double>(Clock::now() - m_started).count();
-    stopCameras(report);
+    // Nothing calls the sinks any more before the writer writes the rest.
+    report.stopFailure = m_acquisition.stop();
+    m_writer.finish();
     finishReport(report);
     return report;
 }
 
 void Recording::selectChannels() {
-    const auto known = m_session.readChannels();
-    for (const std::uint32_t id : m_options.channels) {
-        if (known.contains(id)) continue;
-        throw HostFailure(ExitCode::UnknownChannel, "There is no channel " + std::to_string(id) +
-                                                        "; the channels are " + knownIds(known) + ".");
-    }
-    for (const auto& [id, channel] : known) {
-        const bool used = m_options.channels.empty() || m_options.channels.contains(id);
-        if (!setUsed(*m_session.config(id), used)) {
-            failCamera("Channel " + std::to_string(id) + " cannot be switched " + (used ? "on" : "off"), "");
-        }
-        if (used) m_channels.emplace(id, channel);
+    const auto chosen = setUpCameras(m_session, m_options.cameras, m_options.orders, m_hooks.changed);
+    for (const auto& [id, channel] : m_session.readChannels()) {
+        if (chosen.contains(id)) m_channels.emplace(id, channel);
     }
 }
 
 void Recording::attachSinks() {
     for (const auto& [id, channel] : m_channels) {
-        auto sink = std::make_unique<RecordingSink>(toNanoseconds(m_options.seconds).count(),
-                                                    [this] { m_writer.wake(); });
-        m_session.plugin().setChannelSink(id, sink.get());
-        m_sinks.emplace(id, std::move(sink));
+        attachSink(id, channel);
+        if (const auto counters = m_session.frameCounters(id)) {
+            attachSink(counters->sent, channel);
+            attachSink(counters->received, channel);
+        }
     }
 }
 
-void Recording::failCamera(const std::string& what, const std::string& reason) {
-    std::vector<std::string> reasons = m_session.messages().take();
-    // What a camera throws it has usually reported too.
-    if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {
-        reasons.push_back(reason);
-    }
-    std::string sentence = what;
-    for (std::size_t i = 0; i < reasons.size(); ++i) sentence += (i == 0 ? ": " : "; ") + reasons[i];
-    while (sentence.ends_with('.')) sentence.pop_back();
-    throw HostFailure(ExitCode::CameraFailed,
-                      sentence + "; check the camera and its settings, --log-level info tells more.");
-}
-
-void Recording::prepare() {
-    const std::string what = "The cameras could not be prepared";
-    try {
-        if (!m_session.plugin().prepareAcquisition()) failCamera(what, "");
-    } catch (const PluginError& failure) {
-        failCamera(what, failure.what());
-    }
-    tellMessages();
+void Recording::attachSink(std::uint32_t id, const ChannelInfo& channel) {
+    auto sink =
+        std::make_unique<RecordingSink>(sinkLength(m_options.seconds, channel), [this] { m_writer.wake(); });
+    m_session.plugin().setChannelSink(id, sink.get());
+    m_sinks.emplace(id, std::move(sink));
 }
 
 void Recording::makeFiles() {
@@ -111,19 +90,19 @@ void Recording::makeFiles() {
         const std::uint64_t bytes = channel.pictureBytes();
         m_sinks.at(id)->makeRing(ringSlots(channel.rate.value_or(kUnknownRate), bytes), bytes);
         m_writer.addChannel(channel, *m_sinks.at(id), m_options.directory);
+        if (const auto counters = m_session.frameCounters(id)) {
+            makeCounterFile(counters->sent, CounterKind::Sent, channel);
+            makeCounterFile(counters->received, CounterKind::Received, channel);
+        }
     }
     m_writer.start();
 }
 
-void Recording::startCameras() {
-    const std::string what = "The cameras could not be started";
-    try {
-        m_session.plugin().onAcquisitionPrepared();
-        m_started = Clock::now();
-        if (!m_session.plugin().startAcquisition()) failCamera(what, "");
-    } catch (const PluginError& failure) {
-        failCamera(what, failure.what());
-    }
+void Recording::makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel) {
+    constexpr std::size_t kCountBytes = 8;
+    RecordingSink& sink = *m_sinks.at(id);
+    sink.makeRing(ringSlots(channel.rate.value_or(kUnknownRate), kCountBytes), kCountBytes);
+    m_writer.addCounter(channel, kind, sink, m_options.directory);
 }
 
 std::chrono::nanoseconds Recording::patience() const {
@@ -143,39 +122,14 @@ bool Recording::isOver(Clock::time_point deadline) const {
 
 Outcome Recording::waitForEnd() {
     const auto deadline = m_started + patience();
-    auto nextProcess = m_started + kProcess;
     while (!isOver(deadline)) {
         if (m_hooks.isInterrupted()) return Outcome::Interrupted;
         if (m_writer.hasFailed()) return Outcome::WriteFailed;
-        poll(Clock::now(), nextProcess);
+        m_acquisition.process();
+        m_hooks.showProgress(progress(Clock::now()));
         std::this_thread::sleep_for(kRedraw);
     }
     return Outcome::Complete;
-}
-
-void Recording::poll(Clock::time_point now, Clock::time_point& nextProcess) {
-    tellMessages();
-    if (now >= nextProcess) {
-        nextProcess += kProcess;
-        try {
-            m_session.plugin().processAcquisition();
-        } catch (const PluginError& failure) {
-            m_hooks.tell(failure.what());
-        }
-    }
-    m_hooks.showProgress(progress(now));
-}
-
-void Recording::stopCameras(RecordingReport& report) {
-    try {
-        m_session.plugin().stopAcquisition();
-    } catch (const PluginError& failure) {
-        report.stopFailure = failure.what();
-    }
-    // Nothing may call the sinks any more before the writer writes the rest.
-    m_session.plugin().cancelAcquisition();
-    m_writer.finish();
-    tellMessages();
 }
 
 void Recording::finishReport(RecordingReport& report) {
@@ -188,7 +142,7 @@ void Recording::finishReport(RecordingReport& report) {
     report.seconds = m_options.seconds;
     report.directory = m_options.directory.string();
     report.channels = m_writer.reports();
-    report.messages = m_messages;
+    for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());
     const auto files = m_writer.files();
     for (std::size_t i = 0; i < files.size(); ++i) {
         const auto pictures = writePictures(report.channels[i].channel, *files[i]);
@@ -197,13 +151,6 @@ void Recording::finishReport(RecordingReport& report) {
     Progress last = progress(Clock::now());
     if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;
     m_hooks.showProgress(last);
-}
-
-void Recording::tellMessages() {
-    for (const std::string& message : m_session.messages().take()) {
-        m_hooks.tell(message);
-        m_messages.push_back(message);
-    }
 }
 
 Progress Recording::progress(Clock::time_point now) const {

@@ -5,18 +5,19 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 
+#include "acquisition.h"
+#include "camera_setup.h"
 #include "progress.h"
 #include "recording_writer.h"
-#include "session.h"
 
 namespace host {
 
 struct RecordingOptions {
     double seconds = 0;
     std::filesystem::path directory;
-    std::set<std::uint32_t> channels;  ///< empty for all
+    CameraSetup cameras;
+    std::vector<SettingOrder> orders;  ///< all of them, those of the file included
     /// How long after its end a recording waits for a channel that has not got there.
     std::chrono::nanoseconds grace = std::chrono::seconds(3);
 };
@@ -26,6 +27,7 @@ struct RecordingHooks {
     std::function<bool()> isInterrupted = [] { return false; };
     std::function<void(const Progress&)> showProgress = [](const Progress&) {};
     std::function<void(const std::string&)> tell = [](const std::string&) {};
+    std::function<void(const SettingChange&)> changed = [](const SettingChange&) {};
 };
 
 /// One acquisition of a session's channels, from preparing the cameras to the files on disk. Whatever
@@ -45,17 +47,13 @@ class Recording {
 
     void selectChannels();
     void attachSinks();
-    void prepare();
+    void attachSink(std::uint32_t id, const ChannelInfo& channel);
+    void makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel);
     void makeFiles();
-    void startCameras();
     Outcome waitForEnd();
     bool isOver(Clock::time_point deadline) const;
-    void poll(Clock::time_point now, Clock::time_point& nextProcess);
-    void stopCameras(RecordingReport& report);
     void finishReport(RecordingReport& report);
     std::chrono::nanoseconds patience() const;
-    void tellMessages();
-    [[noreturn]] void failCamera(const std::string& what, const std::string& reason);
     Progress progress(Clock::time_point now) const;
 
     Session& m_session;
@@ -66,7 +64,8 @@ class Recording {
     RecordingWriter m_writer;
     bool m_has_recorded = false;
     Clock::time_point m_started;
-    std::vector<std::string> m_messages;
+    MessageTeller m_messages;
+    Acquisition m_acquisition;
 };
 
 }  // namespace host

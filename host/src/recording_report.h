@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "channel_info.h"
+#include "pulse_statistics.h"
 
 namespace host {
 
@@ -19,6 +20,13 @@ struct TimeError {
     std::int64_t spreadMaxNs = 0;  ///< all of them do
 };
 
+/// What a camera's counters say of the frames recorded.
+struct CounterReport {
+    std::uint64_t sent = 0;
+    std::uint64_t received = 0;
+    std::uint64_t unusable = 0;  ///< samples that were malformed or found the host's memory full
+};
+
 struct ChannelReport {
     ChannelInfo channel;
     std::uint64_t frames = 0;
@@ -29,7 +37,9 @@ struct ChannelReport {
     std::uint64_t matches = 0;
     std::uint64_t mismatches = 0;
     std::optional<TimeError> timeError;
-    bool silent = false;  ///< did not reach the end of the recording
+    std::optional<PulseReport> pulses;      ///< with a triggered camera
+    std::optional<CounterReport> counters;  ///< when they were recorded
+    bool silent = false;                    ///< did not reach the end of the recording
 };
 
 enum class Outcome { Complete, Interrupted, WriteFailed };

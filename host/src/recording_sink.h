@@ -14,10 +14,10 @@ namespace host {
 /// length), `first` being the time of the channel's first frame. Copies and returns, never waits.
 class RecordingSink final : public zelt::IfChannelSink {
   public:
-    /// `lengthNs` of recording; `wake` is called when there is something to do for the writer, on the frame
-    /// path.
-    RecordingSink(std::int64_t lengthNs, std::function<void()> wake)
-        : m_length(lengthNs), m_wake(std::move(wake)) {}
+    /// `length` of the recording in units of the times; `wake` is called when there is something to do for
+    /// the writer, on the frame path.
+    RecordingSink(std::int64_t length, std::function<void()> wake)
+        : m_length(length), m_wake(std::move(wake)) {}
 
     /// Takes the memory. Before this no frame is kept. [host, no acquisition under way]
     void makeRing(std::size_t slots, std::size_t slotBytes) {

@@ -26,6 +26,10 @@ void RecordingStatistics::add(const RingFrame& frame, const StampReading& readin
     const std::uint64_t gap = m_stamped ? addStamp(frame, reading) : timeGap(frame.time);
     // What the host refused is part of the gap, unless no gap can be told.
     m_lost += std::max(gap, frame.lostBefore - m_lost_in_host);
+    if (m_time_base == TimeBase::Pulses) {
+        m_pulses.add(frame.time, reading.hasStamp() ? std::optional(reading.stamp.frameId) : std::nullopt);
+        if (reading.hasStamp()) m_pulses.addTruth(reading.stamp.exposureStartNs);
+    }
     ++m_frames;
     m_last_time = frame.time;
     m_lost_in_host = frame.lostBefore;
@@ -35,11 +39,7 @@ std::uint64_t RecordingStatistics::addStamp(const RingFrame& frame, const StampR
     if (reading.result == VmbErrorSuccess) ++m_matches;
     if (!reading.hasStamp()) return 0;
     const VmbSimFrameStamp& stamp = reading.stamp;
-    const auto exposure = static_cast<std::int64_t>(stamp.exposureStartNs);
-    const auto way = static_cast<std::int64_t>(stamp.wayNs);
-    m_errors.push_back(frame.time - exposure);
-    m_ways.push_back(way);
-    m_delays.push_back(frame.arrival - exposure - way);
+    if (m_time_base == TimeBase::Nanoseconds) addTimes(frame, stamp);
     if (m_last_id && stamp.frameId <= *m_last_id) {
         ++m_doubled;
         return 0;
@@ -49,7 +49,19 @@ std::uint64_t RecordingStatistics::addStamp(const RingFrame& frame, const StampR
     return gap;
 }
 
+void RecordingStatistics::addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp) {
+    const auto exposure = static_cast<std::int64_t>(stamp.exposureStartNs);
+    const auto way = static_cast<std::int64_t>(stamp.wayNs);
+    m_errors.push_back(frame.time - exposure);
+    m_ways.push_back(way);
+    m_delays.push_back(frame.arrival - exposure - way);
+}
+
 std::uint64_t RecordingStatistics::timeGap(std::int64_t time) const {
+    if (m_time_base == TimeBase::Pulses) {
+        const bool isGap = m_frames != 0 && time > m_last_time + 1;
+        return isGap ? static_cast<std::uint64_t>(time - m_last_time) - 1 : 0;
+    }
     if (!m_rate || m_frames == 0) return 0;
     const double periods = static_cast<double>(time - m_last_time) * *m_rate / 1e9;
     return periods > 1.5 ? static_cast<std::uint64_t>(std::llround(periods)) - 1 : 0;
@@ -79,6 +91,7 @@ ChannelReport RecordingStatistics::report(std::uint64_t lostInHost) const {
     report.matches = m_matches;
     report.mismatches = m_stamped ? m_frames - m_matches : 0;
     if (m_stamped) report.timeError = timeError();
+    if (m_time_base == TimeBase::Pulses) report.pulses = m_pulses.report();
     return report;
 }
 

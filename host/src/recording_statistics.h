@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <span>
 #include <vector>
@@ -29,8 +30,9 @@ struct StampReading {
 class RecordingStatistics {
   public:
     /// `stamped`: the pictures carry stamps. `rate`: nominal frames per second, if known; losses are told
-    /// from it when there are no stamps.
-    RecordingStatistics(bool stamped, std::optional<double> rate) : m_stamped(stamped), m_rate(rate) {}
+    /// from it when there are no stamps. Times that are pulses tell of no time error, but of every pulse.
+    RecordingStatistics(bool stamped, std::optional<double> rate, TimeBase timeBase = TimeBase::Nanoseconds)
+        : m_stamped(stamped), m_rate(rate), m_time_base(timeBase), m_pulses(rate.value_or(NAN)) {}
 
     /// A frame that was recorded, and what its picture says.
     void add(const RingFrame& frame, const StampReading& reading);
@@ -44,11 +46,14 @@ class RecordingStatistics {
 
   private:
     std::uint64_t addStamp(const RingFrame& frame, const StampReading& reading);
+    void addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp);
     std::uint64_t timeGap(std::int64_t time) const;
     std::optional<TimeError> timeError() const;
 
     bool m_stamped;
     std::optional<double> m_rate;
+    TimeBase m_time_base;
+    PulseStatistics m_pulses;
     std::uint64_t m_frames = 0;
     std::uint64_t m_lost = 0;
     std::uint64_t m_lost_in_host = 0;

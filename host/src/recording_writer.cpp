@@ -8,8 +8,13 @@ namespace host {
 void RecordingWriter::addChannel(const ChannelInfo& channel, RecordingSink& sink,
                                  const std::filesystem::path& directory) {
     const bool stamped = m_reader != nullptr;
-    m_channels.push_back({channel, &sink, ChannelFiles(directory, channel.id, stamped),
-                          RecordingStatistics(stamped, channel.rate)});
+    m_channels.push_back({channel, &sink, ChannelFiles(directory, channel.id, stamped, channel.timeBase),
+                          RecordingStatistics(stamped, channel.rate, channel.timeBase)});
+}
+
+void RecordingWriter::addCounter(const ChannelInfo& channel, CounterKind kind, RecordingSink& sink,
+                                 const std::filesystem::path& directory) {
+    m_counters.push_back({channel.id, kind, &sink, CounterFile(directory, channel, kind)});
 }
 
 void RecordingWriter::start() {
@@ -32,6 +37,7 @@ void RecordingWriter::drain() {
     for (bool more = true; more && !hasFailed();) {
         more = false;
         for (Channel& channel : m_channels) more = writeOne(channel) || more;
+        for (Counter& counter : m_counters) more = writeOne(counter) || more;
     }
     std::uint64_t lost = 0;
     for (const Channel& channel : m_channels) {
@@ -57,9 +63,18 @@ bool RecordingWriter::writeOne(Channel& channel) {
     return true;
 }
 
+bool RecordingWriter::writeOne(Counter& counter) {
+    RingFrame sample;
+    if (hasFailed() || !counter.sink->ring()->front(sample)) return false;
+    if (!counter.file.append(sample)) fail(counter.file.failure());
+    counter.sink->ring()->pop();
+    return true;
+}
+
 void RecordingWriter::fail(const std::string& why) {
     if (m_failure.empty()) m_failure = why;
     for (Channel& channel : m_channels) channel.sink->close();
+    for (Counter& counter : m_counters) counter.sink->close();
     m_failed.store(true, std::memory_order_release);
 }
 
@@ -71,11 +86,25 @@ void RecordingWriter::finish() {
     for (Channel& channel : m_channels) {
         if (!channel.files.close()) fail(channel.files.failure());
     }
+    for (Counter& counter : m_counters) {
+        if (!counter.file.close()) fail(counter.file.failure());
+    }
 }
 
 void RecordingWriter::discard() {
     finish();
     for (Channel& channel : m_channels) channel.files.remove();
+    for (Counter& counter : m_counters) counter.file.remove();
+}
+
+void RecordingWriter::addCounters(ChannelReport& report) const {
+    for (const Counter& counter : m_counters) {
+        if (counter.channel != report.channel.id) continue;
+        if (!report.counters) report.counters.emplace();
+        const bool isSent = counter.kind == CounterKind::Sent;
+        (isSent ? report.counters->sent : report.counters->received) = counter.file.counted();
+        report.counters->unusable += counter.file.malformed() + counter.sink->ring()->lost();
+    }
 }
 
 std::vector<ChannelReport> RecordingWriter::reports() const {
@@ -84,6 +113,7 @@ std::vector<ChannelReport> RecordingWriter::reports() const {
         ChannelReport report = channel.statistics.report(channel.sink->ring()->lost());
         report.channel = channel.info;
         report.silent = !channel.sink->isPastEnd();
+        addCounters(report);
         reports.push_back(std::move(report));
     }
     return reports;

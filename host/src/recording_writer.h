@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "channel_files.h"
+#include "counter_file.h"
 #include "recording_sink.h"
 
 namespace host {
@@ -23,6 +24,9 @@ class RecordingWriter {
     /// Adds a channel; its sink has its ring and outlives the writing. Throws HostFailure when the files
     /// cannot be made. [before start]
     void addChannel(const ChannelInfo& channel, RecordingSink& sink, const std::filesystem::path& directory);
+    /// Adds a counter of a channel added before; as above.
+    void addCounter(const ChannelInfo& channel, CounterKind kind, RecordingSink& sink,
+                    const std::filesystem::path& directory);
     void start();
     /// Tells the thread that there are frames. Never waits. [any thread]
     void wake() { m_work.notify_one(); }
@@ -50,13 +54,23 @@ class RecordingWriter {
         RecordingStatistics statistics;
     };
 
+    struct Counter {
+        std::uint32_t channel;
+        CounterKind kind;
+        RecordingSink* sink;
+        CounterFile file;
+    };
+
     void run();
     void drain();
     bool writeOne(Channel& channel);
+    bool writeOne(Counter& counter);
+    void addCounters(ChannelReport& report) const;
     void fail(const std::string& why);
 
     const IfStampReader* m_reader;
     std::vector<Channel> m_channels;
+    std::vector<Counter> m_counters;
     std::mutex m_mutex;
     std::condition_variable m_work;
     std::atomic<bool> m_stop{false};

@@ -1,24 +1,9 @@
 #include "report_json.h"
 
-#include <nlohmann/json.hpp>
+#include "json_text.h"
 
 namespace host {
 namespace {
-
-using nlohmann::ordered_json;
-
-// Texts come from cameras too; a broken one must not cost the whole result.
-std::string dump(const ordered_json& json) {
-    return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
-}
-
-ordered_json orNull(const std::string& text) {
-    return text.empty() ? ordered_json(nullptr) : ordered_json(text);
-}
-
-ordered_json orNull(const std::optional<double>& value) {
-    return value ? ordered_json(*value) : ordered_json(nullptr);
-}
 
 ordered_json vendorJson(const std::string& version, const std::string& scenario) {
     return {{"version", orNull(version)}, {"simulator", orNull(scenario)}};
@@ -44,6 +29,26 @@ ordered_json timeErrorJson(const std::optional<TimeError>& error) {
             {"spread_max_ns", error->spreadMaxNs}};
 }
 
+ordered_json spansJson(const std::vector<PulseSpan>& spans) {
+    ordered_json list = ordered_json::array();
+    for (const PulseSpan& span : spans) list.push_back({span.first, span.last});
+    return list;
+}
+
+ordered_json pulsesJson(const ChannelReport& channel) {
+    const std::optional<PulseReport>& pulses = channel.pulses;
+    if (!pulses) return nullptr;
+    return {{"skipped", spansJson(pulses->skipped)},
+            {"lost", spansJson(pulses->lost)},
+            {"doubled", spansJson(pulses->doubled)},
+            {"misplaced", channel.stamped ? ordered_json(pulses->misplaced) : ordered_json(nullptr)}};
+}
+
+ordered_json countersJson(const std::optional<CounterReport>& counters) {
+    if (!counters) return nullptr;
+    return {{"sent", counters->sent}, {"received", counters->received}, {"unusable", counters->unusable}};
+}
+
 ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     ordered_json json = channelJson(channel.channel);
     json["frames"] = channel.frames;
@@ -55,6 +60,8 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
     json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
     json["time_error"] = timeErrorJson(channel.timeError);
+    json["pulses"] = pulsesJson(channel);
+    json["counters"] = countersJson(channel.counters);
     return json;
 }
 
@@ -76,10 +83,10 @@ std::string devicesJson(const std::string& plugin, const VendorDescription& vend
                         const std::map<std::uint32_t, ChannelInfo>& channels) {
     ordered_json list = ordered_json::array();
     for (const auto& [id, channel] : channels) list.push_back(channelJson(channel));
-    return dump({{"exit_code", 0},
-                 {"plugin", plugin},
-                 {"vendor_library", vendorJson(vendor.version, vendor.scenario)},
-                 {"channels", list}});
+    return dumpJson({{"exit_code", 0},
+                     {"plugin", plugin},
+                     {"vendor_library", vendorJson(vendor.version, vendor.scenario)},
+                     {"channels", list}});
 }
 
 std::string recordingJson(const RecordingReport& report, const std::vector<Check>& checks) {
@@ -90,23 +97,23 @@ std::string recordingJson(const RecordingReport& report, const std::vector<Check
     ordered_json list = ordered_json::array();
     for (const Check& check : checks) list.push_back({{"passed", check.passed}, {"text", check.sentence}});
     const std::string sentence = failureSentence(report, checks);
-    return dump({{"exit_code", static_cast<int>(exitCode(report, checks))},
-                 {"error", orNull(sentence)},
-                 {"plugin", report.plugin},
-                 {"vendor_library", vendorJson(report.vendorVersion, report.scenario)},
-                 {"directory", report.directory},
-                 {"seconds", report.seconds},
-                 {"outcome", outcomeText(report.outcome)},
-                 {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},
-                 {"channels", channels},
-                 {"checks", list},
-                 {"assertion_failures", report.assertionFailures},
-                 {"messages", report.messages},
-                 {"pictures", report.pictureFiles}});
+    return dumpJson({{"exit_code", static_cast<int>(exitCode(report, checks))},
+                     {"error", orNull(sentence)},
+                     {"plugin", report.plugin},
+                     {"vendor_library", vendorJson(report.vendorVersion, report.scenario)},
+                     {"directory", report.directory},
+                     {"seconds", report.seconds},
+                     {"outcome", outcomeText(report.outcome)},
+                     {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},
+                     {"channels", channels},
+                     {"checks", list},
+                     {"assertion_failures", report.assertionFailures},
+                     {"messages", report.messages},
+                     {"pictures", report.pictureFiles}});
 }
 
 std::string failureJson(ExitCode code, const std::string& sentence) {
-    return dump({{"exit_code", static_cast<int>(code)}, {"error", sentence}});
+    return dumpJson({{"exit_code", static_cast<int>(code)}, {"error", sentence}});
 }
 
 }  // namespace host

@@ -31,8 +31,35 @@ std::string counted(std::size_t count, const std::string& what) {
 }
 
 std::string filesText(const RecordingReport& report) {
+    const auto cameras = std::count_if(report.channels.begin(), report.channels.end(),
+                                       [](const ChannelReport& channel) { return channel.counters; });
+    const auto counters = static_cast<std::size_t>(2 * cameras);
     return "wrote " + counted(report.channels.size(), "raw + CSV") + ", " +
+           (counters == 0 ? "" : counted(counters, "counter CSV") + ", ") +
            counted(report.pictureFiles.size(), "PNG") + ", summary.json\n";
+}
+
+std::string pulsesText(const RecordingReport& report) {
+    std::string text;
+    for (const ChannelReport& channel : report.channels) {
+        if (!channel.pulses) continue;
+        text += "channel " + std::to_string(channel.channel.id) +
+                ": pulses skipped: " + pulseText(channel.pulses->skipped) +
+                "; lost: " + pulseText(channel.pulses->lost) +
+                "; doubled: " + pulseText(channel.pulses->doubled) + '\n';
+    }
+    return text;
+}
+
+std::string countersText(const RecordingReport& report) {
+    std::string text;
+    for (const ChannelReport& channel : report.channels) {
+        if (!channel.counters) continue;
+        text += "channel " + std::to_string(channel.channel.id) +
+                ": counters: " + std::to_string(channel.counters->sent) + " sent, " +
+                std::to_string(channel.counters->received) + " received\n";
+    }
+    return text;
 }
 
 std::string verdict(const RecordingReport& report, const std::vector<Check>& checks) {
@@ -75,7 +102,7 @@ std::string recordingText(const RecordingReport& report, const std::vector<Check
                                     {"picture matches stamp"},
                                     {"time error: constant (way) / spread p99 / spread max"}},
                                    rows);
-    text += filesText(report);
+    text += pulsesText(report) + countersText(report) + filesText(report);
     return text + verdict(report, checks);
 }
 

@@ -3,13 +3,17 @@
 #include <chrono>
 #include <thread>
 
+#include "config_item_variant.h"
+#include "config_keys.h"
 #include "host_failure.h"
+#include "setting_text.h"
 #include "steady_master_clock.h"
 
 namespace host {
 
-SessionOptions patientOptions() {
+SessionOptions patientOptions(bool frameCounters) {
     SessionOptions options;
+    options.frameCounters = frameCounters;
     options.pause = [] {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         return !platform::interruptRequested();
@@ -23,6 +27,7 @@ Session::Session(PluginSource source, const SessionOptions& options)
 Session::Session(PluginSource source, const SessionOptions& options, std::unique_ptr<VendorProbe> vendor)
     : m_plugin(std::move(source)), m_vendor(std::move(vendor)) {
     bringUp();
+    if (options.frameCounters) switchFrameCountersOn();
     findDevices(options);
     takeChannels();
 }
@@ -41,6 +46,16 @@ void Session::bringUp() {
     throw HostFailure(ExitCode::CameraLibrary, "The camera vendor's library (" + m_vendor->describe() +
                                                    ") could not be started" + reason +
                                                    "; --log-level info shows what it reported.");
+}
+
+void Session::switchFrameCountersOn() {
+    const auto config = m_plugin.getPluginConfig();
+    const config_items::SingleValueConfigItem<bool> on(true);
+    if (config && config->hasItem(config_keys::kFrameCounterChannels) &&
+        config->setItem(config_keys::kFrameCounterChannels, on)) {
+        return;
+    }
+    throw HostFailure(ExitCode::NoService, "This plug-in has no frame counters; leave --counters out.");
 }
 
 void Session::listDevices() {
@@ -70,9 +85,42 @@ void Session::findDevices(const SessionOptions& options) {
 
 void Session::takeChannels() {
     for (const std::uint32_t id : m_plugin.getChannelIds()) {
-        if (auto config = m_plugin.getChannelConfig(id)) m_configs.emplace(id, std::move(config));
-        m_messages.subscribe(m_plugin.getChannel(id));
+        auto config = m_plugin.getChannelConfig(id);
+        if (config && !takeCounter(id, *config)) m_configs.emplace(id, std::move(config));
+        m_messages.subscribe(id, m_plugin.getChannel(id));
     }
+}
+
+bool Session::takeCounter(std::uint32_t id, channel_config::IfChannelConfig& config) {
+    if (!config.hasKey(config_keys::kIdCameraSubChannelId)) return false;
+    const std::string camera = valueText(config.getItem(config_keys::kIdCameraChannelIndex));
+    FrameCounterIds& counters = m_counters[static_cast<std::uint32_t>(std::stoul(camera))];
+    const std::string kind = valueText(config.getItem(config_keys::kIdCameraSubChannelId));
+    if (kind == "CntSent") counters.sent = id;
+    if (kind == "CntReceived") counters.received = id;
+    return true;
+}
+
+std::optional<FrameCounterIds> Session::frameCounters(std::uint32_t camera) const {
+    const auto found = m_counters.find(camera);
+    const std::uint32_t none = zelt::IfDAQPlugin::kNoChannel;
+    if (found == m_counters.end() || found->second.sent == none || found->second.received == none) return {};
+    return found->second;
+}
+
+std::set<std::uint32_t> Session::chooseChannels(const std::set<std::uint32_t>& wanted) {
+    std::set<std::uint32_t> known;
+    std::string names;
+    for (const auto& [id, config] : m_configs) {
+        known.insert(id);
+        names += (names.empty() ? "" : ", ") + std::to_string(id);
+    }
+    for (const std::uint32_t id : wanted) {
+        if (known.contains(id)) continue;
+        throw HostFailure(ExitCode::UnknownChannel,
+                          "There is no channel " + std::to_string(id) + "; the channels are " + names + ".");
+    }
+    return wanted.empty() ? known : wanted;
 }
 
 std::map<std::uint32_t, ChannelInfo> Session::readChannels() {

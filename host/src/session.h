@@ -4,6 +4,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 
 #include "channel_info.h"
 #include "message_board.h"
@@ -17,6 +19,14 @@ struct SessionOptions {
     /// ask again.
     int attempts = 40;
     std::function<bool()> pause;
+    /// Every camera gets two channels beside it that count its frames.
+    bool frameCounters = false;
+};
+
+/// The two channels that count a camera's frames.
+struct FrameCounterIds {
+    std::uint32_t sent = zelt::IfDAQPlugin::kNoChannel;
+    std::uint32_t received = zelt::IfDAQPlugin::kNoChannel;
 };
 
 /// Owns the plug-in and everything that hangs on it, in the order in which it has to go. [main thread]
@@ -30,25 +40,32 @@ class Session {
     PluginHandle& plugin() { return m_plugin; }
     const VendorProbe& vendor() const { return *m_vendor; }
     MessageBoard& messages() { return m_messages; }
-    /// The channels by id, as they are now.
+    /// The cameras' channels by id, as they are now.
     std::map<std::uint32_t, ChannelInfo> readChannels();
     std::shared_ptr<channel_config::IfChannelConfig> config(std::uint32_t id) { return m_configs.at(id); }
+    /// Those asked for, or all when none is. Throws HostFailure for an unknown one.
+    std::set<std::uint32_t> chooseChannels(const std::set<std::uint32_t>& wanted);
+    /// The counters of a camera; empty without any.
+    std::optional<FrameCounterIds> frameCounters(std::uint32_t camera) const;
     /// "GIGE Camera plug-in GIGECAMERA · vendor library ..."
     std::string title();
 
   private:
     void bringUp();
+    void switchFrameCountersOn();
     void listDevices();
     void findDevices(const SessionOptions& options);
     void takeChannels();
+    bool takeCounter(std::uint32_t id, channel_config::IfChannelConfig& config);
 
     PluginHandle m_plugin;
     std::unique_ptr<VendorProbe> m_vendor;
     std::map<std::uint32_t, std::shared_ptr<channel_config::IfChannelConfig>> m_configs;
+    std::map<std::uint32_t, FrameCounterIds> m_counters;
     MessageBoard m_messages;
 };
 
 /// Asks for about two seconds, until there is a device or the user interrupts.
-SessionOptions patientOptions();
+SessionOptions patientOptions(bool frameCounters = false);
 
 }  // namespace host

@@ -23,6 +23,21 @@ class SimulatorStampReader : public IfStampReader {
     Function* m_function;
 };
 
+class SimulatorTriggerLine : public IfTriggerLine {
+  public:
+    using Drive = decltype(VmbSimDriveLine);
+    using Silence = decltype(VmbSimSilenceLine);
+    SimulatorTriggerLine(Drive* driveLine, Silence* silenceLine)
+        : m_drive(driveLine), m_silence(silenceLine) {}
+
+    VmbError_t drive(const VmbSimRhythm& rhythm) const override { return m_drive(nullptr, &rhythm); }
+    void silence() const override { m_silence(nullptr); }
+
+  private:
+    Drive* m_drive;
+    Silence* m_silence;
+};
+
 std::string versionOf(const platform::Library& library) {
     auto* query = find<decltype(VmbVersionQuery)>(library, "VmbVersionQuery");
     VmbVersionInfo_t info{};
@@ -46,6 +61,11 @@ VendorProbe::VendorProbe(std::shared_ptr<platform::Library> library) : m_library
     m_scenario = scenarioOf(*m_library);
     if (auto* read = find<decltype(VmbSimReadStamp)>(*m_library, "VmbSimReadStamp"); read != nullptr) {
         m_reader = std::make_unique<SimulatorStampReader>(read);
+    }
+    auto* drive = find<decltype(VmbSimDriveLine)>(*m_library, "VmbSimDriveLine");
+    auto* silence = find<decltype(VmbSimSilenceLine)>(*m_library, "VmbSimSilenceLine");
+    if (drive != nullptr && silence != nullptr) {
+        m_line = std::make_unique<SimulatorTriggerLine>(drive, silence);
     }
 }
 

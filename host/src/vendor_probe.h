@@ -16,6 +16,15 @@ class IfStampReader {
     virtual VmbError_t read(const void* image, std::uint64_t size, VmbSimFrameStamp& stamp) const = 0;
 };
 
+/// The input that triggers simulated cameras.
+class IfTriggerLine {
+  public:
+    virtual ~IfTriggerLine() = default;
+    /// As VmbSimDriveLine and VmbSimSilenceLine, for all cameras.
+    virtual VmbError_t drive(const VmbSimRhythm& rhythm) const = 0;
+    virtual void silence() const = 0;
+};
+
 /// The camera vendor's library as the plug-in loaded it. Keeps it loaded.
 class VendorProbe {
   public:
@@ -29,6 +38,8 @@ class VendorProbe {
     const std::string& scenario() const { return m_scenario; }
     /// Null with the vendor's own library.
     const IfStampReader* stampReader() const { return m_reader.get(); }
+    /// Null with the vendor's own library.
+    const IfTriggerLine* triggerLine() const { return m_line.get(); }
     /// "vendor library 1.9.1 (simulator: two-cameras)"
     std::string describe() const;
 
@@ -37,6 +48,7 @@ class VendorProbe {
     std::string m_version;
     std::string m_scenario;
     std::unique_ptr<IfStampReader> m_reader;
+    std::unique_ptr<IfTriggerLine> m_line;
 };
 
 }  // namespace host

@@ -47,7 +47,7 @@ TEST_F(TroublesAreNamed, WrongLength) {
 }
 
 TEST_F(TroublesAreNamed, NoCommand) {
-    expect(runProgram({}), 2, {"devices or record", "--help"});
+    expect(runProgram({}), 2, {"devices, settings, check, record, watch or topology", "--help"});
 }
 
 TEST_F(TroublesAreNamed, MissingPlugin) {

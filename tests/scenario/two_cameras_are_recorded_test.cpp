@@ -2,6 +2,7 @@
 
 #include "recorded_files.h"
 
+using scenario::kTimesHold;
 using scenario::ProgramResult;
 using scenario::runProgram;
 using scenario::fs::path;
@@ -9,20 +10,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-// Instrumented builds hand frames over late by many times what a camera's clock fit can smooth, so only the
-// others are asked for trustworthy times. What the pictures hold and where they lie is asked of every build.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kTimesHold = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kTimesHold = false;
-#else
-constexpr bool kTimesHold = true;
-#endif
-#else
-constexpr bool kTimesHold = true;
-#endif
 
 constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
 constexpr std::uint64_t kGreyBytes = 656ull * 492;

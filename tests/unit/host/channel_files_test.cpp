@@ -50,6 +50,14 @@ TEST_F(ChannelFilesTest, WritesFramesBackToBackWithOneLineEach) {
     EXPECT_EQ(files.last().bytes, 1u);
 }
 
+TEST_F(ChannelFilesTest, NamesPulsesInsteadOfTimes) {
+    ChannelFiles files(m_directory.path(), 3, false, host::TimeBase::Pulses);
+    EXPECT_TRUE(append(files, 0, "abc"));
+    EXPECT_TRUE(append(files, 2, "abc"));
+    EXPECT_TRUE(files.close());
+    EXPECT_EQ(table(), "frame,pulse,offset,bytes\n0,0,0,3\n1,2,3,3\n");
+}
+
 TEST_F(ChannelFilesTest, AddsWhatTheStampsSay) {
     ChannelFiles files(m_directory.path(), 3, true);
     StampReading reading;

@@ -52,8 +52,8 @@ TEST(CommandLine, TakesARecording) {
     EXPECT_EQ(line.command, Command::Record);
     EXPECT_EQ(line.seconds, 2.5);
     EXPECT_EQ(line.out, "dir");
-    EXPECT_EQ(line.channels, (std::set<std::uint32_t>{1, 3}));
-    EXPECT_EQ(parse({"record", "--seconds", "1", "--out", "d", "--channel", "0", "2"}).channels,
+    EXPECT_EQ(line.cameras.channels, (std::set<std::uint32_t>{1, 3}));
+    EXPECT_EQ(parse({"record", "--seconds", "1", "--out", "d", "--channel", "0", "2"}).cameras.channels,
               (std::set<std::uint32_t>{0, 2}));
 }
 
@@ -80,6 +80,78 @@ TEST(CommandLine, NamesAChannelThatIsNone) {
     }
 }
 
+TEST(CommandLine, TakesSettingsAndActions) {
+    const CommandLine line =
+        parse({"settings", "--channel", "1", "--set", "CAMERA/Gain=3", "--set", "Name=a=b", "--action",
+               "ACTION:Camera/AutoGain", "--from", "in.txt", "--to", "out.txt"});
+    EXPECT_EQ(line.command, Command::Settings);
+    EXPECT_EQ(line.cameras.channels, std::set<std::uint32_t>{1});
+    EXPECT_EQ(line.cameras.from, "in.txt");
+    EXPECT_EQ(line.to, "out.txt");
+    ASSERT_EQ(line.cameras.orders.size(), 3u);
+    EXPECT_EQ(line.cameras.orders[0].key, "CAMERA/Gain");
+    EXPECT_EQ(line.cameras.orders[0].value, "3");
+    EXPECT_EQ(line.cameras.orders[1].value, "a=b");
+    EXPECT_EQ(line.cameras.orders[1].kind, host::SettingOrder::Kind::Set);
+    EXPECT_EQ(line.cameras.orders[2].key, "ACTION:Camera/AutoGain");
+    EXPECT_EQ(line.cameras.orders[2].kind, host::SettingOrder::Kind::RunAction);
+}
+
+TEST(CommandLine, TakesAWatchWithOrWithoutAnEnd) {
+    EXPECT_EQ(parse({"watch"}).command, Command::Watch);
+    EXPECT_EQ(parse({"watch"}).seconds, std::nullopt);
+    EXPECT_EQ(parse({"watch", "--seconds", "2.5"}).seconds, 2.5);
+    EXPECT_THAT(refusal({"watch", "--seconds", "0"}), HasSubstr("--seconds takes a number greater than 0"));
+    EXPECT_EQ(parse({"topology", "--out", "rig.xml"}).out, "rig.xml");
+    EXPECT_TRUE(parse({"record", "--seconds", "1", "--out", "d", "--counters"}).counters);
+}
+
+TEST(CommandLine, OffersEveryCommandOnlyWhatItCanDo) {
+    EXPECT_THAT(refusal({"devices", "--set", "a=b"}), HasSubstr("--set"));
+    EXPECT_THAT(refusal({"settings", "--aux", "10"}), HasSubstr("--aux"));
+    EXPECT_THAT(refusal({"check", "--action", "a"}), HasSubstr("--action"));
+    EXPECT_THAT(refusal({"check", "--counters"}), HasSubstr("--counters"));
+    EXPECT_THAT(refusal({"topology", "--channel", "0"}), HasSubstr("--channel"));
+}
+
+TEST(CommandLine, NamesASettingThatIsNone) {
+    for (const char* text : {"Gain", "=3", ""}) {
+        EXPECT_EQ(refusal({"settings", "--set", text}),
+                  std::string("--set takes KEY=VALUE, such as CAMERA/Gain=3, not \"") + text +
+                      "\"; zelt_host settings lists the keys.");
+    }
+}
+
+TEST(CommandLine, TakesTheFrequencyOfATriggerOutput) {
+    for (const auto& [text, numerator, denominator] :
+         {std::tuple("100", 100, 1), {"30000/1001", 30000, 1001}, {"29.97", 2997, 100}, {"4/6", 2, 3}}) {
+        const CommandLine line = parse({"check", "--aux", text});
+        ASSERT_TRUE(line.cameras.aux) << text;
+        EXPECT_EQ(line.cameras.aux->numerator, numerator) << text;
+        EXPECT_EQ(line.cameras.aux->denominator, denominator) << text;
+    }
+    EXPECT_FALSE(parse({"check"}).cameras.aux);
+}
+
+TEST(CommandLine, NamesAFrequencyThatIsNone) {
+    for (const char* text : {"", "abc", "1/0", "1/-2", "1/2/3", "1.", "1e3"}) {
+        EXPECT_THAT(refusal({"record", "--seconds", "1", "--out", "d", "--aux", text}),
+                    testing::AllOf(HasSubstr("--aux takes a frequency in Hz, such as 100 or 30000/1001"),
+                                   HasSubstr(std::string("\"") + text + "\"")));
+    }
+    for (const char* text : {"0", "-5", "1/1000000001", "1000000001"}) {
+        EXPECT_THAT(refusal({"check", "--aux", text}), HasSubstr("greater than 0 Hz"));
+    }
+}
+
+TEST(CommandLine, NamesAPathThatIsEmpty) {
+    EXPECT_EQ(refusal({"settings", "--from", ""}), "--from takes a file, not an empty text.");
+    EXPECT_EQ(refusal({"settings", "--to", ""}), "--to takes a file, not an empty text.");
+    EXPECT_EQ(refusal({"topology", "--out", ""}), "--out takes a file, not an empty text.");
+    EXPECT_EQ(refusal({"record", "--seconds", "1", "--out", ""}),
+              "--out takes a directory, not an empty text.");
+}
+
 TEST(CommandLine, NamesALevelThatIsNone) {
     EXPECT_EQ(
         refusal({"devices", "--log-level", "loud"}),
@@ -87,7 +159,10 @@ TEST(CommandLine, NamesALevelThatIsNone) {
 }
 
 TEST(CommandLine, NeedsACommandAndItsOptions) {
-    EXPECT_EQ(refusal({}), "Say what to do: devices or record; zelt_host --help explains both.");
+    EXPECT_EQ(
+        refusal({}),
+        "Say what to do: devices, settings, check, record, watch or topology; zelt_host --help explains "
+        "them.");
     EXPECT_THAT(refusal({"record", "--seconds", "1"}), HasSubstr("--out"));
     EXPECT_THAT(refusal({"record", "--out", "d"}), HasSubstr("--seconds"));
     EXPECT_THAT(refusal({"record", "--seconds", "1", "--out", ""}), HasSubstr("--out"));

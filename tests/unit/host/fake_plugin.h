@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <boost/uuid/nil_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
 
 #include "config_item_variant.h"
 #include "config_keys.h"
@@ -17,6 +18,8 @@
 #include "if_channel_messages.h"
 #include "if_daq_plugin.h"
 #include "if_plugin_creator.h"
+#include "if_sync_aux_service.h"
+#include "if_system_topology_service.h"
 #include "plugin_library.h"
 
 namespace host_test {
@@ -49,11 +52,20 @@ class FakeChannel : public channel_config::IfChannelConfig, public zelt::IfChann
         const auto found = m_items.find(key);
         return found != m_items.end() ? found->second : ConfigItemVariant(config_items::InvalidConfigItem());
     }
+    /// Adds a setting that is listed, with its constraints.
+    template <class... Constraint>
+    void add(const std::string& key, const ConfigItemVariant& value,
+             std::shared_ptr<Constraint>... constraints) {
+        m_keys.push_back(key);
+        m_items[key] = value;
+        m_constraints[key] = {constraints...};
+    }
     std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>> getConstraints(
-        const std::string&) override {
-        return {};
+        const std::string& key) override {
+        return m_constraints[key];
     }
     bool setItem(const std::string& key, const ConfigItemVariant& value) override {
+        if (m_set) return m_set(key, value);
         m_items[key] = value;
         return true;
     }
@@ -71,22 +83,92 @@ class FakeChannel : public channel_config::IfChannelConfig, public zelt::IfChann
 
     std::vector<std::string> m_keys;
     std::map<std::string, ConfigItemVariant> m_items;
+    std::map<std::string, std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>>> m_constraints;
+    /// What setting does, if not storing.
+    std::function<bool(const std::string& key, const ConfigItemVariant& value)> m_set;
     MessageListener m_listener;
     std::optional<exception_manager::Exception> m_last_message;
 };
 
+/// Settings of the plug-in itself: its frame counters are off, if it has any.
+class FakePluginConfig : public zelt::IfPluginConfig {
+  public:
+    using Constraints = std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>>;
+
+    bool setItem(const std::string& key, const ConfigItemVariant& value) override {
+        m_items[key] = value;
+        return true;
+    }
+    ConfigItemVariant getItem(const std::string& key) override { return m_items.at(key); }
+    bool hasItem(const std::string& key) override { return m_items.contains(key); }
+    std::vector<std::string> getKeys() override { return {}; }
+    Constraints getConstraints(const std::string&) override { return {}; }
+    ConfigItemVariant adaptItem(const std::string&, const ConfigItemVariant& value) override { return value; }
+
+    std::map<std::string, ConfigItemVariant> m_items{
+        {config_keys::kFrameCounterChannels, config_items::SingleValueConfigItem<bool>(false)}};
+};
+
+class FakeSyncAux final : public zelt::IfSyncAuxService {
+  public:
+    explicit FakeSyncAux(Calls& calls) : m_calls(calls) {}
+    std::uint32_t addRef() override { return 0; }
+    std::uint32_t release() override {
+        m_calls.push_back("release aux");
+        return 0;
+    }
+    void setSyncOutAuxFrequency(std::int64_t numerator, std::int64_t denominator) override {
+        m_calls.push_back("aux " + std::to_string(numerator) + '/' + std::to_string(denominator));
+    }
+
+  private:
+    Calls& m_calls;
+};
+
+class FakeTopology final : public zelt::IfSystemTopologyService {
+  public:
+    explicit FakeTopology(Calls& calls) : m_calls(calls) {}
+    std::uint32_t addRef() override { return 0; }
+    std::uint32_t release() override {
+        m_calls.push_back("release topology");
+        return 0;
+    }
+    void getTopology(std::uint64_t, Callback callback, void* context) override {
+        // Only what the length covers is the document's.
+        const std::string text = "<MeasurementTree />and no more";
+        callback(context, text.data(), 19);
+    }
+    bool isTopologyDynamic() override { return false; }
+    void setListener(std::uint64_t) override {}
+    bool removeListener(std::uint64_t) override { return false; }
+
+  private:
+    Calls& m_calls;
+};
+
 class FakeFactory : public plugin_api::IfServiceFactory {
   public:
-    explicit FakeFactory(Calls& calls) : m_calls(calls) {}
+    explicit FakeFactory(Calls& calls) : m_calls(calls), m_aux(calls), m_topology(calls) {}
     std::uint32_t addRef() override { return 0; }
     std::uint32_t release() override {
         m_calls.push_back("release");
         return 1;
     }
-    bool getService(const boost::uuids::uuid&, plugin_api::IfService**) override { return false; }
+    bool getService(const boost::uuids::uuid& id, plugin_api::IfService** out) override {
+        const std::string text = boost::uuids::to_string(id);
+        *out = nullptr;
+        if (!m_has_services) return false;
+        if (text == "784229ae-48ab-4a05-8f83-9fb70f11827f") *out = &m_aux;
+        if (text == "a5c594ea-1c7f-41bf-a588-9ac316fb5973") *out = &m_topology;
+        return *out != nullptr;
+    }
+
+    bool m_has_services = true;
 
   private:
     Calls& m_calls;
+    FakeSyncAux m_aux;
+    FakeTopology m_topology;
 };
 
 class FakePlugin : public zelt::IfDAQPlugin {
@@ -102,7 +184,7 @@ class FakePlugin : public zelt::IfDAQPlugin {
     bool initialize() override { return note("initialize"); }
     bool isSupported() override { return true; }
     void terminate() override { note("terminate"); }
-    std::shared_ptr<zelt::IfPluginConfig> getPluginConfig() override { return nullptr; }
+    std::shared_ptr<zelt::IfPluginConfig> getPluginConfig() override { return m_config; }
     void onHostEvent(const void*) override {}
     void enumerateDevices() override {
         note("enumerateDevices");
@@ -144,7 +226,13 @@ class FakePlugin : public zelt::IfDAQPlugin {
         note("setSharedAcquisitionObject");
         m_clock = std::move(clock);
     }
-    bool checkChannelSettings(const std::vector<std::uint32_t>&, bool) override { return true; }
+    bool checkChannelSettings(const std::vector<std::uint32_t>& ids, bool) override {
+        std::string text = "checkChannelSettings";
+        for (const std::uint32_t id : ids) text += ' ' + std::to_string(id);
+        m_calls.push_back(text);
+        const auto found = m_behaviour.find("checkChannelSettings");
+        return found == m_behaviour.end() || found->second();
+    }
     std::shared_ptr<channel_config::IfChannelConfig> getChannel(std::uint32_t id) override {
         return m_channels.at(id);
     }
@@ -157,6 +245,8 @@ class FakePlugin : public zelt::IfDAQPlugin {
     std::map<std::uint32_t, std::shared_ptr<FakeChannel>> m_channels;
     std::map<std::uint32_t, zelt::IfChannelSink*> m_sinks;
     std::shared_ptr<zelt::IfMasterClock> m_clock;
+    std::shared_ptr<FakePluginConfig> m_config = std::make_shared<FakePluginConfig>();
+    FakeFactory& factory() { return m_factory; }
     int m_enumerations_until_found = 0;
 
   private:

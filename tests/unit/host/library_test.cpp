@@ -145,6 +145,35 @@ TEST(VendorProbe, KnowsTheSimulator) {
     EXPECT_EQ(stamp.frameId, 77u);
 }
 
+VmbSimRhythm s_driven{};
+int s_silenced = 0;
+
+VmbError_t fakeDrive(const char* camera, const VmbSimRhythm* rhythm) {
+    s_driven = *rhythm;
+    return camera == nullptr ? VmbErrorSuccess : VmbErrorNotFound;
+}
+
+VmbError_t fakeSilence(const char* camera) {
+    if (camera == nullptr) ++s_silenced;
+    return VmbErrorSuccess;
+}
+
+TEST(VendorProbe, ReachesTheTriggerLineOfAllSimulatedCameras) {
+    host_test::Calls calls;
+    auto library = std::make_shared<host_test::FakeLibrary>(calls);
+    library->m_symbols = {{"VmbSimDriveLine", address(&fakeDrive)}};
+    EXPECT_EQ(host::VendorProbe(library).triggerLine(), nullptr) << "half of it is none";
+    library->m_symbols["VmbSimSilenceLine"] = address(&fakeSilence);
+    const host::VendorProbe probe(library);
+    ASSERT_NE(probe.triggerLine(), nullptr);
+    VmbSimRhythm rhythm{};
+    rhythm.numerator = 77;
+    EXPECT_EQ(probe.triggerLine()->drive(rhythm), VmbErrorSuccess);
+    EXPECT_EQ(s_driven.numerator, 77u);
+    probe.triggerLine()->silence();
+    EXPECT_EQ(s_silenced, 1);
+}
+
 TEST(VendorProbe, KnowsTheVendorsOwnLibrary) {
     host_test::Calls calls;
     auto library = std::make_shared<host_test::FakeLibrary>(calls);
@@ -153,12 +182,14 @@ TEST(VendorProbe, KnowsTheVendorsOwnLibrary) {
     EXPECT_EQ(probe.describe(), "vendor library 1.9.1");
     EXPECT_EQ(probe.scenario(), "");
     EXPECT_EQ(probe.stampReader(), nullptr);
+    EXPECT_EQ(probe.triggerLine(), nullptr);
 }
 
 TEST(VendorProbe, SurvivesThatThereIsNone) {
     const host::VendorProbe probe(nullptr);
     EXPECT_EQ(probe.describe(), "vendor library of unknown version");
     EXPECT_EQ(probe.stampReader(), nullptr);
+    EXPECT_EQ(probe.triggerLine(), nullptr);
 }
 
 }  // namespace

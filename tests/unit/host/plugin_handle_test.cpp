@@ -248,4 +248,56 @@ TEST(SteadyMasterClock, CountsNanosecondsUpwards) {
     EXPECT_LE(time, now());
 }
 
+TEST_F(PluginHandleTest, HandsThePluginsOwnSettingsOutOnlyBeforeDevicesAreEnumerated) {
+    PluginHandle handle(m_creator.source());
+    EXPECT_EQ(handle.getPluginConfig(), m_creator.m_plugin->m_config);
+    bringUp(handle);
+    EXPECT_THROW(handle.getPluginConfig(), WrongOrder);
+}
+
+TEST_F(PluginHandleTest, ChecksSettingsOnlyWhileNothingIsAcquired) {
+    PluginHandle handle(m_creator.source());
+    EXPECT_THROW(handle.checkChannelSettings({0}), WrongOrder);
+    bringUp(handle);
+    EXPECT_TRUE(handle.checkChannelSettings({0, 3}));
+    EXPECT_EQ(m_creator.m_calls.back(), "checkChannelSettings 0 3");
+    m_creator.m_plugin->m_behaviour["checkChannelSettings"] = [] { return false; };
+    EXPECT_FALSE(handle.checkChannelSettings({}));
+    handle.prepareAcquisition();
+    EXPECT_FALSE(handle.checkChannelSettings({0}));
+    handle.onAcquisitionPrepared();
+    EXPECT_THROW(handle.checkChannelSettings({0}), WrongOrder);
+}
+
+TEST_F(PluginHandleTest, TellsTheTriggerOutputsFrequencyToItsService) {
+    {
+        PluginHandle handle(m_creator.source());
+        EXPECT_THROW(handle.setSyncOutAuxFrequency(100, 1), WrongOrder);
+        bringUp(handle);
+        handle.setSyncOutAuxFrequency(30000, 1001);
+        EXPECT_EQ(m_creator.m_calls.back(), "aux 30000/1001");
+        handle.setSyncOutAuxFrequency(0, 0);
+        m_creator.m_calls.clear();
+    }
+    EXPECT_THAT(m_creator.m_calls,
+                ElementsAre("terminate", "release aux", "release", "destroyPlugin", "unload"));
+}
+
+TEST_F(PluginHandleTest, FetchesTheTopologyWhenDevicesAreKnown) {
+    PluginHandle handle(m_creator.source());
+    handle.createServices();
+    EXPECT_THROW(handle.getTopology(), WrongOrder);
+    handle.initialize();
+    handle.enumerateDevices();
+    EXPECT_EQ(handle.getTopology(), "<MeasurementTree />");
+}
+
+TEST_F(PluginHandleTest, SaysThatAServiceIsMissing) {
+    m_creator.m_plugin->factory().m_has_services = false;
+    PluginHandle handle(m_creator.source());
+    bringUp(handle);
+    EXPECT_EQ(handle.getTopology(), std::nullopt);
+    EXPECT_THROW(handle.setSyncOutAuxFrequency(1, 1), PluginError);
+}
+
 }  // namespace

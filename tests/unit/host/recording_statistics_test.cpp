@@ -153,4 +153,29 @@ TEST(RecordingStatistics, KnowsOnlyTheHostsLossesWithoutStampsAndRate) {
     EXPECT_EQ(statistics.report(4).lost, 4u);
 }
 
+TEST(RecordingStatistics, TellsPulsesInsteadOfTimesOfATriggeredCamera) {
+    RecordingStatistics statistics(true, 50.0, host::TimeBase::Pulses);
+    add(statistics, 0, 0, stamp(1, 0, 90));
+    add(statistics, 2, 0, stamp(2, 40'000'000, 90));
+    add(statistics, 5, 0, stamp(5, 100'000'000, 90));
+    add(statistics, 5, 0, stamp(6, 115'000'000, 90));  // nearer to pulse 6
+    const ChannelReport report = statistics.report(0);
+    EXPECT_FALSE(report.timeError);
+    ASSERT_TRUE(report.pulses);
+    EXPECT_EQ(report.pulses->skipped, (std::vector<host::PulseSpan>{{1, 1}}));
+    EXPECT_EQ(report.pulses->lost, (std::vector<host::PulseSpan>{{3, 4}}));
+    EXPECT_EQ(report.pulses->doubled, (std::vector<host::PulseSpan>{{5, 5}}));
+    EXPECT_EQ(report.pulses->misplaced, 1u);
+    EXPECT_EQ(report.lost, 2u) << "frames 3 and 4";
+    EXPECT_EQ(report.doubled, 0u) << "no frame number came twice";
+}
+
+TEST(RecordingStatistics, CountsMissingPulsesAsLostFramesWithoutStamps) {
+    RecordingStatistics statistics(false, 50.0, host::TimeBase::Pulses);
+    for (const std::int64_t pulse : {3, 4, 8, 8, 9}) add(statistics, pulse, 0, {});
+    EXPECT_EQ(statistics.report(0).lost, 3u);
+    EXPECT_EQ(statistics.report(0).pulses->lost, (std::vector<host::PulseSpan>{{5, 7}}));
+    EXPECT_FALSE(RecordingStatistics(true, 50.0).report(0).pulses);
+}
+
 }  // namespace

@@ -119,7 +119,7 @@ TEST_F(RecordingTest, RecordsEveryFrameOfItsLength) {
 
 TEST_F(RecordingTest, UsesOnlyTheChannelsAskedFor) {
     host::RecordingOptions only = options();
-    only.channels = {1};
+    only.cameras.channels = {1};
     const RecordingReport report = record(only);
     ASSERT_EQ(report.channels.size(), 1u);
     EXPECT_EQ(report.channels[0].channel.id, 1u);
@@ -135,7 +135,7 @@ TEST_F(RecordingTest, UsesOnlyTheChannelsAskedFor) {
 
 TEST_F(RecordingTest, RefusesAnUnknownChannelAndNamesTheKnownOnes) {
     host::RecordingOptions wrong = options();
-    wrong.channels = {0, 7};
+    wrong.cameras.channels = {0, 7};
     const HostFailure error = failure(wrong);
     EXPECT_EQ(error.code(), ExitCode::UnknownChannel);
     EXPECT_STREQ(error.what(), "There is no channel 7; the channels are 0, 1.");
@@ -158,8 +158,8 @@ TEST_F(RecordingTest, TellsMessagesOfPreparationOnce) {
             exception_manager::Exception(0, "Too little bandwidth", "TEST"));
         return true;
     };
-    EXPECT_THAT(record().messages, ElementsAre("Too little bandwidth"));
-    EXPECT_THAT(m_told, ElementsAre("Too little bandwidth"));
+    EXPECT_THAT(record().messages, ElementsAre("channel 0: Too little bandwidth"));
+    EXPECT_THAT(m_told, ElementsAre("channel 0: Too little bandwidth"));
 }
 
 TEST_F(RecordingTest, PutsTheReasonOfAFailedPreparationIntoOneSentence) {
@@ -263,6 +263,29 @@ TEST_F(RecordingTest, RefusesADirectoryBelowAFileOrInItsPlace) {
         EXPECT_EQ(error.code(), ExitCode::OutputDirectory);
         EXPECT_THAT(error.what(), HasSubstr(wrong.directory.string()));
     }
+}
+
+TEST_F(RecordingTest, CountsInPulsesWhenTheCameraIsTriggered) {
+    for (auto& [id, channel] : plugin().m_channels) {
+        channel->m_items[config_keys::kCameraTriggerMode] = host_test::textItem("GIGE/TriggerModeAux");
+        channel->m_items[config_keys::kCameraFrameSetting] =
+            config_items::RationalScalarConfigItem(3, 2, "fps");
+    }
+    setStart([this] {
+        const std::string bytes(8, 'x');
+        for (const auto& [id, sink] : plugin().m_sinks) {
+            for (const std::int64_t pulse : {0, 1, 3, 4, 5}) sink->addSample(pulse, bytes.data(), 8);
+        }
+        return true;
+    });
+    host::RecordingOptions triggered = options();
+    triggered.seconds = 2.5;  // at 1.5 pulses a second 3.75 pulses, so four with the last one whole
+    const RecordingReport report = record(triggered);
+    EXPECT_EQ(report.channels[0].frames, 3u) << "pulses 0, 1 and 3";
+    EXPECT_FALSE(report.channels[0].silent);
+    EXPECT_EQ(report.channels[0].pulses->lost, (std::vector<host::PulseSpan>{{2, 2}}));
+    EXPECT_EQ(test_support::readFile(triggered.directory / "channel-1.csv"),
+              "frame,pulse,offset,bytes\n0,0,0,8\n1,1,8,8\n2,3,16,8\n");
 }
 
 }  // namespace

@@ -103,6 +103,61 @@ TEST(Checks, NameWhatIsLostAndWhere) {
               "was too slow; find the cause and record again.");
 }
 
+TEST(Checks, NameThePulsesWithoutAPictureOfTheirOwn) {
+    RecordingReport report = goodReport();
+    report.channels[0].pulses = host::PulseReport{};
+    EXPECT_TRUE(failedSentences(report).empty());
+    EXPECT_EQ(host::makeChecks(report).size(), host::makeChecks(goodReport()).size() + 4);
+    report.channels[0].pulses = host::PulseReport{{{12, 12}}, {{15, 17}, {20, 20}}, {{30, 31}}, 1};
+    EXPECT_THAT(
+        failedSentences(report),
+        testing::ElementsAre("channel 0: 1 pulse skipped (12)", "channel 0: 4 pulses lost (15-17, 20)",
+                             "channel 0: 2 pulses doubled (30-31)",
+                             "channel 0: 1 frame with the number of another pulse than the one that "
+                             "exposed"));
+    report.channels[0].stamped = false;
+    EXPECT_EQ(failedSentences(report).size(), 3u) << "without stamps nobody knows";
+}
+
+TEST(Checks, CompareTheCamerasCountersWithTheHostsOwnCount) {
+    RecordingReport report = goodReport();
+    const auto complaint = [&](host::CounterReport counters, std::uint64_t lost, std::uint64_t lostInHost) {
+        report.channels[0].counters = counters;
+        report.channels[0].lost = lost;
+        report.channels[0].lostInHost = lostInHost;
+        const std::vector<Check> checks = host::makeChecks(report);
+        return checks[3].passed ? std::string() : checks[3].sentence;
+    };
+    EXPECT_EQ(complaint({250, 250, 0}, 0, 0), "");
+    EXPECT_EQ(complaint({250, 247, 0}, 3, 0), "");
+    EXPECT_EQ(complaint({250, 247, 0}, 5, 2), "") << "of the host's own losses the counters know nothing";
+    EXPECT_EQ(complaint({250, 247, 0}, 2, 0),
+              "channel 0: counters say 250 sent and 247 received, the host found 2 frames lost on the way");
+    EXPECT_THAT(complaint({250, 251, 0}, 0, 0), HasSubstr("251 received"));
+    EXPECT_EQ(complaint({250, 250, 4}, 0, 0),
+              "channel 0: counters say 250 sent and 250 received, the host found 0 frames lost on the way; 4 "
+              "counts are missing");
+}
+
+TEST(RecordingText, NamesPulsesAndCounters) {
+    RecordingReport report = goodReport();
+    report.channels[0].pulses = host::PulseReport{{{12, 12}, {15, 17}}, {}, {{20, 20}}, 0};
+    report.channels[0].counters = host::CounterReport{250, 249, 0};
+    const std::string text = host::recordingText(report, host::makeChecks(report));
+    EXPECT_THAT(text, HasSubstr("channel 0: pulses skipped: 12, 15-17; lost: none; doubled: 20\n"
+                                "channel 0: counters: 250 sent, 249 received\n"
+                                "wrote 1 raw + CSV, 2 counter CSV, 2 PNG, summary.json\n"));
+    const auto json = nlohmann::json::parse(host::recordingJson(report, host::makeChecks(report)));
+    EXPECT_EQ(json["channels"][0]["pulses"],
+              nlohmann::json::parse(R"({"skipped": [[12, 12], [15, 17]], "lost": [], "doubled": [[20, 20]],
+                                        "misplaced": 0})"));
+    EXPECT_EQ(json["channels"][0]["counters"],
+              nlohmann::json::parse(R"({"sent": 250, "received": 249, "unusable": 0})"));
+    const auto plain = nlohmann::json::parse(host::recordingJson(goodReport(), {}));
+    EXPECT_EQ(plain["channels"][0]["pulses"], nullptr);
+    EXPECT_EQ(plain["channels"][0]["counters"], nullptr);
+}
+
 TEST(Checks, FailForDoubledAndWrongPictures) {
     RecordingReport report = goodReport();
     report.channels[0].doubled = 1;
@@ -316,7 +371,7 @@ TEST(ExitCodes, AreDistinctAscendingAndExplained) {
         codes.insert(code);
         EXPECT_STRNE(row.meaning, "");
     }
-    EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 130}));
+    EXPECT_EQ(codes, (std::set<int>{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 130}));
 }
 
 TEST(ExitCodes, StandInTheHelp) {

@@ -5,8 +5,10 @@
 #include "config_item_variant.h"
 #include "fake_plugin.h"
 #include "host_failure.h"
-#include "message_board.h"
+#include "message_teller.h"
+#include "setting_text.h"
 
+using host::ChannelMessage;
 using host::ExitCode;
 using host::HostFailure;
 using host::Session;
@@ -36,10 +38,67 @@ TEST(MessageBoard, TellsWhatAChannelSaidBeforeAnybodyListenedAndWhatItSaysAfterw
     earlier.addArgument("Exception Argument", "busy");
     channel->m_last_message = earlier;
     host::MessageBoard board;
-    board.subscribe(channel);
+    board.subscribe(4, channel);
     channel->m_listener(exception_manager::Exception(0, "later", ""));
-    EXPECT_THAT(board.take(), ElementsAre("Cannot open camera 'left': busy", "later"));
+    EXPECT_THAT(board.take(), ElementsAre(ChannelMessage{4, "Cannot open camera 'left': busy"},
+                                          ChannelMessage{4, "later"}));
     board.unsubscribeAll();
+}
+
+/// Tells of a message just when somebody begins to listen.
+class HastyChannel : public host_test::FakeChannel {
+  public:
+    HastyChannel() : FakeChannel(0) {}
+    void setMessageListener(MessageListener listener) override {
+        if (listener) listener(*(m_last_message = exception_manager::Exception(0, "now", "")));
+    }
+};
+
+TEST(MessageBoard, TellsAMessageOnceThatComesWhileItBeginsToListen) {
+    host::MessageBoard board;
+    board.subscribe(0, std::make_shared<HastyChannel>());
+    EXPECT_THAT(board.take(), ElementsAre(ChannelMessage{0, "now"}));
+}
+
+TEST(MessageBoard, HandsOutTheSentencesOfOneChannelSinceACount) {
+    const auto left = std::make_shared<host_test::FakeChannel>(0);
+    const auto right = std::make_shared<host_test::FakeChannel>(1);
+    host::MessageBoard board;
+    board.subscribe(0, left);
+    board.subscribe(1, right);
+    const auto say = [](const auto& channel, const char* text) {
+        channel->m_listener(exception_manager::Exception(0, text, ""));
+    };
+    say(left, "before");
+    const std::uint64_t count = board.count();
+    say(left, "first");
+    say(right, "other");
+    say(left, "second");
+    EXPECT_EQ(count, 1u);
+    EXPECT_THAT(board.takeFrom(0, count), ElementsAre("first", "second"));
+    EXPECT_THAT(board.take(), ElementsAre(ChannelMessage{0, "before"}, ChannelMessage{1, "other"}));
+    EXPECT_THAT(board.latest(), ElementsAre(testing::Pair(0u, "second"), testing::Pair(1u, "other")));
+}
+
+TEST(MessageTeller, TellsEveryMessageOnceAndTheRestAtItsEnd) {
+    const auto channel = std::make_shared<host_test::FakeChannel>(2);
+    host::MessageBoard board;
+    board.subscribe(2, channel);
+    const exception_manager::Exception message(0, "gone", "");
+    for (const auto repetitions : {host::Repetitions::Tell, host::Repetitions::Drop}) {
+        std::vector<std::string> told;
+        {
+            host::MessageTeller teller(
+                board, [&](const std::string& text) { told.push_back(text); }, repetitions);
+            channel->m_listener(message);
+            teller.tell();
+            teller.tell();
+            EXPECT_THAT(told, ElementsAre("channel 2: gone"));
+            EXPECT_THAT(teller.told(), ElementsAre(ChannelMessage{2, "gone"}));
+            channel->m_listener(message);
+        }
+        EXPECT_EQ(told.size(), repetitions == host::Repetitions::Tell ? 2u : 1u);
+    }
 }
 
 TEST(Session, SaysThatTheCameraLibraryCannotBeStarted) {
@@ -128,10 +187,68 @@ TEST(Session, ListensToItsChannelsAsLongAsItLives) {
         exception_manager::Exception message(0, "Camera %1 is no longer connected", "TEST");
         message.addArgument("Camera Name", "Manta");
         channel->m_listener(message);
-        EXPECT_THAT(session.messages().take(), ElementsAre("Camera Manta is no longer connected"));
+        EXPECT_THAT(session.messages().take(),
+                    ElementsAre(ChannelMessage{0, "Camera Manta is no longer connected"}));
         EXPECT_TRUE(session.messages().take().empty());
     }
     EXPECT_FALSE(channel->m_listener);
+}
+
+std::shared_ptr<host_test::FakeChannel> counter(std::uint32_t id, const char* camera, const char* kind) {
+    const auto channel = std::make_shared<host_test::FakeChannel>(id);
+    channel->add(config_keys::kIdCameraChannelIndex, host_test::textItem(camera));
+    channel->add(config_keys::kIdCameraSubChannelId, host_test::textItem(kind));
+    return channel;
+}
+
+TEST(Session, SwitchesFrameCountersOnBeforeItLooksForDevices) {
+    FakeCreator creator;
+    host_test::FakePlugin& plugin = *creator.m_plugin;
+    plugin.addChannel(5);
+    plugin.m_channels[0x10005] = counter(0x10005, "5", "CntSent");
+    plugin.m_channels[0x20005] = counter(0x20005, "5", "CntReceived");
+    bool on = false;
+    plugin.m_behaviour["enumerateDevices"] = [&] {
+        on = boost::get<config_items::SingleValueConfigItem<bool>>(
+                 plugin.m_config->m_items.at(config_keys::kFrameCounterChannels))
+                 .m_value;
+        return true;
+    };
+    SessionOptions options;
+    options.frameCounters = true;
+    Session session(creator.source(), options, noVendor());
+    EXPECT_TRUE(on);
+    EXPECT_THAT(session.readChannels(), ElementsAre(testing::Key(5u))) << "counters are no cameras";
+    ASSERT_TRUE(session.frameCounters(5));
+    EXPECT_EQ(session.frameCounters(5)->sent, 0x10005u);
+    EXPECT_EQ(session.frameCounters(5)->received, 0x20005u);
+    EXPECT_FALSE(session.frameCounters(4));
+}
+
+TEST(Session, LeavesFrameCountersOffUnlessAskedFor) {
+    FakeCreator creator;
+    creator.m_plugin->addChannel(0);
+    const auto config = creator.m_plugin->m_config;
+    Session session(creator.source(), {}, noVendor());
+    EXPECT_EQ(host::valueText(config->m_items.at(config_keys::kFrameCounterChannels)), "0");
+}
+
+TEST(Session, SaysThatThePluginHasNoFrameCounters) {
+    FakeCreator creator;
+    creator.m_plugin->addChannel(0);
+    creator.m_plugin->m_config->m_items.clear();
+    SessionOptions options;
+    options.frameCounters = true;
+    EXPECT_EQ(codeOf(creator, options), ExitCode::NoService);
+}
+
+TEST(Session, ChoosesAllChannelsOrThoseAskedFor) {
+    FakeCreator creator;
+    for (const std::uint32_t id : {0u, 1u, 4u}) creator.m_plugin->addChannel(id);
+    Session session(creator.source(), {}, noVendor());
+    EXPECT_THAT(session.chooseChannels({}), ElementsAre(0, 1, 4));
+    EXPECT_THAT(session.chooseChannels({4, 1}), ElementsAre(1, 4));
+    EXPECT_THROW(session.chooseChannels({2}), HostFailure);
 }
 
 TEST(ChannelInfo, IsReadFromTheItems) {

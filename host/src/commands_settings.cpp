@@ -1,0 +1,53 @@
+#include "change_log.h"
+#include "commands.h"
+#include "host_failure.h"
+#include "output_directory.h"
+#include "session.h"
+#include "settings_file.h"
+#include "settings_report.h"
+
+namespace host {
+namespace {
+
+std::vector<ChannelSettings> readAll(Session& session, const std::set<std::uint32_t>& chosen) {
+    std::vector<ChannelSettings> all;
+    for (const auto& [id, channel] : session.readChannels()) {
+        if (chosen.contains(id)) all.push_back({channel, readSettings(*session.config(id))});
+    }
+    return all;
+}
+
+void writeFile(const std::filesystem::path& file, const std::vector<ChannelSettings>& channels) {
+    std::string text;
+    for (const ChannelSettings& each : channels) text += settingsFilePart(each.channel, each.settings);
+    const std::string reason = writeTextFile(file, text);
+    if (reason.empty()) return;
+    throw HostFailure(ExitCode::SettingsFile, "Cannot write the settings file " + file.string() + " (" +
+                                                  reason + "); name another one with --to.");
+}
+
+}  // namespace
+
+ExitCode runSettings(const CommandLine& line, Console& console, const AssertionMonitor&) {
+    const std::vector<SettingOrder> orders = allOrders(line.cameras);
+    Session session(loadPlugin(line.plugin), patientOptions());
+    MessageTeller messages(session.messages(), [&](const std::string& text) { console.tell(text); });
+    ChangeLog changes(console, messages, !line.json);
+    const std::set<std::uint32_t> chosen = session.chooseChannels(line.cameras.channels);
+
+    carryOut(session, orders, chosen, std::ref(changes));
+    messages.tell();
+    const std::vector<ChannelSettings> channels = readAll(session, chosen);
+    if (!line.to.empty()) writeFile(line.to, channels);
+    if (line.json) {
+        console.print(settingsJson(changes.changes(), channels, messages.told()));
+    } else if (!line.to.empty()) {
+        console.print("wrote the settings of " + std::to_string(channels.size()) + " cameras to " +
+                      line.to.string() + '\n');
+    } else if (changes.changes().empty()) {
+        console.print(session.title() + '\n' + settingsText(channels));
+    }
+    return ExitCode::Ok;
+}
+
+}  // namespace host

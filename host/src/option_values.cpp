@@ -1,0 +1,98 @@
+#include "option_values.h"
+
+#include <charconv>
+
+#include "exit_codes.h"
+#include "host_failure.h"
+
+namespace host {
+namespace {
+
+constexpr double kLongestSeconds = 1e8;
+constexpr std::int64_t kGreatestTerm = 1'000'000'000;
+
+HostFailure bad(const std::string& sentence) {
+    return {ExitCode::CommandLine, sentence};
+}
+
+template <class Number>
+bool parseWhole(const std::string& text, Number& number) {
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+}  // namespace
+
+double parseSeconds(const std::string& text) {
+    double seconds = 0;
+    if (!parseWhole(text, seconds) || !(seconds > 0)) {
+        throw bad("--seconds takes a number greater than 0, such as 5 or 0.5, not \"" + text + "\".");
+    }
+    if (seconds > kLongestSeconds) {
+        throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");
+    }
+    return seconds;
+}
+
+std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts) {
+    std::set<std::uint32_t> channels;
+    for (const std::string& text : texts) {
+        std::uint32_t id = 0;
+        if (!parseWhole(text, id)) {
+            throw bad("--channel takes the id of a channel, such as 0, not \"" + text +
+                      "\"; zelt_host devices lists them.");
+        }
+        channels.insert(id);
+    }
+    return channels;
+}
+
+LogLevel parseLevel(const std::string& text) {
+    if (const auto level = parseLogLevel(text)) return *level;
+    std::string names;
+    for (const char* name : kLogLevelNames) names += (names.empty() ? "" : ", ") + std::string(name);
+    throw bad("--log-level takes one of " + names + ", not \"" + text + "\".");
+}
+
+std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts) {
+    std::vector<SettingOrder> orders;
+    for (const std::string& text : texts) {
+        const std::size_t sign = text.find('=');
+        if (sign == std::string::npos || sign == 0) {
+            throw bad("--set takes KEY=VALUE, such as CAMERA/Gain=3, not \"" + text +
+                      "\"; zelt_host settings lists the keys.");
+        }
+        orders.push_back({"--set", {}, text.substr(0, sign), text.substr(sign + 1), SettingOrder::Kind::Set});
+    }
+    return orders;
+}
+
+std::vector<SettingOrder> parseActions(const std::vector<std::string>& texts) {
+    std::vector<SettingOrder> orders;
+    orders.reserve(texts.size());
+    for (const std::string& text : texts) {
+        orders.push_back({"--action", {}, text, {}, SettingOrder::Kind::RunAction});
+    }
+    return orders;
+}
+
+Fraction parseFrequency(const std::string& text) {
+    Fraction frequency;
+    try {
+        frequency = fractionFromText(text);
+    } catch (const BadValue& wrong) {
+        throw bad("--aux takes a frequency in Hz, such as 100 or 30000/1001: " + std::string(wrong.what()) +
+                  '.');
+    }
+    const auto fits = [](std::int64_t term) { return term > 0 && term <= kGreatestTerm; };
+    if (!fits(frequency.numerator) || !fits(frequency.denominator)) {
+        throw bad(
+            "--aux takes a frequency greater than 0 Hz whose numerator and denominator are at most "
+            "1000000000, not \"" +
+            text + "\".");
+    }
+    return frequency;
+}
+
+}  // namespace host
