@@ -148,7 +148,7 @@ class CountedFrames : public FramesByHand {
 
 TEST_F(CountedFrames, LostOnTheWayAreTheGrowthOfSentLessReceived) {
     std::uint64_t ticks = 0;
-    for (const std::uint64_t id : {1, 2, 5, 6, 9}) deliver(id, ticks += 1000);
+    for (const std::uint64_t id : {1u, 2u, 5u, 6u, 9u}) deliver(id, ticks += 1000);
     EXPECT_THAT(counts(sent), ElementsAre(0u, 1u, 4u, 5u, 8u));
     EXPECT_THAT(counts(received), ElementsAre(1u, 2u, 3u, 4u, 5u));
 }
