@@ -1,8 +1,8 @@
 enable_testing()
 
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
-# One program per folder, its sources found by glob; a test that skips itself fails. They run one at a time, since
-# some measure time; only a test that mostly waits may run beside one of them.
+# One program per folder, its sources found by glob; a test that skips itself fails. They take both
+# processors, since some measure time; those that need virtual time alone set PROCESSORS to 1.
 function(zelt_add_test)
     cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
@@ -15,5 +15,5 @@ function(zelt_add_test)
     endif()
     add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
     set_tests_properties(${ARG_NAME} PROPERTIES
-        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 RESOURCE_LOCK machine)
+        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS 2)
 endfunction()
