@@ -223,8 +223,10 @@ bool CameraPlugin::publishNew(const std::string& cameraId) {
 }
 
 std::shared_ptr<CameraChannel> CameraPlugin::findRemoved(const std::string& cameraId) {
+    // Ahead of the lock, to go behind it: with the last snapshot channels may die, which close their cameras.
+    std::shared_ptr<const ChannelMap> channels;
     const platform::MutexLock lock(m_removed_mutex);
-    const auto channels = m_published->snapshot();
+    channels = m_published->snapshot();
     for (const auto& [id, channel] : *channels) {
         if (channel->getCameraId() == cameraId) return channel;
     }

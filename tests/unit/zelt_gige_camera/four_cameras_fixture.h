@@ -143,6 +143,12 @@ class FourCameras : public PluginTest {
             EXPECT_TRUE(setText(id, config_keys::kCameraTriggerMode, "GIGE/TriggerModeAux"));
         }
     }
+    void turnCable(unsigned number) {
+        VmbSimUnplugCamera(cameraId(number).c_str());
+        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+        VmbSimPlugCamera(cameraId(number).c_str());
+        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    }
     std::string shown(std::uint32_t id, const char* key) {
         return config_items::asItem(channels[id]->getItem(key)).toString();
     }

@@ -56,12 +56,6 @@ class FramesAmongThreads : public FourCameras {
         EXPECT_EQ(VmbSimWaitForFrames(cameraId(camera).c_str(), count, kPatienceMs), VmbErrorSuccess)
             << camera;
     }
-    void turnLastCable() {
-        VmbSimUnplugCamera(cameraId(kLast).c_str());
-        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
-        VmbSimPlugCamera(cameraId(kLast).c_str());
-        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
-    }
     void stopAlthoughACameraWasAway() {
         try {
             plugin->stopAcquisition();
@@ -106,7 +100,7 @@ TEST_F(FramesAmongThreads, AreDeliveredAndCountedWhileEverythingElseHappens) {
                          [&](int) {
                              plugin->setSharedAcquisitionObject(std::make_shared<test_support::TestClock>());
                          }),
-                [&] { turnLastCable(); },
+                [&] { turnCable(kLast); },
                 [&] {
                     for (std::uint32_t camera = 0; camera < kLast; ++camera) waitForFrames(camera, 25);
                 }});

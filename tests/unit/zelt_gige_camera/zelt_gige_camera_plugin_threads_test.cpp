@@ -21,12 +21,6 @@ using test_support::repeated;
 
 class SeveralThreads : public FourCameras {
   protected:
-    void turnCable(unsigned number) {
-        VmbSimUnplugCamera(cameraId(number).c_str());
-        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
-        VmbSimPlugCamera(cameraId(number).c_str());
-        EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
-    }
     /// One acquisition; a camera that is away fails it.
     void record() {
         try {
