@@ -126,6 +126,10 @@ class AnyStep : public PluginTest, public ::testing::WithParamInterface<Step> {
     }
     /// What the host is answered, by the step and the call that failed.
     void expectAnswer(Step step, const Fault& fault, Answer answer, const LogCapture& log);
+    static std::ptrdiff_t callsThatBegin(const std::string& text) {
+        return std::ranges::count_if(test_support::hostCalls(),
+                                     [&](const std::string& call) { return call.rfind(text, 0) == 0; });
+    }
     void expectStartUndone() {
         EXPECT_FALSE(plugin->isAcquiring());
         const std::vector<std::string> calls = test_support::hostCalls();
@@ -175,10 +179,7 @@ void AnyStep::expectAnswer(Step step, const Fault& fault, Answer answer, const L
         case Step::Prepare:
             EXPECT_TRUE(isTold || answer != Answer::Yes || mayFailSilently(fault));
             // Whichever it is that fails, the other camera records.
-            EXPECT_GE(std::ranges::count_if(
-                          test_support::hostCalls(),
-                          [](const std::string& call) { return call.rfind("VmbCaptureStart(", 0) == 0; }),
-                      1);
+            EXPECT_GE(callsThatBegin("VmbCaptureStart("), 1);
             break;
         case Step::Start:
             EXPECT_EQ(answer, Answer::Thrown);
@@ -191,6 +192,7 @@ void AnyStep::expectAnswer(Step step, const Fault& fault, Answer answer, const L
         case Step::Stop:
             EXPECT_TRUE(isTold || answer == Answer::Thrown || mayFailSilently(fault));
             expectStartUndone();
+            EXPECT_EQ(callsThatBegin("VmbFeatureCommandRun("), 2) << "both cameras are told to stop";
             break;
         case Step::Terminate:
             EXPECT_EQ(answer, Answer::Yes);
