@@ -9,6 +9,7 @@
 
 #include "markdown.h"
 #include "slot_table.h"
+#include "source_texts.h"
 
 namespace {
 
@@ -99,6 +100,19 @@ TEST(AbiDocument, NamesTheExportsOfTheLibrary) {
         documented.insert(codeIn(row.at("Symbol")));
     }
     EXPECT_THAT(documented, ContainerEq(exported));
+}
+
+TEST(AbiDocument, NamesTheIdsOfTheSources) {
+    const std::regex id("\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}");
+    std::set<std::string> known;
+    for (const docs_check::Source& source : docs_check::productSources()) {
+        for (const std::string& literal : source.literals()) {
+            if (std::regex_match(literal, id)) known.insert(literal);
+        }
+    }
+    std::set<std::string> documented;
+    for (const Row& row : Document("docs/ABI.md").rowsOf("Ids")) documented.insert(codeIn(row.at("Id")));
+    EXPECT_THAT(documented, ContainerEq(known));
 }
 
 }  // namespace

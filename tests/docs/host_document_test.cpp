@@ -8,8 +8,11 @@
 #include "command_line.h"
 #include "exit_codes.h"
 #include "markdown.h"
+#include "program_run.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 using docs_check::codeIn;
 using docs_check::codesIn;
@@ -115,6 +118,27 @@ TEST(HostDocument, HasTheExitCodes) {
     std::map<std::string, std::string> documented;
     for (const Row& row : rowsOf("Exit codes")) documented.emplace(row.at("Code"), row.at("Meaning"));
     EXPECT_THAT(documented, ContainerEq(known));
+}
+
+/// "<id>" for every number.
+std::string withoutNumbers(const std::string& name) {
+    return std::regex_replace(name, std::regex("[0-9]+"), "<id>");
+}
+
+TEST(HostDocument, NamesTheFilesOfARecording) {
+    const scenario::TemporaryDirectory directory;
+    const fs::path out = directory.path() / "recording";
+    // Whether the recording can be trusted does not matter here.
+    scenario::runProgram({"record", "--seconds", "0.3", "--out", out.string(), "--counters"});
+    std::set<std::string> found;
+    for (const auto& entry : fs::directory_iterator(out))
+        found.insert(withoutNumbers(entry.path().filename()));
+    std::set<std::string> documented;
+    for (const Row& row : rowsOf("A recording")) {
+        if (!row.contains("File")) continue;
+        for (const std::string& name : codesIn(row.at("File"))) documented.insert(name);
+    }
+    EXPECT_THAT(documented, ContainerEq(found));
 }
 
 }  // namespace
