@@ -58,7 +58,7 @@ IMEXPORTC VmbError_t VmbSimForceFeature(const char* cameraId, const char* featur
 typedef struct VmbSimScene {
     double percentPerMillisecond;  ///< mean level, in percent of the highest, per millisecond at gain 0 dB
     double red;                    ///< ratios of the white balance that make its grey grey
-    double blue;
+    double blue;                   ///< likewise
 } VmbSimScene;
 
 /// At power-up: half of the highest level at 15 ms, both ratios 1.
@@ -83,6 +83,7 @@ IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
 /// Picks the random numbers of jitter. The same seed gives the same ones; a fresh scenario has 0.
 IMEXPORTC void VmbSimSeed(VmbUint64_t seed);
 
+/// A camera's clock.
 typedef struct VmbSimOscillator {
     VmbUint64_t tickFrequency;  ///< Hz, 1 to 10^9
     VmbUint64_t startTicks;     ///< of the counter
@@ -96,6 +97,7 @@ typedef struct VmbSimOscillator {
 /// VmbErrorInvalidAccess while it acquires.
 IMEXPORTC VmbError_t VmbSimSetOscillator(const char* cameraId, const VmbSimOscillator* oscillator);
 
+/// Pulses at a steady frequency.
 typedef struct VmbSimRhythm {
     VmbUint64_t numerator;    ///< of the frequency in Hz; 1 to 10^9
     VmbUint64_t denominator;  ///< 1 to 10^9; at most 10^6 Hz in all
@@ -227,12 +229,12 @@ IMEXPORTC VmbUint64_t VmbSimTime(void);
 
 /// What every complete frame carries in its first bytes.
 typedef struct VmbSimFrameStamp {
-    VmbUint64_t frameId;
+    VmbUint64_t frameId;          ///< as in the frame record
     VmbUint64_t cameraTicks;      ///< camera clock at the start of exposure, as in the frame record
     VmbUint64_t exposureStartNs;  ///< true start of exposure, VmbSimTime
     VmbUint64_t wayNs;            ///< nominal time from there to the callback: exposure, readout, transfer
-    VmbUint32_t width;
-    VmbUint32_t height;
+    VmbUint32_t width;            ///< pixels
+    VmbUint32_t height;           ///< pixels
 } VmbSimFrameStamp;
 
 /// Reads the stamp of a recorded image and checks the whole picture against it; `size` is the frame's

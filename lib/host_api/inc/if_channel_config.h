@@ -21,6 +21,7 @@ namespace channel_config {
 /// operations. A callback must not throw: it would end the operation that called it.
 class IfChannelConfig {
   public:
+    /// Told which setting changed; `key` is valid during the call only.
     using ChangeCallback = std::function<void(const std::string& key)>;
 
     virtual ~IfChannelConfig() = default;

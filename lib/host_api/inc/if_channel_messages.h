@@ -10,6 +10,7 @@ namespace zelt {
 /// reached by dynamic_cast from the object that getChannel returns.
 class IfChannelMessages {
   public:
+    /// Told of one message, which is valid during the call only.
     using MessageListener = std::function<void(const exception_manager::Exception&)>;
 
     /// Copies the channel's latest message; false when there was none. [any thread]

@@ -19,7 +19,9 @@ class IfPluginConfig {
     virtual bool setItem(const std::string& key, const config_items::ConfigItemVariant& value) = 0;
     /// The value; an InvalidConfigItem for an unknown key.
     virtual config_items::ConfigItemVariant getItem(const std::string& key) = 0;
+    /// Whether a key is known.
     virtual bool hasItem(const std::string& key) = 0;
+    /// Known keys, in the order in which the plug-in defines them.
     virtual std::vector<std::string> getKeys() = 0;
     /// What the value must satisfy; empty for an unknown key. Nothing here enforces it.
     virtual std::vector<std::shared_ptr<config_items::IfConfigItemConstraint>> getConstraints(
