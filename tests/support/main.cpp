@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "hang_watch.h"
 #include "logging.h"
 
 int main(int argc, char** argv) {
@@ -11,5 +12,7 @@ int main(int argc, char** argv) {
     diagnostics::unilogger_zelt_plugin_gige_camera();
     diagnostics::unilogger_CONFIG_ITEMS();
     ::testing::InitGoogleMock(&argc, argv);
+    // Far more than the longest takes under the slowest sanitizer.
+    test_support::limitEveryTest(240);
     return RUN_ALL_TESTS();
 }

@@ -1,13 +1,9 @@
 /// Four cameras of 640 x 480 pixels at 50 Hz in real time, for tests of what happens at once.
 #pragma once
 
-#include <condition_variable>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <latch>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
@@ -44,30 +40,6 @@ inline std::function<void()> repeated(int times, std::function<void(int)> job) {
         for (int i = 0; i < times; ++i) job(i);
     };
 }
-
-/// Ends the process when it lives too long: the vendor library's watchdog sees only its own calls.
-class Deadline {
-  public:
-    Deadline()
-        : m_thread([this] {
-              std::unique_lock lock(m_mutex);
-              const auto patience = std::chrono::milliseconds(2 * kPatienceMs);
-              if (m_passed.wait_for(lock, patience, [this] { return m_met; })) return;
-              std::fputs("The test hangs: a lock is held that another thread needs\n", stderr);
-              std::abort();
-          }) {}
-    ~Deadline() {
-        const std::lock_guard lock(m_mutex);
-        m_met = true;
-        m_passed.notify_all();
-    }
-
-  private:
-    std::mutex m_mutex;
-    std::condition_variable m_passed;
-    bool m_met = false;
-    std::jthread m_thread;
-};
 
 /// Calls `hook` with the name of a call ahead of some calls of the camera layer.
 class HookedCameraApi final : public ForwardingCameraApi {
@@ -163,7 +135,6 @@ class FourCameras : public PluginTest {
         return dynamic_cast<zelt_gige_camera::CameraChannel&>(*channels[id]);
     }
 
-    Deadline deadline;
     const std::shared_ptr<HookedCameraApi> api =
         std::make_shared<HookedCameraApi>(std::make_shared<zelt_gige_api::VimbaCameraApi>());
     std::vector<std::shared_ptr<channel_config::IfChannelConfig>> channels;

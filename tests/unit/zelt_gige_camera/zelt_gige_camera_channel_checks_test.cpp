@@ -110,6 +110,16 @@ TEST_F(Settings, AreCheckedWhenTheHostAsks) {
     EXPECT_FALSE(plugin->checkChannelSettings({}, false));
 }
 
+TEST_F(Settings, AreCheckedOfEveryChannelAlsoBehindOneThatIsWrong) {
+    VmbSimPlugCamera(kMonochromeCamera);
+    open();
+    EXPECT_TRUE(setNumber("CAMERA/Exposure", 30000));
+    EXPECT_TRUE(channel(1)->setItem("CAMERA/Exposure", config_items::ScalarConfigItem(30000, "")));
+    const LogCapture log(UniLogSeverityLevel::Error);
+    EXPECT_FALSE(plugin->checkChannelSettings({7, 0, 1}, true));
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error), ElementsAre(kExposureTooLong, kExposureTooLong));
+}
+
 class ManyCameras : public PluginTest {
   protected:
     ManyCameras() : PluginTest("sixteen-cameras") {}
@@ -182,6 +192,17 @@ TEST_F(Polled, EveryAutomaticValueIsReadMoreThanASecondAfterTheLastTime) {
     stop();
     wallClock.time += 10;
     EXPECT_EQ(poll(), "");
+}
+
+TEST_F(Polled, NothingIsReadBeforeTheStart) {
+    open();
+    automatic("CAMERA/GainAuto");
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_TRUE(plugin->onAcquisitionPrepared());
+    EXPECT_EQ(poll(), "");
+    EXPECT_TRUE(plugin->startAcquisition());
+    EXPECT_EQ(poll(), asText({realGet("Gain")}));
+    stop();
 }
 
 TEST_F(Polled, OnlyWhatIsAutomaticIsRead) {

@@ -1,64 +1,17 @@
 // Every call of the camera library fails once, at every step of a recording from open to close.
-#include <map>
-#include <regex>
-#include <utility>
-
 #include "settings_fixture.h"
+#include "vendor_fault.h"
 
 namespace {
 
+using test_support::Fault;
+using test_support::faultsOfJournal;
 using test_support::kColourCamera;
 using test_support::kPatienceMs;
 using test_support::LogCapture;
+using test_support::mayFailSilently;
 using test_support::Settings;
 using test_support::Simulator;
-
-/// The nth call of a function, for a feature or a camera if it has a text argument.
-struct Fault {
-    std::string function;
-    std::string argument;
-    int nth = 1;
-    bool beforeRead = false;  ///< the call that follows only reads
-};
-
-std::ostream& operator<<(std::ostream& stream, const Fault& fault) {
-    return stream << fault.nth << ". " << fault.function << "(" << fault.argument << ")";
-}
-
-/// Every call of the journal as a fault of its own.
-std::vector<Fault> faultsOfJournal() {
-    std::vector<Fault> faults;
-    std::map<std::pair<std::string, std::string>, int> seen;
-    const std::regex call("(\\w+)\\((?:[^\",]+, )?(?:\"([^\"]*)\")?.*");
-    for (const std::string& line : Simulator::journal()) {
-        std::smatch parts;
-        if (!std::regex_match(line, parts, call)) {
-            ADD_FAILURE() << "not understood: " << line;
-            continue;
-        }
-        if (!faults.empty()) faults.back().beforeRead = parts[1].str().find("Set") == std::string::npos;
-        faults.push_back({parts[1], parts[2], ++seen[{parts[1], parts[2]}]});
-    }
-    return faults;
-}
-
-/// What a camera need not have, or need not tell, fails without a word.
-bool mayFailSilently(const Fault& fault) {
-    for (const char* query : {"VmbFeatureIntRangeQuery", "VmbFeatureIntIncrementQuery",
-                              "VmbFeatureFloatRangeQuery", "VmbFeatureEnumRangeQuery", "VmbFeatureInfoQuery",
-                              "VmbCaptureFrameQueue", "VmbFeatureInvalidationUnregister"}) {
-        if (fault.function == query) return true;
-    }
-    const bool isRead = fault.function.find("Get") != std::string::npos;
-    for (const char* optional :
-         {"ExposureAuto", "ExposureAutoMax", "GainAuto", "GainAutoAdjustTol", "GainAutoRate", "Gamma", "Hue",
-          "Saturation", "BalanceWhiteAuto", "BalanceRatioAbs", "WidthMax", "HeightMax"}) {
-        if (isRead && fault.argument == optional) return true;
-    }
-    // Best effort, as the packet size and the selector of a ratio that is only read.
-    return (fault.argument == "BalanceRatioSelector" && fault.beforeRead) ||
-           fault.argument == "GVSPAdjustPacketSize";
-}
 
 class AnyCallThatFails : public Settings {
   protected:
@@ -118,9 +71,7 @@ TEST_F(AnyCallThatFails, IsToldAndTheNextRecordingGoesWell) {
         // Its frames' memory is given back although they are announced, which nobody can mend.
         if (fault.function == "VmbFrameRevokeAll") continue;
         restart();
-        const char* const argument = fault.argument.empty() ? nullptr : fault.argument.c_str();
-        ASSERT_EQ(VmbSimFailCall(fault.function.c_str(), argument, fault.nth, VmbErrorOther),
-                  VmbErrorSuccess);
+        fault.arm(VmbErrorOther);
         const LogCapture log(UniLogSeverityLevel::Warning);
         const bool went = openAndRecord();
         EXPECT_TRUE(!went || !log.lines().empty() || mayFailSilently(fault));

@@ -159,6 +159,21 @@ TEST_F(PluginTest, AStartThatFailsBringsEveryChannelBack) {
     EXPECT_THAT(assertions.failures(), IsEmpty());
 }
 
+TEST_F(PluginTest, StopsEveryCameraBeforeItEndsTheFirstCapture) {
+    enumerate();
+    start();
+    VmbSimJournalStart();
+    stop();
+    std::vector<std::string> calls = hostCalls();
+    const std::string command = "VmbFeatureCommandRun";
+    std::erase_if(calls, [&](const std::string& line) {
+        return line.rfind(command, 0) != 0 && line.rfind("VmbCaptureEnd", 0) != 0;
+    });
+    const std::string stopCommand = quoted("AcquisitionStop");
+    EXPECT_THAT(calls, ElementsAre(call(command, stopCommand), call(command, stopCommand, kMonochromeCamera),
+                                   call("VmbCaptureEnd"), call("VmbCaptureEnd", "", kMonochromeCamera)));
+}
+
 TEST_F(PluginTest, StopsEveryOtherChannelWhenOneCannotBeStopped) {
     enumerate();
     start();

@@ -3,6 +3,20 @@
 #include "plugin_fixture.h"
 
 namespace {
+bool s_memoryIsShort = false;
+}
+
+/// The creator asks for the plug-in's memory this way; everything else as ever.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (s_memoryIsShort) return nullptr;
+    try {
+        return ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+namespace {
 
 using test_support::pluginTypeId;
 using test_support::Simulator;
@@ -83,6 +97,16 @@ TEST_F(Creator, MakesAPluginAlsoWhenTheCameraLibraryDoesNotStart) {
         log.texts(UniLogSeverityLevel::Error),
         ElementsAre("Not able to initialize Vimba GIGE Camera API: Other error", "Invalid camera API"));
     creator.destroyPlugin(pluginTypeId(), plugin);
+}
+
+TEST_F(Creator, WithoutMemoryMakesNoneAndShutsTheCameraLibraryDown) {
+    plugin = reinterpret_cast<zelt::IfDAQPlugin*>(this);
+    VmbSimJournalStart();
+    s_memoryIsShort = true;
+    EXPECT_TRUE(creator.createPlugin("GIGECAMERA", pluginTypeId(), &plugin));
+    s_memoryIsShort = false;
+    EXPECT_EQ(plugin, nullptr);
+    EXPECT_THAT(Simulator::calledFunctions(), ElementsAre("VmbVersionQuery", "VmbStartup", "VmbShutdown"));
 }
 
 TEST_F(Creator, DestroysNothingWithAWrongId) {

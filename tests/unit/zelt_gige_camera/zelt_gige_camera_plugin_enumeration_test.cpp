@@ -1,4 +1,6 @@
 // Numbers of channels, and cameras that come and go while others are opened.
+#include <boost/algorithm/string/case_conv.hpp>
+
 #include "four_cameras_fixture.h"
 
 namespace {
@@ -52,6 +54,26 @@ TEST_F(PluginTest, IsReadyAlthoughACameraIsAway) {
     EXPECT_TRUE(plugin->isReadyForAcquisition());
 }
 
+TEST_F(PluginTest, ClosesACameraThatVanishedAlsoWhenItsChannelIsHeld) {
+    enumerate();
+    const auto held = channel(0);
+    VmbSimUnplugCamera(kColourCamera);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    VmbSimJournalStart();
+    plugin->enumerateDevices();
+    EXPECT_THAT(test_support::hostCalls(), Contains(std::string("VmbCameraClose(") + kColourCamera + ")"));
+}
+
+TEST_F(PluginTest, TakesAnIdInOtherLettersForAnotherCamera) {
+    enumerate();
+    const LogCapture log(UniLogSeverityLevel::Info);
+    EXPECT_EQ(VmbSimRaiseDiscoveryEvent("Missing", "dev_000f31a10001"), VmbErrorSuccess);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Info),
+                ElementsAre("GigE-Camera 'dev_000f31a10001' was removed"));
+    EXPECT_EQ(lastMessage(0), "");
+}
+
 TEST_F(PluginTest, PreparesTheSecondCameraAlthoughTheFirstAnswersNo) {
     enumerate();
     VmbSimFailCall("VmbFeatureEnumSet", "AcquisitionMode", 1, VmbErrorOther);
@@ -102,6 +124,32 @@ TEST(PluginWithoutACameraApi, EnumeratesNothing) {
     plugin.enumerateDevices();
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Detail), ElementsAre("Enumerating available GigE devices"));
     EXPECT_THAT(plugin.getChannelIds(), IsEmpty());
+}
+
+/// Lists the cameras under ids in small letters from the second time on.
+class ShrinkingIds final : public test_support::ForwardingCameraApi {
+  public:
+    using ForwardingCameraApi::ForwardingCameraApi;
+    std::vector<zelt_gige_api::CameraInfo> listCameras() override {
+        auto cameras = ForwardingCameraApi::listCameras();
+        if (m_listed++ > 0) {
+            for (auto& camera : cameras) boost::algorithm::to_lower(camera.cameraId);
+        }
+        return cameras;
+    }
+
+  private:
+    int m_listed = 0;
+};
+
+TEST_F(PluginTest, TakesACameraListedInOtherLettersForANewOne) {
+    destroy();
+    const auto api = std::make_shared<ShrinkingIds>(std::make_shared<zelt_gige_api::VimbaCameraApi>());
+    api->startup();
+    plugin = new CameraPlugin(0, api);
+    enumerate();
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(2u, 3u));
 }
 
 /// The test does something whenever a camera is about to be opened.

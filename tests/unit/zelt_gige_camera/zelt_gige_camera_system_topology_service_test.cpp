@@ -117,6 +117,21 @@ TEST_F(Topology, IsThatOfTheLatestEnumeration) {
     EXPECT_THAT(document(), ::testing::Not(HasSubstr("Manta_G-032B")));
 }
 
+TEST_F(Topology, LeavesOutAChannelThatVanishesWhileItIsWritten) {
+    enumerate();
+    const AssertionCapture twice;
+    const auto vanishing = [&] {
+        VmbSimUnplugCamera(kMonochromeCamera);
+        EXPECT_EQ(VmbSimWaitForEvents(test_support::kPatienceMs), VmbErrorSuccess);
+        plugin->enumerateDevices();
+        return std::string("left");
+    };
+    options(0).addOption(std::make_shared<zelt::plugin_util::GenericOption<std::string>>(
+        "DefaultName", zelt::plugin_util::GenericOption<std::string>::Callables{.get = vanishing}));
+    EXPECT_EQ(document(), documentOf("\t\t\t\t\t\t<Channel ChannelID=\"0x0000000000000000\" "
+                                     "Name=\"left\" />\n"));
+}
+
 TEST_F(Topology, EscapesWhatHasAMeaningInTheDocument) {
     VmbSimUnplugCamera(kMonochromeCamera);
     enumerate();
