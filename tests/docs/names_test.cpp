@@ -179,6 +179,55 @@ TEST(Documents, AreAllReachedFromTheReadme) {
     EXPECT_THAT(documentFiles(), IsSubsetOf(reached));
 }
 
+/// The folder of a table whose file this is; empty for none.
+std::string folderOf(const std::string& path, const std::vector<std::string>& folders) {
+    const auto found = std::find_if(folders.begin(), folders.end(), [&](const std::string& folder) {
+        return path.rfind(folder + "/", 0) == 0;
+    });
+    return found != folders.end() ? *found : std::string();
+}
+
+/// Folders whose headers a folder includes, but itself.
+std::set<std::string> includedBy(const std::string& folder, const std::vector<std::string>& folders) {
+    static const std::regex include("#include \"([^\"]+)\"");
+    std::set<std::string> headers;
+    std::set<std::string> included;
+    for (const auto& [path, text] : sources()) {
+        if (folderOf(path, folders) != folder) continue;
+        headers.insert(std::sregex_token_iterator(text.begin(), text.end(), include, 1), {});
+    }
+    std::map<std::string, std::set<std::string>> places;
+    for (const auto& [path, text] : sources())
+        places[fs::path(path).filename()].insert(folderOf(path, folders));
+    for (const std::string& header : headers) {
+        const std::set<std::string>& found = places[fs::path(header).filename()];
+        if (!found.contains(folder)) included.insert(found.begin(), found.end());
+    }
+    included.erase("");
+    return included;
+}
+
+TEST(Architecture, SaysWhichFoldersUseWhich) {
+    const std::vector<Row> rows = Document("docs/ARCHITECTURE.md").rowsOf("Folders and arrows");
+    std::vector<std::string> folders;
+    for (const Row& row : rows) {
+        if (row.contains("Folder")) folders.push_back(codeIn(row.at("Folder")));
+    }
+    for (const auto& entry : fs::directory_iterator(sourceTree() / "lib")) {
+        const std::string folder = "lib/" + entry.path().filename().string();
+        if (entry.is_directory()) {
+            EXPECT_NE(std::find(folders.begin(), folders.end(), folder), folders.end()) << folder;
+        }
+    }
+    for (const Row& row : rows) {
+        if (!row.contains("Folder")) continue;
+        const std::vector<std::string> uses = docs_check::codesIn(row.at("Uses"));
+        EXPECT_EQ(std::set<std::string>(uses.begin(), uses.end()),
+                  includedBy(codeIn(row.at("Folder")), folders))
+            << row.at("Folder");
+    }
+}
+
 TEST(Decisions, AreNumberedAndListedInOrder) {
     std::vector<std::string> files;
     for (const auto& entry : fs::directory_iterator(sourceTree() / "docs/decisions")) {
