@@ -208,6 +208,39 @@ TEST_F(ScenarioEvents, HappenInRealTimeToo) {
     EXPECT_GE(VmbSimTime(), before + 50 * kMillisecond);
 }
 
+TEST_F(ScenarioEvents, GoTogetherWithWhatAProgramDoesMeanwhile) {
+    ASSERT_EQ(VmbSimUseVirtualTime(false), VmbErrorSuccess);
+    const auto event = [](const char* at, const std::string& action) {
+        return std::string(R"({"every": 0.001, "at": )") + at + R"(, "do": {)" + action + "}}";
+    };
+    const std::string ofColour = R"(": {"camera": "DEV_000F31A10001"})";
+    const std::string ofNetwork = R"(": {"interface": "SimulatedNetwork0"})";
+    ASSERT_EQ(load(R"({"cameras": [{"model": "Manta_G-033C"}], "events": [)" +
+                   event("0.001", R"("unplugCamera)" + ofColour) + "," +
+                   event("0.0013", R"("plugCamera)" + ofColour) + "," +
+                   event("0.0014", R"("driveLine": {"rhythm": {"numerator": 1000, "widthNs": 1000}})") + "," +
+                   event("0.0015", R"("unplugInterface)" + ofNetwork) + "," +
+                   event("0.0016", R"("plugInterface)" + ofNetwork) + "," +
+                   R"({"at": 0, "after": "DEV_000F31A10001", "do": {"holdSensor)" + ofColour + "}}]}"),
+              VmbErrorSuccess)
+        << test_support::scenarioError();
+    std::size_t opened = 0;
+    for (int round = 0; round < 50; ++round) {
+        ASSERT_EQ(VmbStartup(), VmbErrorSuccess);
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            VmbHandle_t camera = nullptr;
+            if (VmbCameraOpen(kColourCamera, VmbAccessModeFull, &camera) != VmbErrorSuccess) continue;
+            ++opened;
+            VmbFeatureCommandRun(camera, "AcquisitionStart");
+            VmbCaptureStart(camera);
+            VmbCaptureEnd(camera);
+            VmbCameraClose(camera);
+        }
+        VmbShutdown();
+    }
+    EXPECT_GT(opened, 0u);
+}
+
 TEST_F(ScenarioEvents, DoNotKeepTheLibraryFromEnding) {
     ASSERT_EQ(VmbSimUseVirtualTime(false), VmbErrorSuccess);
     for (int round = 0; round < 20; ++round) {
