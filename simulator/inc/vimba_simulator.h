@@ -16,16 +16,28 @@ extern "C" {
 
 // Scenarios ---------------------------------------------------------------------------------------------
 
-/// Environment variable that names the scenario to start with; without it "two-cameras".
+/// Environment variable that names the scenario to start with; without it "two-cameras". When there is none
+/// of that name, or its file is wrong, VmbStartup answers VmbErrorOther, and the first time a sentence on the
+/// standard error stream says why.
 #define VMBSIM_SCENARIO_VARIABLE "VIMBAC_SIMULATOR_SCENARIO"
 
-/// Name of the scenario that is loaded.
+/// Name of the scenario that is loaded, as it was given: that of a ready one, or a path.
 IMEXPORTC const char* VmbSimScenarioName(void);
 
-/// Loads a scenario: "two-cameras", "zero-cameras" or "sixteen-cameras" (640 x 480, 100 Hz, each on a link of
-/// its own). Everything starts afresh: cameras and their settings, faults, the journal. VmbErrorInvalidCall
-/// while the library is started.
+/// Loads a scenario: a ready one by its name, as "two-cameras", or a file: a name with '/' or '\\' or with
+/// the ending ".json" is a path. simulator/README.md lists the ready ones and says what a file contains.
+/// Everything starts afresh: cameras and their settings, faults, the journal. VmbErrorNotFound when there is
+/// no such scenario or file, VmbErrorBadParameter for a file that is wrong; then the former scenario stays.
+/// VmbErrorInvalidCall while the library is started.
+///
+/// Events of a scenario happen from VmbStartup to VmbShutdown. Those at 0 seconds have happened when
+/// VmbStartup returns; of what happens at the same time, events come first. The next VmbStartup begins the
+/// events again; what they did to cameras, cables and lines before stays.
 IMEXPORTC VmbError_t VmbSimLoadScenario(const char* name);
+
+/// Says what was wrong with the scenario that was named last, by VmbSimLoadScenario or by the environment,
+/// and where; empty when nothing was. Copies the text as VmbSimJournalText does.
+IMEXPORTC size_t VmbSimScenarioError(char* buffer, size_t size);
 
 // Cameras -----------------------------------------------------------------------------------------------
 
@@ -188,7 +200,8 @@ IMEXPORTC void VmbSimJournalStop(void);
 /// Copies the journal as text and returns the size needed with its terminating zero; `buffer` may be null.
 /// One line per call, in the order in which the calls returned:
 ///   [host] VmbFeatureEnumSet(DEV_000F31A10001, "EventSelector", "AcquisitionStart") = 0
-/// The bracket names the calling thread: host, or the library's own frame, event or discovery. Handles are
+/// The bracket names the calling thread: host, or the library's own frame, event or discovery. Events of a
+/// scenario have lines as `[scenario] loseFrames {"camera":"DEV_000F31A10001","count":3} = 0`. Handles are
 /// written as the camera's or interface's id ("system" for the library's own, "ancillary data" for a
 /// frame's, "bad handle" otherwise), frames as "frame N" in order of announcement, texts in quotes, numbers
 /// plainly, callbacks, contexts and memory not at all. A successful get has its value behind the result:

@@ -29,10 +29,26 @@ Camera::Camera(const CameraRow& row, const OscillatorRow& oscillator, Nanosecond
       m_memory(row),
       m_clock(powerUp, oscillator),
       m_sets(std::move(sets)) {
+    settle();
+    for (const PowerUpValue& value : row.powerUpValues) preset(value);
     m_sets->remember(m_features);
     m_sets->load(m_sets->atPowerUp(), m_features);
     m_features.compute("UserSetDefaultSelector", m_sets->atPowerUp());
     replaceClock(oscillator, powerUp);
+}
+
+Result Camera::preset(const PowerUpValue& preset) {
+    Feature* feature = m_features.find(preset.feature);
+    if (feature == nullptr) return Result::NotFound;
+    const bool isKept = !isInUserSets(feature->row) && feature->row.name != std::string_view("DeviceUserID");
+    if (!isStreamable(feature->row) || isKept) return Result::InvalidAccess;
+    FeatureValue value = preset.value;
+    const Result accepted = m_features.accept(*feature, value);
+    if (accepted != Result::Success) return accepted;
+    round(*feature, value);
+    m_features.value(*feature) = std::move(value);
+    settleAfter(*feature);
+    return Result::Success;
 }
 
 void Camera::replaceClock(const OscillatorRow& oscillator, Nanoseconds now) {

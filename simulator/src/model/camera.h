@@ -37,6 +37,9 @@ class Camera {
     const CameraClock& clock() const { return m_clock; }
     const SensorSettings& sensor() const { return m_sensor; }
 
+    /// Sets a feature to what it shall have at power-up. InvalidAccess for what cannot be set, or what a
+    /// camera keeps without power.
+    Result preset(const PowerUpValue& preset);
     /// A value that the camera rounds to its own grid.
     void round(const Feature& feature, FeatureValue& value) const;
     /// Recomputes everything that depends on settings.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,7 @@ struct SensorRow {
     std::int64_t bits = 12;  ///< depth of a pixel
 };
 
-/// An interface of the host. Texts are literals: clients keep pointers to them.
+/// An interface of the host. Texts stay valid for good: clients keep pointers to them.
 struct InterfaceRow {
     const char* id;
     const char* name;
@@ -38,15 +39,21 @@ struct InterfaceRow {
 
 inline constexpr const char* kVendorName = "Allied Vision Technologies";
 
-/// Texts are literals: clients keep pointers to them.
+/// A feature's value at power-up; an enumeration's is the text of its entry.
+struct PowerUpValue {
+    const char* feature;
+    FeatureValue value;
+};
+
+/// Texts stay valid for good: clients keep pointers to them.
 struct CameraRow {
-    const char* id;  ///< "DEV_" and the twelve digits of the hardware address
+    const char* id = "";  ///< "DEV_" and the twelve digits of the hardware address
     const char* model;
-    const char* serial;
+    const char* serial = "";
     const char* firmware;
     std::int64_t partNumber;
-    const char* interfaceId;
-    std::uint32_t ipAddress;  ///< first octet highest, as the next
+    const char* interfaceId = "";
+    std::uint32_t ipAddress = 0;  ///< first octet highest, as the next
     std::uint32_t subnetMask;
     bool colour;
     SensorRow sensor;
@@ -56,6 +63,7 @@ struct CameraRow {
     double hottestGain;         ///< dB
     std::int64_t memoryFrames;  ///< frames of full size that the camera's memory holds
     OscillatorRow oscillator;
+    std::vector<PowerUpValue> powerUpValues = {};  ///< set in this order
 
     /// 48 bits, first octet highest.
     std::uint64_t macAddress() const { return std::strtoull(id + 4, nullptr, 16); }
@@ -63,6 +71,8 @@ struct CameraRow {
 
 /// Four decimal numbers with dots; the address's first octet is its highest.
 std::string ipText(std::uint32_t address);
+/// The address of such a text, nothing of any other.
+std::optional<std::uint32_t> ipOf(const std::string& text);
 
 /// All features of such a camera at power-up.
 std::vector<FeatureRow> cameraFeatureRows(const CameraRow& camera);

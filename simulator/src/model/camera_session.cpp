@@ -184,7 +184,10 @@ void CameraSession::refresh(const Feature& feature) {
 Result CameraSession::execute(Lock&, const char* command) {
     const Nanoseconds now = m_clock.now();
     const auto is = [=](const char* name) { return std::strcmp(command, name) == 0; };
-    if (is("AcquisitionStart")) m_engine.startAcquisition();
+    if (is("AcquisitionStart")) {
+        m_engine.startAcquisition();
+        m_surroundings.onStart();
+    }
     if (is("AcquisitionStop")) m_engine.stopAcquisition();
     if (is("AcquisitionAbort")) {
         events().dropLater();  // of exposures that do not end

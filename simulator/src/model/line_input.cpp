@@ -1,6 +1,7 @@
 #include "line_input.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "noise.h"
 
@@ -12,6 +13,12 @@ constexpr std::uint64_t kHighestRate = 1'000'000;
 constexpr Nanoseconds kLongestBounce = 5 * kMicrosecond;
 
 }  // namespace
+
+bool PulseFaultRow::hits(std::uint64_t pulse) const {
+    if (pulse < first) return false;
+    const std::uint64_t since = pulse - first;
+    return (every > 0 ? since % every : since) < count;
+}
 
 Result LineInput::drive(const LineRhythm& rhythm, Nanoseconds first, Nanoseconds now) {
     const bool inRange = rhythm.numerator >= 1 && rhythm.numerator <= kLargest && rhythm.denominator >= 1 &&
@@ -53,14 +60,19 @@ void LineInput::clear(Nanoseconds now) {
     m_pulses.clear();
     m_pulseCount = 0;
     m_earliest = 0;
-    m_disturbances.clear();
+    m_faults.clear();
     m_edgeCount = m_edgesTaken = 0;
     if (m_high) push(now, false);
 }
 
-void LineInput::disturb(PulseFault fault, std::uint64_t first, std::uint64_t count) {
+void LineInput::disturb(const PulseFaultRow& fault) {
     const std::lock_guard lock(m_mutex);
-    if (count > 0) m_disturbances.push_back({fault, first, first + (count - 1)});
+    m_faults.push_back(fault);
+}
+
+void LineInput::disturbAlways(std::vector<PulseFaultRow> faults) {
+    const std::lock_guard lock(m_mutex);
+    m_lastingFaults = std::move(faults);
 }
 
 void LineInput::setSeed(std::uint64_t seed) {
@@ -134,9 +146,11 @@ void LineInput::expand(const Pulse& pulse) {
 }
 
 bool LineInput::suffers(PulseFault fault) const {
-    return std::any_of(m_disturbances.begin(), m_disturbances.end(), [&](const Disturbance& known) {
-        return known.fault == fault && m_pulseCount >= known.first && m_pulseCount <= known.last;
-    });
+    const auto spoils = [&](const PulseFaultRow& known) {
+        return known.fault == fault && known.hits(m_pulseCount);
+    };
+    return std::any_of(m_faults.begin(), m_faults.end(), spoils) ||
+           std::any_of(m_lastingFaults.begin(), m_lastingFaults.end(), spoils);
 }
 
 Nanoseconds LineInput::riseOf(std::uint64_t pulse) const {

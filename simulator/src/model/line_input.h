@@ -28,6 +28,17 @@ enum class PulseFault {
     Bouncing,  ///< rises three times within an eighth of its width, or 20 microseconds
 };
 
+/// Spoils pulses `first` to `first` + `count` - 1, and again after each `every` pulses, at least `count`; 0
+/// for never again.
+struct PulseFaultRow {
+    PulseFault fault = PulseFault::Missing;
+    std::uint64_t first = 1;
+    std::uint64_t count = 1;
+    std::uint64_t every = 0;
+
+    bool hits(std::uint64_t pulse) const;
+};
+
 struct LineEdge {
     Nanoseconds at = 0;
     bool rising = false;
@@ -43,7 +54,10 @@ class LineInput {
     Result add(const std::vector<Nanoseconds>& rises, Nanoseconds width, Nanoseconds now);
     /// No more pulses; a high line falls now.
     void silence(Nanoseconds now);
-    void disturb(PulseFault fault, std::uint64_t first, std::uint64_t count);
+    /// Spoils pulses of what drives the line now.
+    void disturb(const PulseFaultRow& fault);
+    /// Spoils pulses of whatever drives the line, now and later.
+    void disturbAlways(std::vector<PulseFaultRow> faults);
     /// Picks the jitter.
     void setSeed(std::uint64_t seed);
 
@@ -60,11 +74,6 @@ class LineInput {
         Nanoseconds at;
         Nanoseconds width;
     };
-    struct Disturbance {
-        PulseFault fault;
-        std::uint64_t first;
-        std::uint64_t last;
-    };
 
     void clear(Nanoseconds now);
     bool fill();
@@ -80,9 +89,10 @@ class LineInput {
     std::optional<LineRhythm> m_rhythm;
     Nanoseconds m_first = 0;
     std::deque<Pulse> m_pulses;
-    Nanoseconds m_earliest = 0;      // rise of the next single pulse
-    std::uint64_t m_pulseCount = 0;  // generated so far
-    std::vector<Disturbance> m_disturbances;
+    Nanoseconds m_earliest = 0;           // rise of the next single pulse
+    std::uint64_t m_pulseCount = 0;       // generated so far
+    std::vector<PulseFaultRow> m_faults;  // of what drives the line now
+    std::vector<PulseFaultRow> m_lastingFaults;
     std::array<LineEdge, 8> m_edges;  // of the pulse under way
     std::size_t m_edgeCount = 0;
     std::size_t m_edgesTaken = 0;

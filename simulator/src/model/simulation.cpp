@@ -16,38 +16,47 @@ constexpr std::uintptr_t kHandleStep = 16;
 }  // namespace
 
 Simulation::Simulation(FrameOutlet& outlet, const std::string& scenario) : m_outlet(outlet) {
-    if (const Scenario* known = findScenario(scenario)) {
-        fill(*known);
-    } else {
-        m_unknownScenario = scenario;
-        fill({"", {}, {}});
-        m_scenario = nullptr;
-    }
+    static const Scenario kNone;
+    const FoundScenario found = findScenario(scenario);
+    m_scenarioError = found.error;
+    fill(found.scenario != nullptr ? *found.scenario : kNone);
+    m_scenario = found.scenario;
 }
 
 void Simulation::fill(const Scenario& scenario) {
-    m_seed = 0;
+    m_seed = scenario.seed;
     m_scenario = &scenario;
     m_links.clear();
     for (const InterfaceRow& row : scenario.interfaces) m_links.push_back({&row, true});
     m_slots.clear();
-    for (const CameraRow& row : scenario.cameras) {
-        Slot slot;
-        slot.row = &row;
-        slot.faults = std::make_shared<FrameFaults>();
-        slot.line = std::make_shared<LineInput>();
-        slot.oscillator = row.oscillator;
-        slot.oscillator.seed = m_seed ^ row.macAddress();
-        slot.userSets = std::make_shared<UserSets>();
-        slot.camera = powerUp(slot);
-        m_slots.push_back(std::move(slot));
-    }
+    for (const ScenarioCamera& camera : scenario.cameras) m_slots.push_back(slotOf(camera));
     m_system = std::make_shared<SystemModule>(library(), [this] { return pluggedIds(); });
     m_callFaults.clear();
     m_cableFaults.clear();
     m_choices.reset();
+    for (const auto& [choice, option] : scenario.choices) m_choices.choose(choice, option);
     m_misuses.clear();
     m_journal.reset();
+    m_player = std::make_shared<EventPlayer>(clock(), scenario.events,
+                                             [this](const ScenarioEvent& event) { perform(event); });
+}
+
+Simulation::Slot Simulation::slotOf(const ScenarioCamera& camera) const {
+    Slot slot;
+    slot.row = &camera.row;
+    slot.cabled = camera.plugged;
+    slot.taken = camera.taken;
+    slot.scene = camera.scene;
+    slot.faults = std::make_shared<FrameFaults>();
+    slot.line = std::make_shared<LineInput>();
+    // One source drives all lines: its jitter is the same for every camera.
+    slot.line->setSeed(m_seed);
+    slot.line->disturbAlways(camera.pulseFaults);
+    slot.oscillator = camera.row.oscillator;
+    slot.oscillator.seed = m_seed ^ camera.row.macAddress();
+    slot.userSets = std::make_shared<UserSets>();
+    if (slot.cabled) slot.camera = powerUp(slot);
+    return slot;
 }
 
 std::shared_ptr<Camera> Simulation::powerUp(const Slot& slot) const {
@@ -70,15 +79,21 @@ Result Simulation::startup(void* systemHandle) {
     const std::lock_guard lifecycle(m_lifecycle);
     if (isStarted()) return startAgain();
     if (m_scenario == nullptr) {
-        std::fprintf(stderr, "%s names the scenario \"%s\", but the simulator knows only: %s.\n",
-                     kScenarioVariable, m_unknownScenario.c_str(), scenarioNames().c_str());
+        const bool told = std::exchange(m_errorTold, true);
+        if (!told) std::fprintf(stderr, "%s: %s\n", kScenarioVariable, scenarioError().c_str());
         return Result::Other;
     }
     {
         const Lock lock(m_mutex);
         m_systemHandle = systemHandle;
     }
-    m_system->start(systemHandle);
+    m_player->start();
+    try {
+        m_system->start(systemHandle);
+    } catch (...) {
+        m_player->stop();
+        throw;
+    }
     m_startups = 1;
     m_started = true;
     return Result::Success;
@@ -90,6 +105,7 @@ void Simulation::shutdown() {
     if (!isStarted()) return;
     if (m_choices.option(Choice::RepeatedStartup) == 1 && --m_startups > 0) return;
     m_started = false;
+    m_player->stop();
     m_system->stop();
     for (const auto& session : sessions()) session->close();
     // Those that another thread is closing.
@@ -108,8 +124,17 @@ const char* Simulation::scenarioName() const {
 }
 
 Result Simulation::loadScenario(const std::string& name) {
-    const Scenario* scenario = findScenario(name);
-    return scenario != nullptr ? reload(scenario, clock()) : Result::NotFound;
+    const FoundScenario found = findScenario(name);
+    {
+        const Lock lock(m_mutex);
+        m_scenarioError = found.error;
+    }
+    return found.scenario != nullptr ? reload(found.scenario, clock()) : found.result;
+}
+
+std::string Simulation::scenarioError() const {
+    const Lock lock(m_mutex);
+    return m_scenarioError;
 }
 
 Result Simulation::useVirtualTime(bool on) {
@@ -187,7 +212,8 @@ Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
     if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
-    const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line};
+    const auto onStart = [player = m_player, row = slot->row] { player->noteStart(row->id); };
+    const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line, onStart};
     auto session = std::make_shared<CameraSession>(surroundings, slot->camera, mode == OpenMode::Full);
     void* const fresh = freshHandle();
     session->hold(slot->held);

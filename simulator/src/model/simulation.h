@@ -14,6 +14,7 @@
 #include "ancillary_module.h"
 #include "camera.h"
 #include "camera_session.h"
+#include "event_player.h"
 #include "faults.h"
 #include "interface_module.h"
 #include "journal.h"
@@ -37,8 +38,8 @@ class Simulation {
     /// Starts with the scenario of that name, in real time.
     Simulation(FrameOutlet& outlet, const std::string& scenario);
 
-    /// Other, after a sentence on the standard error stream, when the scenario is unknown. A second start
-    /// changes nothing; one shutdown ends it.
+    /// Other when there is no scenario; the first time a sentence on the standard error stream says why. A
+    /// second start changes nothing; one shutdown ends it.
     Result startup(void* systemHandle);
     /// Waits for running callbacks, closes everything. Does nothing on one of the library's own threads.
     void shutdown();
@@ -46,6 +47,8 @@ class Simulation {
 
     const char* scenarioName() const;
     Result loadScenario(const std::string& name);
+    /// Why the last one was not found or could not be read; empty when it could.
+    std::string scenarioError() const;
     /// Changes the kind of time and loads the scenario afresh.
     Result useVirtualTime(bool on);
     /// InvalidCall in real time and on the library's own threads.
@@ -133,6 +136,9 @@ class Simulation {
     using Lock = std::unique_lock<std::mutex>;
 
     void fill(const Scenario& scenario);
+    Slot slotOf(const ScenarioCamera& camera) const;
+    /// What the scenario's event does, with a line in the journal.
+    void perform(const ScenarioEvent& event);
     /// With the mutex held.
     void* freshHandle();
     std::shared_ptr<Camera> powerUp(const Slot& slot) const;
@@ -167,7 +173,8 @@ class Simulation {
     std::uint64_t m_seed = 0;
     std::mutex m_lifecycle;  // start and shutdown, one at a time; held while they wait
     mutable std::mutex m_mutex;
-    std::string m_unknownScenario;
+    std::string m_scenarioError;
+    bool m_errorTold = false;
     const Scenario* m_scenario = nullptr;
     std::vector<Link> m_links;
     std::vector<Slot> m_slots;
@@ -177,6 +184,7 @@ class Simulation {
     std::uintptr_t m_handles = 0;  // given out so far, none of them twice
     void* m_systemHandle = nullptr;
     std::shared_ptr<SystemModule> m_system;
+    std::shared_ptr<EventPlayer> m_player;
     CallFaults m_callFaults;
     CableFaults m_cableFaults;
 };

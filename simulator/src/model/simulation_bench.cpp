@@ -47,6 +47,12 @@ Result Simulation::holdSensor(const std::string& id, bool hold) {
     return Result::Success;
 }
 
+void Simulation::perform(const ScenarioEvent& event) {
+    const Result result = event.act(*this);
+    if (!m_journal.isOn()) return;
+    m_journal.append("[scenario] " + event.sentence + " = " + std::to_string(static_cast<int>(result)));
+}
+
 void Simulation::seed(std::uint64_t seed) {
     const Lock lock(m_mutex);
     m_seed = seed;

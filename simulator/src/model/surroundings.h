@@ -1,6 +1,7 @@
 /// What the parts of the library share, and what a camera finds around it besides.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "choices.h"
@@ -23,6 +24,7 @@ struct Surroundings : LibraryContext {
     FrameOutlet& outlet;
     std::shared_ptr<FrameFaults> faults;
     std::shared_ptr<LineInput> line;
+    std::function<void()> onStart;  ///< for every AcquisitionStart; called with the camera's mutex held
 };
 
 }  // namespace simulator

@@ -21,6 +21,8 @@ const char* threadRoleName(ThreadRole role) {
             return "event";
         case ThreadRole::Discovery:
             return "discovery";
+        case ThreadRole::Scenario:
+            return "scenario";
         case ThreadRole::Host:
             break;
     }

@@ -66,6 +66,10 @@ VmbError_t VmbSimLoadScenario(const char* name) {
     return withTexts(name != nullptr, [=](Simulation& all) { return all.loadScenario(name); });
 }
 
+size_t VmbSimScenarioError(char* buffer, size_t size) {
+    return copyText(simulation().scenarioError(), buffer, size);
+}
+
 VmbError_t VmbSimUnplugCamera(const char* cameraId) {
     return withTexts(cameraId != nullptr, [=](Simulation& all) { return all.plug(cameraId, false); });
 }

@@ -103,7 +103,7 @@ VmbError_t VmbSimDisturbLine(const char* cameraId, VmbSimPulseFault fault, VmbUi
                              VmbUint64_t count) {
     const bool given = fault <= VmbSimPulseBouncing && first > 0;
     return withLine(cameraId, given, [&](LineInput& line, Nanoseconds) {
-        line.disturb(static_cast<PulseFault>(fault), first, count);
+        line.disturb({static_cast<PulseFault>(fault), first, count});
         return Result::Success;
     });
 }

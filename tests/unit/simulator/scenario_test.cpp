@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "simulator_fixture.h"
+#include "temporary_directory.h"
 
 namespace {
 
@@ -63,14 +64,31 @@ TEST_F(FirstUseDeathTest, TakesTheScenarioThatTheVariableNames) {
                 ::testing::ExitedWithCode(0), "^$");
 }
 
-TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhy) {
+TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhyOnce) {
     setenv(VMBSIM_SCENARIO_VARIABLE, "nowhere", 1);
-    EXPECT_EXIT(exitWith(VmbStartup() == VmbErrorOther), ::testing::ExitedWithCode(0),
-                "^VIMBAC_SIMULATOR_SCENARIO names the scenario \"nowhere\", but the simulator knows only: "
-                "two-cameras, zero-cameras, sixteen-cameras\\.\n$");
+    EXPECT_EXIT(
+        exitWith(VmbStartup() == VmbErrorOther && VmbStartup() == VmbErrorOther),
+        ::testing::ExitedWithCode(0),
+        "^VIMBAC_SIMULATOR_SCENARIO: there is no scenario \"nowhere\"\\. There are [a-z, -]*"
+        "sixteen-cameras, two-cameras, zero-cameras, and files, whose names end in \"\\.json\"\\.\n$");
     EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()).empty() &&
                          VmbSimLoadScenario("two-cameras") == VmbErrorSuccess && hasCameras()),
                 ::testing::ExitedWithCode(0), "^$");
+}
+
+TEST_F(FirstUseDeathTest, TakesTheFileThatTheVariableNames) {
+    const test_support::TemporaryDirectory directory;
+    const std::string file = (directory.path() / "mine.json").string();
+    setenv(VMBSIM_SCENARIO_VARIABLE, file.c_str(), 1);
+    std::ofstream(file) << R"({"cameras": [{"model": "Manta_G-033C"}]})";
+    EXPECT_EXIT(exitWith(VmbSimScenarioName() == file && hasCameras()), ::testing::ExitedWithCode(0), "^$");
+    std::ofstream(file) << R"({"cameras": [{"model": "Manta"}]})";
+    EXPECT_EXIT(exitWith(VmbStartup() == VmbErrorOther && VmbSimScenarioError(nullptr, 0) > 100),
+                ::testing::ExitedWithCode(0),
+                "^VIMBAC_SIMULATOR_SCENARIO: .*mine\\.json: /cameras/0/model: there is no model \"Manta\"");
+    std::filesystem::remove(file);
+    EXPECT_EXIT(exitWith(VmbStartup() == VmbErrorOther), ::testing::ExitedWithCode(0),
+                "^VIMBAC_SIMULATOR_SCENARIO: .*mine\\.json: there is no such file\\.\n$");
 }
 
 }  // namespace

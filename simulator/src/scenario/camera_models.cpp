@@ -1,23 +1,16 @@
-#include "scenario.h"
-
-#include "feature_table.h"
+#include "camera_models.h"
 
 namespace simulator {
 namespace {
 
-constexpr InterfaceRow kNetwork{"SimulatedNetwork0", "Simulated network 0", "02-000000-0000"};
 constexpr std::uint32_t kLinkLocalMask = 0xFFFF'0000;
 
-// Both oscillators are off, each its own way, so that nothing can take camera time for true time.
+// All oscillators are off, each its own way, so that nothing can take camera time for true time.
 CameraRow colourCamera() {
     return {
-        .id = "DEV_000F31A10001",
         .model = "Manta_G-033C",
-        .serial = "50-0503300001",
         .firmware = "00.01.54.11800",
         .partNumber = 503300,
-        .interfaceId = kNetwork.id,
-        .ipAddress = 0xA9FE'0A01,
         .subnetMask = kLinkLocalMask,
         .colour = true,
         .sensor = {.width = 656,
@@ -46,13 +39,9 @@ CameraRow colourCamera() {
 
 CameraRow monochromeCamera() {
     return {
-        .id = "DEV_000F31A10002",
         .model = "Manta_G-032B",
-        .serial = "50-0503200002",
         .firmware = "00.01.54.11800",
         .partNumber = 503200,
-        .interfaceId = kNetwork.id,
-        .ipAddress = 0xA9FE'0A02,
         .subnetMask = kLinkLocalMask,
         .colour = false,
         .sensor = {.width = 656,
@@ -74,16 +63,10 @@ CameraRow monochromeCamera() {
     };
 }
 
-// Cameras of VGA size, each on a link of its own, every oscillator with another error.
-CameraRow vgaCamera(int number) {
-    const std::string digits = std::string(number < 10 ? "0" : "") + std::to_string(number);
+CameraRow vgaCamera() {
     CameraRow row = monochromeCamera();
-    row.id = keptText("DEV_000F31B000" + digits);
     row.model = "Mako_G-030B";
-    row.serial = keptText("50-05033300" + digits);
     row.partNumber = 503333;
-    row.interfaceId = keptText("SimulatedNetwork" + std::to_string(number));
-    row.ipAddress = 0xA9FE'0B00 + static_cast<std::uint32_t>(number) * 0x100;
     row.sensor = {.width = 640,
                   .height = 480,
                   .widthStep = 8,
@@ -96,53 +79,18 @@ CameraRow vgaCamera(int number) {
                   .shortestExposureUs = 10};
     row.powerUpRate = 100;
     row.memoryFrames = 99;
-    row.oscillator.errorPpb = std::int64_t{number - 8} * 3'000;
+    row.oscillator.errorPpb = 5'000;
     return row;
-}
-
-Scenario sixteenCameras() {
-    Scenario scenario{"sixteen-cameras", {}, {}};
-    for (int number = 1; number <= 16; ++number) {
-        scenario.cameras.push_back(vgaCamera(number));
-        const char* id = scenario.cameras.back().interfaceId;
-        scenario.interfaces.push_back({id, id, scenario.cameras.back().serial});
-    }
-    return scenario;
-}
-
-const std::vector<Scenario>& scenarios() {
-    // Never destroyed: a client may leave cameras open when it exits.
-    static const auto& all = *new std::vector<Scenario>{
-        {kDefaultScenario, {kNetwork}, {colourCamera(), monochromeCamera()}},
-        {"zero-cameras", {kNetwork}, {}},
-        sixteenCameras(),
-    };
-    return all;
 }
 
 }  // namespace
 
-const Scenario* findScenario(std::string_view name) {
-    for (const Scenario& scenario : scenarios()) {
-        if (name == scenario.name) return &scenario;
+const CameraRow* findCameraModel(std::string_view name) {
+    static const auto& all = *new std::vector<CameraRow>{colourCamera(), monochromeCamera(), vgaCamera()};
+    for (const CameraRow& model : all) {
+        if (name == model.model) return &model;
     }
     return nullptr;
-}
-
-std::string scenarioNames() {
-    std::string names;
-    for (const Scenario& scenario : scenarios()) {
-        names += (names.empty() ? "" : ", ") + std::string(scenario.name);
-    }
-    return names;
-}
-
-std::string ipText(std::uint32_t address) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        text += std::to_string(address >> shift & 0xFF) + (shift > 0 ? "." : "");
-    }
-    return text;
 }
 
 }  // namespace simulator
