@@ -101,7 +101,7 @@ TEST_F(TroubledCamerasAreTold, WithThePulsesThatHaveNoPictureOfTheirOwn) {
         EXPECT_EQ(VmbSimLoseFrames(kMonochromeCamera, 3), VmbErrorSuccess);
     };
     host::Session session(host::loadPlugin(scenario::binaries() / host::platform::kPluginFileName),
-                          host::patientOptions(true));
+                          host::patientOptions({}, true));
     const host::RecordingReport report = host::Recording(session, options, hooks).run();
     ASSERT_EQ(report.channels.size(), 2u);
     const host::ChannelReport& colour = report.channels[0];
