@@ -5,6 +5,7 @@
 #include <thread>
 #include <utility>
 
+#include "host_failure.h"
 #include "output_directory.h"
 #include "picture_files.h"
 
@@ -45,6 +46,10 @@ RecordingReport Recording::run() {
     attachSinks();
     m_acquisition.prepare();
     makeFiles();
+    if (m_hooks.isInterrupted()) {
+        throw HostFailure(ExitCode::Interrupted,
+                          "Interrupted before the recording began; nothing was recorded.");
+    }
     m_started = Clock::now();
     m_acquisition.start();
     m_has_recorded = true;

@@ -211,12 +211,24 @@ TEST_F(RecordingTest, EndsAfterItsPatienceAndNamesTheSilentChannel) {
     EXPECT_EQ(report.channels[1].frames, 3u);
 }
 
+TEST_F(RecordingTest, LeavesNothingBehindWhenInterruptedBeforeItBegins) {
+    m_hooks.isInterrupted = [] { return true; };
+    const HostFailure error = failure(options());
+    EXPECT_EQ(error.code(), ExitCode::Interrupted);
+    EXPECT_STREQ(error.what(), "Interrupted before the recording began; nothing was recorded.");
+    EXPECT_TRUE(files().empty());
+    EXPECT_THAT(m_creator.m_calls, testing::Not(testing::Contains("startAcquisition")));
+    EXPECT_TRUE(plugin().m_sinks.empty());
+}
+
 TEST_F(RecordingTest, KeepsWhatIsThereWhenInterrupted) {
-    setStart([this] {
+    bool hasStarted = false;
+    setStart([&] {
         deliver(0, 5);
+        hasStarted = true;
         return true;
     });
-    m_hooks.isInterrupted = [] { return true; };
+    m_hooks.isInterrupted = [&] { return hasStarted; };
     const RecordingReport report = record();
     EXPECT_EQ(report.outcome, Outcome::Interrupted);
     EXPECT_EQ(report.channels[0].frames, 5u);
