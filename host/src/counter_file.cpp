@@ -32,10 +32,19 @@ bool CounterFile::write(const std::string& line) {
     // A failure that is found only later would leave lines that nobody reported missing.
     const bool written = std::fwrite(line.data(), 1, line.size(), m_file.get()) == line.size() &&
                          std::fflush(m_file.get()) == 0;
-    if (written) return true;
+    if (written) {
+        m_bytes += line.size();
+        return true;
+    }
     m_failure = std::strerror(errno);
-    m_file.reset();
+    fallBack();
     return false;
+}
+
+void CounterFile::fallBack() {
+    m_file.reset();
+    std::error_code ignored;  // a device has no length to cut
+    std::filesystem::resize_file(m_path, m_bytes, ignored);
 }
 
 bool CounterFile::append(const RingFrame& sample) {

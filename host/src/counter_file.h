@@ -20,7 +20,7 @@ class CounterFile {
     CounterFile(const std::filesystem::path& directory, const ChannelInfo& channel, CounterKind kind);
 
     /// Writes one sample, 8 bytes with the lowest first; one of another size counts as malformed. False when
-    /// writing failed; nothing more is written then.
+    /// writing failed: the line is taken out again, and nothing more is written.
     bool append(const RingFrame& sample);
     /// Closes it; false when the system reports a write that failed only now.
     bool close();
@@ -38,9 +38,11 @@ class CounterFile {
     };
 
     bool write(const std::string& line);
+    void fallBack();
 
     std::filesystem::path m_path;
     std::unique_ptr<std::FILE, Closer> m_file;
+    std::uint64_t m_bytes = 0;
     std::optional<std::uint64_t> m_first;
     std::uint64_t m_last = 0;
     std::uint64_t m_malformed = 0;

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "file_size_limit.h"
 #include "host_failure.h"
 #include "recording_writer.h"
 #include "temporary_directory.h"
@@ -66,6 +67,20 @@ TEST_F(CounterFileTest, CountsMalformedSamples) {
     EXPECT_TRUE(append(file, 1, 1, 7));
     EXPECT_EQ(file.malformed(), 1u);
     EXPECT_EQ(file.counted(), 0u);
+}
+
+TEST_F(CounterFileTest, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
+    CounterFile file(m_directory.path(), m_channel, CounterKind::Sent);
+    {
+        // "host_time_ns,sent\n" takes 18 bytes, each line 8: the second one has room for 5.
+        const host_test::FileSizeLimit limit(18 + 8 + 5);
+        EXPECT_TRUE(append(file, 1000, 11));
+        EXPECT_FALSE(append(file, 2000, 12));
+        EXPECT_FALSE(append(file, 3000, 13));
+    }
+    EXPECT_EQ(file.failure(), "File too large");
+    EXPECT_EQ(content("channel-3-sent.csv"), "host_time_ns,sent\n1000,11\n");
+    EXPECT_EQ(file.counted(), 1u);
 }
 
 TEST_F(CounterFileTest, SaysWhyItCannotBeWritten) {
