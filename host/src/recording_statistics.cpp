@@ -36,14 +36,20 @@ std::int64_t percentile(std::vector<std::int64_t> values, unsigned percent) {
 
 void RecordingStatistics::add(const RingFrame& frame, const StampReading& reading) {
     const std::optional<std::uint64_t> missing = missingBefore(reading);
-    // What the host refused is part of the gap, unless no gap can be told.
-    m_lost += std::max(gapBefore(frame.time, missing), frame.lostBefore - m_lost_in_host);
+    noteLosses(gapBefore(frame.time, missing), frame);
     if (m_time_base == TimeBase::Pulses) m_pulses.add(frame.time, missing);
     if (reading.hasStamp()) addTruth(frame, reading.stamp);
     if (reading.result == VmbErrorSuccess) ++m_matches;
     ++m_frames;
     m_last_time = frame.time;
-    m_lost_in_host = frame.lostBefore;
+}
+
+void RecordingStatistics::noteLosses(std::uint64_t gap, const RingFrame& frame) {
+    const std::uint64_t refused = frame.lostBefore - std::exchange(m_lost_in_host, frame.lostBefore);
+    const bool isUnclear = !m_stamped && m_time_base == TimeBase::Pulses;
+    // What the host refused is part of the gap, unless no gap can be told.
+    m_lost += isUnclear ? refused : std::max(gap, refused);
+    if (isUnclear) m_unclear += gap - std::min(gap, refused);
 }
 
 void RecordingStatistics::addEnd(const RingFrame& frame, const StampReading& reading, std::int64_t end) {
@@ -51,10 +57,9 @@ void RecordingStatistics::addEnd(const RingFrame& frame, const StampReading& rea
     if (m_stamped && !reading.hasStamp()) missing = timeGap(frame.time);
     const std::uint64_t gap = gapBefore(frame.time, missing);
     const std::uint64_t within = withinRecording(gap, m_last_time, frame.time, end);
-    m_lost += std::max(within, frame.lostBefore - m_lost_in_host);
+    noteLosses(within, frame);
     m_lost_behind_end = gap - within;
     if (m_time_base == TimeBase::Pulses) m_pulses.addEnd(std::min(frame.time, end), missing);
-    m_lost_in_host = frame.lostBefore;
 }
 
 std::optional<std::uint64_t> RecordingStatistics::missingBefore(const StampReading& reading) {
@@ -124,7 +129,7 @@ ChannelReport RecordingStatistics::report(std::uint64_t lostInHost,
                                           const std::optional<PulseStart>& start) const {
     ChannelReport report;
     report.frames = m_frames;
-    report.lost = lost(lostInHost);
+    report.lost = lost(lostInHost) + m_unclear;
     report.lostInHost = lostInHost;
     report.lostBehindEnd = m_lost_behind_end;
     report.doubled = m_numbers.doubled();

@@ -41,14 +41,15 @@ class RecordingStatistics {
     void addEnd(const RingFrame& frame, const StampReading& reading, std::int64_t end);
 
     std::uint64_t frames() const { return m_frames; }
-    /// Frames missing so far; `lostInHost` as counted now. What the host refused behind the last frame shows
-    /// in no gap and is added.
+    /// Frames lost so far for certain; `lostInHost` as counted now. What the host refused behind the last
+    /// frame shows in no gap and is added.
     std::uint64_t lost(std::uint64_t lostInHost) const { return m_lost + (lostInHost - m_lost_in_host); }
     /// The channel's report; `lostInHost` as counted now. `start`: of the pulses, where it is known.
     ChannelReport report(std::uint64_t lostInHost, const std::optional<PulseStart>& start = {}) const;
 
   private:
     std::optional<std::uint64_t> missingBefore(const StampReading& reading);
+    void noteLosses(std::uint64_t gap, const RingFrame& frame);
     std::uint64_t gapBefore(std::int64_t time, std::optional<std::uint64_t> missing) const;
     void addTruth(const RingFrame& frame, const VmbSimFrameStamp& stamp);
     void addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp);
@@ -62,6 +63,7 @@ class RecordingStatistics {
     std::uint64_t m_frames = 0;
     std::uint64_t m_lost = 0;
     std::uint64_t m_lost_in_host = 0;
+    std::uint64_t m_unclear = 0;  ///< frames lost or their pulses skipped
     std::uint64_t m_lost_behind_end = 0;
     std::uint64_t m_matches = 0;
     FrameNumbers m_numbers;

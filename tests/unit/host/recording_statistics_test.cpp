@@ -191,6 +191,7 @@ TEST(RecordingStatistics, CountsMissingPulsesAsLostOrSkippedWithoutStamps) {
     for (const std::int64_t pulse : {3, 4, 8, 8, 9}) add(statistics, pulse, 0, {});
     addEnd(statistics, 12, 12, {});
     EXPECT_EQ(statistics.report(0).lost, 8u);  // 0 to 2, 5 to 7, 10 and 11
+    EXPECT_EQ(statistics.lost(0), 0u) << "none for certain";
     EXPECT_EQ(statistics.report(0).pulses->unclear, (Spans{{0, 2}, {5, 7}, {10, 11}}));
     EXPECT_TRUE(statistics.report(0).pulses->lost.empty());
     EXPECT_FALSE(RecordingStatistics(true, 50.0).report(0).pulses);
