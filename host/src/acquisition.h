@@ -29,6 +29,8 @@ class Acquisition {
     void start();
     /// To be called often while the cameras run: tells their messages and lets the plug-in work.
     void process();
+    /// When the first trigger pulse came, where the host made it.
+    const std::optional<PulseStart>& pulseStart() const { return m_trigger.pulseStart(); }
     /// Empty when the cameras stopped properly, else why not.
     std::string stop();
 

@@ -1,5 +1,7 @@
 #include "camera_setup.h"
 
+#include <algorithm>
+
 #include "config_keys.h"
 #include "host_failure.h"
 #include "session.h"
@@ -33,7 +35,54 @@ void tellFrequency(Session& session, const Fraction& frequency) {
     }
 }
 
+bool isTriggerMode(const SettingOrder& order) {
+    return order.kind == SettingOrder::Kind::Set && order.key == config_keys::kCameraTriggerMode;
+}
+
+/// Only a file's orders name a channel. Its frame rate is that of cameras that run freely.
+bool isDecidedByAux(const SettingOrder& order) {
+    if (order.channel.empty()) return false;
+    return (isTriggerMode(order) && order.value != kTriggeredMode) ||
+           order.key == config_keys::kCameraFrameSetting;
+}
+
+void verifyTriggered(Session& session, const std::set<std::uint32_t>& chosen) {
+    for (const auto& [id, channel] : session.readChannels()) {
+        if (!chosen.contains(id) || channel.timeBase == TimeBase::Pulses) continue;
+        throw HostFailure(ExitCode::CameraFailed,
+                          "Channel " + std::to_string(id) + " does not follow the trigger output of --aux (" +
+                              config_keys::kCameraTriggerMode + " is " +
+                              valueText(session.config(id)->getItem(config_keys::kCameraTriggerMode)) +
+                              "); check the camera, or leave out the setting or action that changed it.");
+    }
+}
+
+void setUpTriggered(Session& session, const Fraction& frequency, std::vector<SettingOrder> orders,
+                    const std::set<std::uint32_t>& chosen,
+                    const std::function<void(const SettingChange&)>& changed) {
+    tellFrequency(session, frequency);
+    carryOut(session,
+             {{"--aux", {}, config_keys::kCameraTriggerMode, kTriggeredMode, SettingOrder::Kind::Set}},
+             chosen, changed);
+    const auto decided = std::stable_partition(
+        orders.begin(), orders.end(), [](const SettingOrder& order) { return !isDecidedByAux(order); });
+    leaveOut(session, {decided, orders.end()}, chosen, "--aux decides it", changed);
+    orders.erase(decided, orders.end());
+    carryOut(session, orders, chosen, changed);
+    verifyTriggered(session, chosen);
+}
+
 }  // namespace
+
+void refuseContradictions(const CameraSetup& setup) {
+    if (!setup.aux) return;
+    for (const SettingOrder& order : setup.orders) {
+        if (!isTriggerMode(order) || order.value == kTriggeredMode) continue;
+        throw HostFailure(ExitCode::CommandLine, order.origin + ' ' + order.key + '=' + order.value +
+                                                     " contradicts --aux, which needs " + kTriggeredMode +
+                                                     "; leave one of them out.");
+    }
+}
 
 std::vector<SettingOrder> allOrders(const CameraSetup& setup) {
     std::vector<SettingOrder> orders;
@@ -48,12 +97,10 @@ std::set<std::uint32_t> setUpCameras(Session& session, const CameraSetup& setup,
     std::set<std::uint32_t> chosen = session.chooseChannels(setup.channels);
     switchChannels(session, chosen);
     if (setup.aux) {
-        tellFrequency(session, *setup.aux);
-        carryOut(session,
-                 {{"--aux", {}, config_keys::kCameraTriggerMode, kTriggeredMode, SettingOrder::Kind::Set}},
-                 chosen, changed);
+        setUpTriggered(session, *setup.aux, orders, chosen, changed);
+    } else {
+        carryOut(session, orders, chosen, changed);
     }
-    carryOut(session, orders, chosen, changed);
     return chosen;
 }
 

@@ -23,8 +23,13 @@ struct CameraSetup {
 /// All orders, those of the file read first. Throws HostFailure.
 std::vector<SettingOrder> allOrders(const CameraSetup& setup);
 
+/// Refuses an order that contradicts `--aux`. Throws HostFailure.
+void refuseContradictions(const CameraSetup& setup);
+
 /// Switches the chosen channels on and all others off, puts them into the mode asked for and carries the
-/// orders out. Returns the chosen channels. Throws HostFailure.
+/// orders out; what a settings file says of trigger mode and frame rate is left out with a trigger output,
+/// which decides both. Returns the chosen channels. Throws HostFailure, also when a camera does not follow
+/// the trigger output in the end.
 std::set<std::uint32_t> setUpCameras(Session& session, const CameraSetup& setup,
                                      const std::vector<SettingOrder>& orders,
                                      const std::function<void(const SettingChange&)>& changed);

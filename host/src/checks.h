@@ -15,8 +15,12 @@ struct Check {
     std::string sentence;
 };
 
-/// Frames that a channel should have recorded; empty when its rate is not known.
+/// Frames that a channel should have recorded, exact with a triggered camera; empty when its rate is not
+/// known.
 std::optional<double> expectedFrames(const ChannelReport& channel, double seconds);
+
+/// False when some of the frames counted as lost may never have been made.
+bool lossesAreCertain(const ChannelReport& channel);
 
 /// All checks of a recording. One that was cut short is not asked for its number of frames.
 std::vector<Check> makeChecks(const RecordingReport& report);

@@ -193,6 +193,7 @@ void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     const auto actions = parseActions(texts.actions);
     line.cameras.orders.insert(line.cameras.orders.end(), actions.begin(), actions.end());
     if (isGiven(app, "--aux")) line.cameras.aux = parseFrequency(texts.aux);
+    refuseContradictions(line.cameras);
 }
 
 }  // namespace

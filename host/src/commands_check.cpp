@@ -21,7 +21,7 @@ bool isRight(Session& session, const std::set<std::uint32_t>& chosen) {
 
 ExitCode runCheck(const CommandLine& line, Console& console, const AssertionMonitor&) {
     const std::vector<SettingOrder> orders = allOrders(line.cameras);
-    Session session(loadPlugin(line.plugin), patientOptions());
+    Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels));
     // Every change looks at the settings, and so does the check.
     MessageTeller messages(
         session.messages(), [&](const std::string& text) { console.tell(text); }, Repetitions::Drop);

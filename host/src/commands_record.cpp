@@ -34,18 +34,16 @@ RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
 
 RecordingReport record(const CommandLine& line, Console& console, Progress& last) {
     RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras)};
-    Session session(loadPlugin(line.plugin), patientOptions(line.counters));
+    Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels, line.counters));
     if (!line.json) console.print(session.title() + '\n' + devicesText(session.readChannels()));
     Recording recording(session, std::move(options), makeHooks(console, line.json, last));
     return recording.run();
 }
 
 void writeSummary(const CommandLine& line, RecordingReport& report) {
-    const auto file = line.out / "summary.json";
-    const std::string reason = writeTextFile(file, recordingJson(report, makeChecks(report)));
+    const std::string reason =
+        writeTextFile(line.out / "summary.json", recordingJson(report, makeChecks(report)));
     if (reason.empty()) return;
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
     report.outcome = Outcome::WriteFailed;
     report.writeFailure = reason;
 }

@@ -30,7 +30,7 @@ void writeFile(const std::filesystem::path& file, const std::vector<ChannelSetti
 
 ExitCode runSettings(const CommandLine& line, Console& console, const AssertionMonitor&) {
     const std::vector<SettingOrder> orders = allOrders(line.cameras);
-    Session session(loadPlugin(line.plugin), patientOptions());
+    Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels));
     MessageTeller messages(session.messages(), [&](const std::string& text) { console.tell(text); });
     ChangeLog changes(console, messages, !line.json);
     const std::set<std::uint32_t> chosen = session.chooseChannels(line.cameras.channels);

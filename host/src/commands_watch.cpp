@@ -20,14 +20,13 @@ WatchHooks makeHooks(const CommandLine& line, Console& console) {
 ExitCode runWatch(const CommandLine& line, Console& console, const AssertionMonitor&) {
     platform::catchInterrupts();
     WatchOptions options{line.cameras, allOrders(line.cameras), line.seconds};
-    Session session(loadPlugin(line.plugin), patientOptions(true));
+    Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels, true));
     if (!line.json) console.print(session.title() + '\n');
     const WatchReport report = Watch(session, std::move(options), makeHooks(line, console)).run();
     console.print(line.json ? watchJson(report) : watchText(report));
-    if (report.stopFailure.empty()) return ExitCode::Ok;
-    console.tell("zelt_host: The cameras did not stop properly (" + report.stopFailure +
-                 "); check the camera, --log-level info tells more.");
-    return ExitCode::CameraFailed;
+    const std::string sentence = watchFailure(report);
+    if (!sentence.empty()) console.tell("zelt_host: " + sentence);
+    return watchCode(report);
 }
 
 }  // namespace host

@@ -6,29 +6,43 @@
 
 namespace host {
 
+// One slot more, for the end.
 FrameRing::FrameRing(std::size_t slots, std::size_t slotBytes)
     : m_slot_bytes(slotBytes),
-      m_slots(std::max<std::size_t>(slots, 1)),
+      m_slots(std::max<std::size_t>(slots, 1) + 1),
       m_memory(m_slots.size() * slotBytes) {}
 
 bool FrameRing::push(std::int64_t time, std::int64_t arrival, const void* data, std::uint64_t size) noexcept {
     const std::uint64_t index = m_pushed.load(std::memory_order_relaxed);
-    const bool full = index - m_popped.load(std::memory_order_acquire) == m_slots.size();
-    if (full || size > m_slot_bytes) {
+    const bool isFull = index - m_popped.load(std::memory_order_acquire) + 1 >= m_slots.size();
+    const bool isTooLarge = size > m_slot_bytes;
+    if (isTooLarge) m_too_large.fetch_add(1, std::memory_order_relaxed);
+    if (isFull || isTooLarge) {
         m_lost.fetch_add(1, std::memory_order_relaxed);
         return false;
     }
-    m_slots[index % m_slots.size()] = {time, arrival, lost(), static_cast<std::size_t>(size)};
-    if (size != 0) std::memcpy(memory(index), data, static_cast<std::size_t>(size));
-    m_pushed.store(index + 1, std::memory_order_release);
+    store({time, arrival, lost(), static_cast<std::size_t>(size), false}, data);
     return true;
+}
+
+void FrameRing::pushEnd(std::int64_t time, std::int64_t arrival, const void* data,
+                        std::uint64_t size) noexcept {
+    const std::size_t kept = size > m_slot_bytes ? 0 : static_cast<std::size_t>(size);
+    store({time, arrival, lost(), kept, true}, data);
+}
+
+void FrameRing::store(const Slot& slot, const void* data) noexcept {
+    const std::uint64_t index = m_pushed.load(std::memory_order_relaxed);
+    m_slots[index % m_slots.size()] = slot;
+    if (slot.size != 0) std::memcpy(memory(index), data, slot.size);
+    m_pushed.store(index + 1, std::memory_order_release);
 }
 
 bool FrameRing::front(RingFrame& frame) const noexcept {
     const std::uint64_t index = m_popped.load(std::memory_order_relaxed);
     if (index == m_pushed.load(std::memory_order_acquire)) return false;
     const Slot& slot = m_slots[index % m_slots.size()];
-    frame = {slot.time, slot.arrival, slot.lostBefore, {memory(index), slot.size}};
+    frame = {slot.time, slot.arrival, slot.lostBefore, {memory(index), slot.size}, slot.isEnd};
     return true;
 }
 

@@ -12,8 +12,9 @@ namespace host {
 struct RingFrame {
     std::int64_t time = 0;
     std::int64_t arrival = 0;      ///< host time at which it was handed over
-    std::uint64_t lostBefore = 0;  ///< frames that found the ring full, up to this one
+    std::uint64_t lostBefore = 0;  ///< frames that were refused, up to this one
     std::span<const std::byte> bytes;
+    bool isEnd = false;  ///< not part of what is kept: tells of its end
 };
 
 /// Frames on their way from one producing to one consuming thread. All memory is taken at construction;
@@ -26,12 +27,16 @@ class FrameRing {
     /// Copies a frame in; false, and counted as lost, when the ring is full or the frame too large.
     /// [producer]
     bool push(std::int64_t time, std::int64_t arrival, const void* data, std::uint64_t size) noexcept;
+    /// The last one, for which there is always room; without its bytes when it is too large. [producer]
+    void pushEnd(std::int64_t time, std::int64_t arrival, const void* data, std::uint64_t size) noexcept;
     /// The oldest frame; false when there is none. [consumer]
     bool front(RingFrame& frame) const noexcept;
     /// Gives the oldest frame's slot back. [consumer]
     void pop() noexcept;
     /// Frames refused so far. [any thread]
     std::uint64_t lost() const noexcept { return m_lost.load(std::memory_order_relaxed); }
+    /// Those of them that were too large. [any thread]
+    std::uint64_t tooLarge() const noexcept { return m_too_large.load(std::memory_order_relaxed); }
 
   private:
     struct Slot {
@@ -39,7 +44,10 @@ class FrameRing {
         std::int64_t arrival = 0;
         std::uint64_t lostBefore = 0;
         std::size_t size = 0;
+        bool isEnd = false;
     };
+
+    void store(const Slot& slot, const void* data) noexcept;
 
     std::byte* memory(std::uint64_t index) noexcept {
         return m_memory.data() + (index % m_slots.size()) * m_slot_bytes;
@@ -54,6 +62,7 @@ class FrameRing {
     std::atomic<std::uint64_t> m_pushed{0};
     std::atomic<std::uint64_t> m_popped{0};
     std::atomic<std::uint64_t> m_lost{0};
+    std::atomic<std::uint64_t> m_too_large{0};
 };
 
 /// Slots for two seconds of frames at `rate`, within `budget` bytes and at least two.

@@ -8,6 +8,7 @@
 namespace host {
 namespace {
 
+constexpr double kShortestSeconds = 0.001;
 constexpr double kLongestSeconds = 1e8;
 constexpr std::int64_t kGreatestTerm = 1'000'000'000;
 
@@ -28,6 +29,9 @@ double parseSeconds(const std::string& text) {
     double seconds = 0;
     if (!parseWhole(text, seconds) || !(seconds > 0)) {
         throw bad("--seconds takes a number greater than 0, such as 5 or 0.5, not \"" + text + "\".");
+    }
+    if (seconds < kShortestSeconds) {
+        throw bad("--seconds takes 0.001 (a millisecond) at least, not \"" + text + "\".");
     }
     if (seconds > kLongestSeconds) {
         throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");

@@ -12,7 +12,7 @@
 
 namespace host {
 
-/// Greater than 0, at most three years.
+/// From a millisecond to three years.
 double parseSeconds(const std::string& text);
 std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts);
 LogLevel parseLevel(const std::string& text);

@@ -17,19 +17,22 @@ std::vector<char> readPlace(const std::filesystem::path& file, const FramePlace&
 
 }  // namespace
 
-std::vector<std::string> writePictures(const ChannelInfo& channel, const ChannelFiles& files) {
-    if (files.frames() == 0) return {};
-    std::vector<std::string> written;
+PictureFiles writePictures(const ChannelInfo& channel, const ChannelFiles& files) {
+    PictureFiles names;
+    if (files.frames() == 0) return names;
     const auto write = [&](const FramePlace& place, const std::string& which) {
         const std::vector<char> bytes = readPlace(files.rawFile(), place);
         const auto picture =
             toRgb(channel.format, channel.width, channel.height, std::as_bytes(std::span(bytes)));
+        const bool isRead = bytes.size() == place.bytes;
+        if (isRead && !picture) return;
         const std::string name = "channel-" + std::to_string(channel.id) + '-' + which + ".png";
-        if (picture && writePng(files.rawFile().parent_path() / name, *picture)) written.push_back(name);
+        const bool isWritten = picture && writePng(files.rawFile().parent_path() / name, *picture);
+        (isWritten ? names.written : names.failed).push_back(name);
     };
     write(files.first(), "first");
     write(files.last(), "last");
-    return written;
+    return names;
 }
 
 }  // namespace host

@@ -27,8 +27,15 @@ constexpr std::array<Runner, 6> kRunners{{
 
 ExitCode fail(Console& console, bool json, ExitCode code, const std::string& sentence) {
     console.tell("zelt_host: " + sentence);
-    if (json) console.print(failureJson(code, sentence));
-    return code;
+    if (!json) return code;
+    try {
+        console.print(failureJson(code, sentence));
+        return code;
+    } catch (const HostFailure& unwritable) {
+        // The failure may have been this one.
+        if (sentence != unwritable.what()) console.tell(std::string("zelt_host: ") + unwritable.what());
+        return unwritable.code();
+    }
 }
 
 ExitCode runCommand(const CommandLine& line, Console& console) {

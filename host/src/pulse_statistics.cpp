@@ -38,21 +38,63 @@ std::string pulseText(const std::vector<PulseSpan>& spans, std::size_t most) {
     return more == 0 ? text : text + " and " + std::to_string(more) + " more";
 }
 
-void PulseStatistics::add(std::int64_t pulse, std::optional<std::uint64_t> frameId) {
-    if (m_last && pulse == m_last->pulse) {
-        append(m_report.doubled, {pulse, pulse});
-    } else if (m_last && pulse > m_last->pulse + 1) {
-        const bool isConsecutive = frameId && m_last->id && *frameId == *m_last->id + 1;
-        append(isConsecutive ? m_report.skipped : m_report.lost, {m_last->pulse + 1, pulse - 1});
+std::int64_t pulsesIn(double seconds, double frequency) {
+    // A product that is a whole number but for its rounding counts as one.
+    constexpr double kRounding = 1e-12;
+    return std::llround(std::ceil(seconds * frequency * (1 - kRounding)));
+}
+
+std::vector<PulseSpan> without(const std::vector<PulseSpan>& spans, const std::vector<PulseSpan>& others) {
+    std::vector<PulseSpan> rest;
+    for (PulseSpan span : spans) {
+        for (const PulseSpan& other : others) {
+            if (other.last < span.first || other.first > span.last) continue;
+            if (other.first > span.first) rest.push_back({span.first, other.first - 1});
+            span.first = other.last + 1;
+        }
+        if (span.first <= span.last) rest.push_back(span);
     }
-    m_last = Frame{pulse, frameId};
+    return rest;
+}
+
+void PulseStatistics::noteGap(std::int64_t pulse, std::optional<std::uint64_t> missing) {
+    if (pulse <= m_last + 1) return;
+    std::vector<PulseSpan>& spans = !missing        ? m_report.unclear
+                                    : *missing == 0 ? m_report.skipped
+                                                    : m_report.lost;
+    append(spans, {m_last + 1, pulse - 1});
+}
+
+void PulseStatistics::add(std::int64_t pulse, std::optional<std::uint64_t> missing) {
+    noteGap(pulse, missing);
+    if (pulse == m_last) {
+        append(m_report.doubled, {pulse, pulse});
+        ++m_report.extra;
+    }
+    m_last = pulse;
+}
+
+void PulseStatistics::addEnd(std::int64_t pulse, std::optional<std::uint64_t> missing) {
+    noteGap(pulse, missing);
 }
 
 void PulseStatistics::addTruth(std::uint64_t exposureNs) {
-    if (!m_first_truth) m_first_truth = Truth{m_last->pulse, exposureNs};
-    const double seconds = static_cast<double>(exposureNs - m_first_truth->exposureNs) * 1e-9;
-    const auto pulses = static_cast<double>(m_last->pulse - m_first_truth->pulse);
-    if (std::abs(seconds * m_frequency - pulses) > 0.5) ++m_report.misplaced;
+    m_starts.push_back(static_cast<double>(exposureNs) - static_cast<double>(m_last) * 1e9 / m_frequency);
+}
+
+std::uint64_t PulseStatistics::misplaced(const std::optional<PulseStart>& start) const {
+    if (m_starts.empty()) return 0;
+    const double half = 0.5e9 / m_frequency;
+    const double earliest = (start ? static_cast<double>(start->earliestNs) : m_starts.front()) - half;
+    const double latest = (start ? static_cast<double>(start->latestNs) : m_starts.front()) + half;
+    return static_cast<std::uint64_t>(std::count_if(
+        m_starts.begin(), m_starts.end(), [&](double found) { return found < earliest || found > latest; }));
+}
+
+PulseReport PulseStatistics::report(const std::optional<PulseStart>& start) const {
+    PulseReport report = m_report;
+    report.misplaced = misplaced(start);
+    return report;
 }
 
 }  // namespace host

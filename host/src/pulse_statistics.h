@@ -17,11 +17,25 @@ struct PulseSpan {
 /// Pulses without a picture of their own, by number, rising.
 struct PulseReport {
     std::vector<PulseSpan> skipped;  ///< the camera made no frame of them
-    std::vector<PulseSpan> lost;     ///< their frame is missing, or whether there was one is not known
+    std::vector<PulseSpan> lost;     ///< frames are missing there, though not always one for every pulse
+    std::vector<PulseSpan> unclear;  ///< skipped or lost: no frame number tells which
     std::vector<PulseSpan> doubled;  ///< have more than one frame
+    std::uint64_t extra = 0;         ///< frames beyond the first of their pulse
     /// Frames of a simulated camera whose true exposure belongs to another pulse.
     std::uint64_t misplaced = 0;
 };
+
+/// Host time at which the pulse 0 came, as far as that is known.
+struct PulseStart {
+    std::int64_t earliestNs = 0;
+    std::int64_t latestNs = 0;
+};
+
+/// Pulses that come within `seconds` when the first one comes at once.
+std::int64_t pulsesIn(double seconds, double frequency);
+
+/// What of `spans` is not in `others`; both rise.
+std::vector<PulseSpan> without(const std::vector<PulseSpan>& spans, const std::vector<PulseSpan>& others);
 
 std::uint64_t pulseCount(const std::vector<PulseSpan>& spans);
 
@@ -34,29 +48,26 @@ class PulseStatistics {
     /// `frequency` of the pulses in Hz; NaN when it is not known, and then nothing is misplaced.
     explicit PulseStatistics(double frequency) : m_frequency(frequency) {}
 
-    /// A frame's pulse and, where it is known, its number. Pulses between it and the frame before were
-    /// skipped if the numbers are consecutive, else lost.
-    void add(std::int64_t pulse, std::optional<std::uint64_t> frameId);
+    /// A frame's pulse, and how many frames are missing before it, where that is known. Pulses between it
+    /// and the frame before, or before the first frame, were skipped if none is missing, else lost.
+    void add(std::int64_t pulse, std::optional<std::uint64_t> missing);
+    /// The recording ends before this pulse, and so much is known to be missing before its end.
+    void addEnd(std::int64_t pulse, std::optional<std::uint64_t> missing);
 
-    /// The true start of exposure of the frame added last. Pulses are counted from the first one's.
+    /// The true start of exposure of the frame added last.
     void addTruth(std::uint64_t exposureNs);
 
-    const PulseReport& report() const { return m_report; }
+    /// Without `start` pulses are counted from the first frame's exposure.
+    PulseReport report(const std::optional<PulseStart>& start = {}) const;
 
   private:
-    struct Frame {
-        std::int64_t pulse = 0;
-        std::optional<std::uint64_t> id;
-    };
-
-    struct Truth {
-        std::int64_t pulse = 0;
-        std::uint64_t exposureNs = 0;
-    };
+    void noteGap(std::int64_t pulse, std::optional<std::uint64_t> missing);
+    std::uint64_t misplaced(const std::optional<PulseStart>& start) const;
 
     double m_frequency;
-    std::optional<Frame> m_last;
-    std::optional<Truth> m_first_truth;
+    std::int64_t m_last = -1;
+    /// Host time of pulse 0 as each frame's exposure and number have it.
+    std::vector<double> m_starts;
     PulseReport m_report;
 };
 

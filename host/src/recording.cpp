@@ -5,6 +5,7 @@
 #include <thread>
 #include <utility>
 
+#include "host_failure.h"
 #include "output_directory.h"
 #include "picture_files.h"
 
@@ -21,7 +22,12 @@ std::chrono::nanoseconds toNanoseconds(double seconds) {
 /// In pulses for a triggered camera; one whose rate is not known could not be prepared anyway.
 std::int64_t sinkLength(double seconds, const ChannelInfo& channel) {
     if (channel.timeBase == TimeBase::Nanoseconds) return toNanoseconds(seconds).count();
-    return std::llround(std::ceil(seconds * channel.rate.value_or(kUnknownRate)));
+    return pulsesIn(seconds, channel.rate.value_or(kUnknownRate));
+}
+
+/// Pulses are counted from the start of the acquisition.
+std::optional<std::int64_t> sinkBegin(const ChannelInfo& channel) {
+    return channel.timeBase == TimeBase::Pulses ? std::optional<std::int64_t>(0) : std::nullopt;
 }
 
 }  // namespace
@@ -45,6 +51,10 @@ RecordingReport Recording::run() {
     attachSinks();
     m_acquisition.prepare();
     makeFiles();
+    if (m_hooks.isInterrupted()) {
+        throw HostFailure(ExitCode::Interrupted,
+                          "Interrupted before the recording began; nothing was recorded.");
+    }
     m_started = Clock::now();
     m_acquisition.start();
     m_has_recorded = true;
@@ -77,8 +87,8 @@ void Recording::attachSinks() {
 }
 
 void Recording::attachSink(std::uint32_t id, const ChannelInfo& channel) {
-    auto sink =
-        std::make_unique<RecordingSink>(sinkLength(m_options.seconds, channel), [this] { m_writer.wake(); });
+    auto sink = std::make_unique<RecordingSink>(
+        sinkLength(m_options.seconds, channel), [this] { m_writer.wake(); }, sinkBegin(channel));
     m_session.plugin().setChannelSink(id, sink.get());
     m_sinks.emplace(id, std::move(sink));
 }
@@ -141,12 +151,17 @@ void Recording::finishReport(RecordingReport& report) {
     report.scenario = m_session.vendor().scenario();
     report.seconds = m_options.seconds;
     report.directory = m_options.directory.string();
-    report.channels = m_writer.reports();
+    report.channels = m_writer.reports(m_acquisition.pulseStart());
     for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());
     const auto files = m_writer.files();
     for (std::size_t i = 0; i < files.size(); ++i) {
         const auto pictures = writePictures(report.channels[i].channel, *files[i]);
-        report.pictureFiles.insert(report.pictureFiles.end(), pictures.begin(), pictures.end());
+        report.pictureFiles.insert(report.pictureFiles.end(), pictures.written.begin(),
+                                   pictures.written.end());
+        for (const std::string& name : pictures.failed) {
+            m_hooks.tell("The picture " + name + " could not be written; the frames themselves are intact.");
+            report.failedPictures.push_back(name);
+        }
     }
     Progress last = progress(Clock::now());
     if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;

@@ -30,10 +30,16 @@ struct CounterReport {
 struct ChannelReport {
     ChannelInfo channel;
     std::uint64_t frames = 0;
-    std::uint64_t lost = 0;        ///< missing between or behind the frames recorded
-    std::uint64_t lostInHost = 0;  ///< of these: found the host's memory full
-    std::uint64_t doubled = 0;     ///< came with a number that was there already
-    bool stamped = false;          ///< pictures carry stamps, so the three below hold
+    /// Missing between, before or behind the frames recorded; with unclear pulses it may be fewer.
+    std::uint64_t lost = 0;
+    std::uint64_t lostInHost = 0;  ///< of these: refused by the host's memory
+    std::uint64_t tooLarge = 0;    ///< of the refused ones: larger than the picture that was set
+    std::uint64_t lostBehindEnd =
+        0;                       ///< not of these: missing behind the end, before the frame that showed it
+    std::uint64_t doubled = 0;   ///< came with a number that was there already
+    std::uint64_t restarts = 0;  ///< how often the camera's frame numbers began anew
+    bool tooSmall = false;       ///< pictures have no room for a stamp
+    bool stamped = false;        ///< pictures carry stamps, so the three below hold
     std::uint64_t matches = 0;
     std::uint64_t mismatches = 0;
     std::optional<TimeError> timeError;
@@ -56,9 +62,10 @@ struct RecordingReport {
     double recordedSeconds = 0;
     std::vector<ChannelReport> channels;
     std::uint64_t assertionFailures = 0;
-    std::vector<std::string> messages;      ///< of the cameras, as sentences
-    std::string stopFailure;                ///< empty when the cameras stopped properly
-    std::vector<std::string> pictureFiles;  ///< written besides raw, CSV and summary
+    std::vector<std::string> messages;        ///< of the cameras, as sentences
+    std::string stopFailure;                  ///< empty when the cameras stopped properly
+    std::vector<std::string> pictureFiles;    ///< written besides raw, CSV and summary
+    std::vector<std::string> failedPictures;  ///< could not be written
 };
 
 std::uint64_t totalFrames(const RecordingReport& report);

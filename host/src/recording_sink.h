@@ -2,22 +2,23 @@
 
 #include <atomic>
 #include <functional>
-#include <limits>
 #include <memory>
+#include <optional>
 
 #include "frame_ring.h"
 #include "if_channel_sink.h"
 
 namespace host {
 
-/// Receives a channel's frames and keeps those of the recording: all whose time lies in [first, first +
-/// length), `first` being the time of the channel's first frame. Copies and returns, never waits.
+/// Receives a channel's frames and keeps those of the recording: all whose time lies in [begin, begin +
+/// length). The first one behind them is kept as well, marked as the end: it tells what is missing before
+/// it. Copies and returns, never waits.
 class RecordingSink final : public zelt::IfChannelSink {
   public:
     /// `length` of the recording in units of the times; `wake` is called when there is something to do for
-    /// the writer, on the frame path.
-    RecordingSink(std::int64_t length, std::function<void()> wake)
-        : m_length(length), m_wake(std::move(wake)) {}
+    /// the writer, on the frame path. Without `begin` the recording begins with the channel's first frame.
+    RecordingSink(std::int64_t length, std::function<void()> wake, std::optional<std::int64_t> begin = {})
+        : m_length(length), m_wake(std::move(wake)), m_begin(begin) {}
 
     /// Takes the memory. Before this no frame is kept. [host, no acquisition under way]
     void makeRing(std::size_t slots, std::size_t slotBytes) {
@@ -29,16 +30,16 @@ class RecordingSink final : public zelt::IfChannelSink {
 
     /// A frame at or past the end has come. [any thread]
     bool isPastEnd() const { return m_past_end.load(std::memory_order_acquire); }
+    /// Time at which the recording ends. [when the frame marked as the end was taken from the ring]
+    std::int64_t end() const { return m_begin.value_or(0) + m_length; }
     /// From now on nothing is kept. [any thread]
     void close() { m_closed.store(true, std::memory_order_relaxed); }
 
   private:
-    static constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::min();
-
     std::int64_t m_length;
     std::function<void()> m_wake;
     std::unique_ptr<FrameRing> m_ring;
-    std::int64_t m_first = kNone;
+    std::optional<std::int64_t> m_begin;
     std::atomic<bool> m_past_end{false};
     std::atomic<bool> m_closed{false};
 };

@@ -2,8 +2,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace host {
+namespace {
+
+/// Of the frames missing between two times, taken as evenly spaced, those before the end.
+std::uint64_t withinRecording(std::uint64_t gap, std::int64_t last, std::int64_t next, std::int64_t end) {
+    if (gap == 0 || next <= end) return gap;
+    const double places =
+        static_cast<double>(end - last) / static_cast<double>(next - last) * static_cast<double>(gap + 1);
+    return std::min(gap, static_cast<std::uint64_t>(std::max(std::ceil(places) - 1, 0.0)));
+}
+
+}  // namespace
 
 std::int64_t median(std::vector<std::int64_t> values) {
     if (values.empty()) return 0;
@@ -23,30 +35,63 @@ std::int64_t percentile(std::vector<std::int64_t> values, unsigned percent) {
 }
 
 void RecordingStatistics::add(const RingFrame& frame, const StampReading& reading) {
-    const std::uint64_t gap = m_stamped ? addStamp(frame, reading) : timeGap(frame.time);
-    // What the host refused is part of the gap, unless no gap can be told.
-    m_lost += std::max(gap, frame.lostBefore - m_lost_in_host);
-    if (m_time_base == TimeBase::Pulses) {
-        m_pulses.add(frame.time, reading.hasStamp() ? std::optional(reading.stamp.frameId) : std::nullopt);
-        if (reading.hasStamp()) m_pulses.addTruth(reading.stamp.exposureStartNs);
-    }
+    const std::optional<std::uint64_t> missing = missingBefore(reading);
+    noteLosses(gapBefore(frame.time, missing), frame);
+    if (m_time_base == TimeBase::Pulses) m_pulses.add(frame.time, missing);
+    if (reading.hasStamp()) addTruth(frame, reading.stamp);
+    if (reading.result == VmbErrorSuccess) ++m_matches;
     ++m_frames;
     m_last_time = frame.time;
-    m_lost_in_host = frame.lostBefore;
 }
 
-std::uint64_t RecordingStatistics::addStamp(const RingFrame& frame, const StampReading& reading) {
-    if (reading.result == VmbErrorSuccess) ++m_matches;
-    if (!reading.hasStamp()) return 0;
-    const VmbSimFrameStamp& stamp = reading.stamp;
-    if (m_time_base == TimeBase::Nanoseconds) addTimes(frame, stamp);
-    if (m_last_id && stamp.frameId <= *m_last_id) {
-        ++m_doubled;
-        return 0;
+void RecordingStatistics::noteLosses(std::uint64_t gap, const RingFrame& frame) {
+    const std::uint64_t refused = frame.lostBefore - std::exchange(m_lost_in_host, frame.lostBefore);
+    const bool isUnclear = !m_stamped && m_time_base == TimeBase::Pulses;
+    // What the host refused is part of the gap, unless no gap can be told.
+    m_lost += isUnclear ? refused : std::max(gap, refused);
+    if (isUnclear) m_unclear += gap - std::min(gap, refused);
+}
+
+void RecordingStatistics::addEnd(const RingFrame& frame, const StampReading& reading, std::int64_t end) {
+    std::optional<std::uint64_t> missing = missingBefore(reading);
+    if (m_stamped && !reading.hasStamp()) missing = timeGap(frame.time);
+    const std::uint64_t gap = gapBefore(frame.time, missing);
+    const std::uint64_t within = withinRecording(gap, m_last_time, frame.time, end);
+    noteLosses(within, frame);
+    m_lost_behind_end = gap - within;
+    if (m_time_base == TimeBase::Pulses) m_pulses.addEnd(std::min(frame.time, end), missing);
+}
+
+std::optional<std::uint64_t> RecordingStatistics::missingBefore(const StampReading& reading) {
+    if (!m_stamped) return {};
+    if (!reading.hasStamp()) {
+        ++m_unread;
+        return {};
     }
-    const std::uint64_t gap = m_last_id ? stamp.frameId - *m_last_id - 1 : 0;
-    m_last_id = stamp.frameId;
-    return gap;
+    const std::uint64_t number = reading.stamp.frameId;
+    std::optional<std::uint64_t> missing = m_numbers.add(number);
+    // A camera counts from 1, and a triggered one is recorded from its first pulse on.
+    const bool isFirst = !std::exchange(m_has_number, true);
+    if (isFirst && m_time_base == TimeBase::Pulses) missing = std::max<std::uint64_t>(number, 1) - 1;
+    const std::uint64_t unread = std::exchange(m_unread, 0);
+    if (missing) missing = *missing - std::min(*missing, unread);
+    return missing;
+}
+
+std::uint64_t RecordingStatistics::gapBefore(std::int64_t time, std::optional<std::uint64_t> missing) const {
+    if (!m_stamped) return timeGap(time);
+    // Numbers that do not begin with 1 say nothing of this recording.
+    const bool isFirst = m_frames == 0;
+    const auto pulses = static_cast<std::uint64_t>(std::max<std::int64_t>(time, 0));
+    return isFirst ? std::min(missing.value_or(0), pulses) : missing.value_or(0);
+}
+
+void RecordingStatistics::addTruth(const RingFrame& frame, const VmbSimFrameStamp& stamp) {
+    if (m_time_base == TimeBase::Pulses) {
+        m_pulses.addTruth(stamp.exposureStartNs);
+    } else {
+        addTimes(frame, stamp);
+    }
 }
 
 void RecordingStatistics::addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp) {
@@ -59,8 +104,7 @@ void RecordingStatistics::addTimes(const RingFrame& frame, const VmbSimFrameStam
 
 std::uint64_t RecordingStatistics::timeGap(std::int64_t time) const {
     if (m_time_base == TimeBase::Pulses) {
-        const bool isGap = m_frames != 0 && time > m_last_time + 1;
-        return isGap ? static_cast<std::uint64_t>(time - m_last_time) - 1 : 0;
+        return static_cast<std::uint64_t>(std::max<std::int64_t>(time - m_last_time - 1, 0));
     }
     if (!m_rate || m_frames == 0) return 0;
     const double periods = static_cast<double>(time - m_last_time) * *m_rate / 1e9;
@@ -81,17 +125,20 @@ std::optional<TimeError> RecordingStatistics::timeError() const {
     return error;
 }
 
-ChannelReport RecordingStatistics::report(std::uint64_t lostInHost) const {
+ChannelReport RecordingStatistics::report(std::uint64_t lostInHost,
+                                          const std::optional<PulseStart>& start) const {
     ChannelReport report;
     report.frames = m_frames;
-    report.lost = lost(lostInHost);
+    report.lost = lost(lostInHost) + m_unclear;
     report.lostInHost = lostInHost;
-    report.doubled = m_doubled;
+    report.lostBehindEnd = m_lost_behind_end;
+    report.doubled = m_numbers.doubled();
+    report.restarts = m_numbers.restarts();
     report.stamped = m_stamped;
     report.matches = m_matches;
     report.mismatches = m_stamped ? m_frames - m_matches : 0;
     if (m_stamped) report.timeError = timeError();
-    if (m_time_base == TimeBase::Pulses) report.pulses = m_pulses.report();
+    if (m_time_base == TimeBase::Pulses) report.pulses = m_pulses.report(start);
     return report;
 }
 

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "frame_numbers.h"
 #include "frame_ring.h"
 #include "recording_report.h"
 #include "vendor_probe.h"
@@ -36,16 +37,21 @@ class RecordingStatistics {
 
     /// A frame that was recorded, and what its picture says.
     void add(const RingFrame& frame, const StampReading& reading);
+    /// The first frame behind the recording, which ended before `end`: tells what is missing before it.
+    void addEnd(const RingFrame& frame, const StampReading& reading, std::int64_t end);
 
     std::uint64_t frames() const { return m_frames; }
-    /// Frames missing so far; `lostInHost` as counted now. What the host refused behind the last frame shows
-    /// in no gap and is added.
+    /// Frames lost so far for certain; `lostInHost` as counted now. What the host refused behind the last
+    /// frame shows in no gap and is added.
     std::uint64_t lost(std::uint64_t lostInHost) const { return m_lost + (lostInHost - m_lost_in_host); }
-    /// The channel's report; `lostInHost` as counted now.
-    ChannelReport report(std::uint64_t lostInHost) const;
+    /// The channel's report; `lostInHost` as counted now. `start`: of the pulses, where it is known.
+    ChannelReport report(std::uint64_t lostInHost, const std::optional<PulseStart>& start = {}) const;
 
   private:
-    std::uint64_t addStamp(const RingFrame& frame, const StampReading& reading);
+    std::optional<std::uint64_t> missingBefore(const StampReading& reading);
+    void noteLosses(std::uint64_t gap, const RingFrame& frame);
+    std::uint64_t gapBefore(std::int64_t time, std::optional<std::uint64_t> missing) const;
+    void addTruth(const RingFrame& frame, const VmbSimFrameStamp& stamp);
     void addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp);
     std::uint64_t timeGap(std::int64_t time) const;
     std::optional<TimeError> timeError() const;
@@ -57,10 +63,13 @@ class RecordingStatistics {
     std::uint64_t m_frames = 0;
     std::uint64_t m_lost = 0;
     std::uint64_t m_lost_in_host = 0;
-    std::uint64_t m_doubled = 0;
+    std::uint64_t m_unclear = 0;  ///< frames lost or their pulses skipped
+    std::uint64_t m_lost_behind_end = 0;
     std::uint64_t m_matches = 0;
-    std::optional<std::uint64_t> m_last_id;
-    std::int64_t m_last_time = 0;
+    FrameNumbers m_numbers;
+    std::uint64_t m_unread = 0;  ///< frames without a readable stamp since the last one with it
+    bool m_has_number = false;
+    std::int64_t m_last_time = -1;
     std::vector<std::int64_t> m_errors;
     std::vector<std::int64_t> m_ways;
     std::vector<std::int64_t> m_delays;

@@ -4,17 +4,37 @@
 #include <utility>
 
 namespace host {
+namespace {
+
+bool isTriggered(const ChannelInfo& channel) {
+    return channel.timeBase == TimeBase::Pulses;
+}
+
+/// Tells which of the pulses without a picture were skipped, as the numbers of the sent frames have it.
+void tellSkippedFromLost(ChannelReport& report, const ChannelReport& numbers) {
+    const std::vector<PulseSpan> gaps = std::exchange(report.pulses->unclear, {});
+    report.pulses->skipped = numbers.pulses->skipped;
+    report.pulses->lost = without(gaps, numbers.pulses->skipped);
+    report.lost = numbers.lost + report.lostInHost;
+    report.lostBehindEnd = numbers.lostBehindEnd;
+}
+
+}  // namespace
 
 void RecordingWriter::addChannel(const ChannelInfo& channel, RecordingSink& sink,
                                  const std::filesystem::path& directory) {
-    const bool stamped = m_reader != nullptr;
+    const bool stamped = m_reader != nullptr && channel.pictureBytes() >= kStampBytes;
     m_channels.push_back({channel, &sink, ChannelFiles(directory, channel.id, stamped, channel.timeBase),
                           RecordingStatistics(stamped, channel.rate, channel.timeBase)});
 }
 
 void RecordingWriter::addCounter(const ChannelInfo& channel, CounterKind kind, RecordingSink& sink,
                                  const std::filesystem::path& directory) {
-    m_counters.push_back({channel.id, kind, &sink, CounterFile(directory, channel, kind)});
+    Counter counter{channel.id, kind, &sink, CounterFile(directory, channel, kind), {}};
+    if (kind == CounterKind::Sent && isTriggered(channel)) {
+        counter.numbers.emplace(true, channel.rate, channel.timeBase);
+    }
+    m_counters.push_back(std::move(counter));
 }
 
 void RecordingWriter::start() {
@@ -53,21 +73,42 @@ bool RecordingWriter::writeOne(Channel& channel) {
     if (m_reader != nullptr) {
         reading.result = m_reader->read(frame.bytes.data(), frame.bytes.size(), reading.stamp);
     }
-    if (channel.files.append(frame, reading)) {
-        channel.statistics.add(frame, reading);
-        m_frames.fetch_add(1, std::memory_order_relaxed);
-    } else {
+    if (frame.isEnd) {
+        channel.statistics.addEnd(frame, reading, channel.sink->end());
+    } else if (!write(channel, frame, reading)) {
         fail(channel.files.failure());
     }
     channel.sink->ring()->pop();
     return true;
 }
 
+bool RecordingWriter::write(Channel& channel, const RingFrame& frame, const StampReading& reading) {
+    if (!channel.files.append(frame, reading)) return false;
+    channel.statistics.add(frame, reading);
+    m_frames.fetch_add(1, std::memory_order_relaxed);
+    return true;
+}
+
 bool RecordingWriter::writeOne(Counter& counter) {
     RingFrame sample;
     if (hasFailed() || !counter.sink->ring()->front(sample)) return false;
-    if (!counter.file.append(sample)) fail(counter.file.failure());
+    if (!write(counter, sample)) fail(counter.file.failure());
     counter.sink->ring()->pop();
+    return true;
+}
+
+bool RecordingWriter::write(Counter& counter, const RingFrame& sample) {
+    if (!(sample.isEnd ? counter.file.appendEnd(sample) : counter.file.append(sample))) return false;
+    const std::optional<std::uint64_t> count = countOf(sample);
+    if (!counter.numbers || !count) return true;
+    StampReading reading;
+    reading.result = VmbErrorSuccess;
+    reading.stamp.frameId = *count + 1;  // the counter tells how many were sent before
+    if (sample.isEnd) {
+        counter.numbers->addEnd(sample, reading, counter.sink->end());
+    } else {
+        counter.numbers->add(sample, reading);
+    }
     return true;
 }
 
@@ -103,15 +144,22 @@ void RecordingWriter::addCounters(ChannelReport& report) const {
         if (!report.counters) report.counters.emplace();
         const bool isSent = counter.kind == CounterKind::Sent;
         (isSent ? report.counters->sent : report.counters->received) = counter.file.counted();
-        report.counters->unusable += counter.file.malformed() + counter.sink->ring()->lost();
+        const std::uint64_t unusable = counter.file.malformed() + counter.sink->ring()->lost();
+        report.counters->unusable += unusable;
+        if (counter.numbers && !report.stamped && unusable == 0) {
+            tellSkippedFromLost(report, counter.numbers->report(0));
+        }
     }
 }
 
-std::vector<ChannelReport> RecordingWriter::reports() const {
+std::vector<ChannelReport> RecordingWriter::reports(const std::optional<PulseStart>& start) const {
     std::vector<ChannelReport> reports;
     for (const Channel& channel : m_channels) {
-        ChannelReport report = channel.statistics.report(channel.sink->ring()->lost());
+        const FrameRing& ring = *channel.sink->ring();
+        ChannelReport report = channel.statistics.report(ring.lost(), start);
         report.channel = channel.info;
+        report.tooLarge = ring.tooLarge();
+        report.tooSmall = m_reader != nullptr && !report.stamped;
         report.silent = !channel.sink->isPastEnd();
         addCounters(report);
         reports.push_back(std::move(report));

@@ -41,8 +41,9 @@ class RecordingWriter {
 
     /// Reason of the failure. [after finish]
     const std::string& failure() const { return m_failure; }
-    /// Reports in the order in which the channels were added. [after finish]
-    std::vector<ChannelReport> reports() const;
+    /// Reports in the order in which the channels were added; `start` as for RecordingStatistics. [after
+    /// finish]
+    std::vector<ChannelReport> reports(const std::optional<PulseStart>& start = {}) const;
     /// Files of the channels in the same order. [after finish]
     std::vector<const ChannelFiles*> files() const;
 
@@ -59,12 +60,16 @@ class RecordingWriter {
         CounterKind kind;
         RecordingSink* sink;
         CounterFile file;
+        /// What is missing by the numbers that the counter gives; of a triggered camera's sent frames.
+        std::optional<RecordingStatistics> numbers;
     };
 
     void run();
     void drain();
     bool writeOne(Channel& channel);
     bool writeOne(Counter& counter);
+    bool write(Channel& channel, const RingFrame& frame, const StampReading& reading);
+    static bool write(Counter& counter, const RingFrame& sample);
     void addCounters(ChannelReport& report) const;
     void fail(const std::string& why);
 

@@ -40,6 +40,7 @@ ordered_json pulsesJson(const ChannelReport& channel) {
     if (!pulses) return nullptr;
     return {{"skipped", spansJson(pulses->skipped)},
             {"lost", spansJson(pulses->lost)},
+            {"skipped_or_lost", spansJson(pulses->unclear)},
             {"doubled", spansJson(pulses->doubled)},
             {"misplaced", channel.stamped ? ordered_json(pulses->misplaced) : ordered_json(nullptr)}};
 }
@@ -54,9 +55,12 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["frames"] = channel.frames;
     json["frames_expected"] = orNull(expectedFrames(channel, seconds));
     json["lost"] = channel.lost;
+    json["lost_is_certain"] = lossesAreCertain(channel);
     json["lost_in_host"] = channel.lostInHost;
+    json["too_large"] = channel.tooLarge;
     json["silent"] = channel.silent;
     json["doubled"] = channel.stamped ? ordered_json(channel.doubled) : ordered_json(nullptr);
+    json["restarts"] = channel.stamped ? ordered_json(channel.restarts) : ordered_json(nullptr);
     json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
     json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
     json["time_error"] = timeErrorJson(channel.timeError);
@@ -109,7 +113,8 @@ std::string recordingJson(const RecordingReport& report, const std::vector<Check
                      {"checks", list},
                      {"assertion_failures", report.assertionFailures},
                      {"messages", report.messages},
-                     {"pictures", report.pictureFiles}});
+                     {"pictures", report.pictureFiles},
+                     {"pictures_failed", report.failedPictures}});
 }
 
 std::string failureJson(ExitCode code, const std::string& sentence) {

@@ -22,8 +22,9 @@ std::string timeErrorText(const ChannelReport& channel) {
 std::vector<std::string> recordingRow(const ChannelReport& channel) {
     const std::string matches =
         channel.stamped ? std::to_string(channel.matches) + " of " + std::to_string(channel.frames) : "n/a";
-    return {std::to_string(channel.channel.id), std::to_string(channel.frames), std::to_string(channel.lost),
-            matches, timeErrorText(channel)};
+    const std::string lost = (lossesAreCertain(channel) ? "" : "up to ") + std::to_string(channel.lost);
+    return {std::to_string(channel.channel.id), std::to_string(channel.frames), lost, matches,
+            timeErrorText(channel)};
 }
 
 std::string counted(std::size_t count, const std::string& what) {
@@ -43,10 +44,12 @@ std::string pulsesText(const RecordingReport& report) {
     std::string text;
     for (const ChannelReport& channel : report.channels) {
         if (!channel.pulses) continue;
-        text += "channel " + std::to_string(channel.channel.id) +
-                ": pulses skipped: " + pulseText(channel.pulses->skipped) +
-                "; lost: " + pulseText(channel.pulses->lost) +
-                "; doubled: " + pulseText(channel.pulses->doubled) + '\n';
+        text +=
+            "channel " + std::to_string(channel.channel.id) +
+            ": pulses skipped: " + pulseText(channel.pulses->skipped) +
+            "; lost: " + pulseText(channel.pulses->lost) +
+            (lossesAreCertain(channel) ? "" : "; skipped or lost: " + pulseText(channel.pulses->unclear)) +
+            "; doubled: " + pulseText(channel.pulses->doubled) + '\n';
     }
     return text;
 }

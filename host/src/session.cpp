@@ -1,5 +1,6 @@
 #include "session.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -11,8 +12,10 @@
 
 namespace host {
 
-SessionOptions patientOptions(bool frameCounters) {
+SessionOptions patientOptions(const std::set<std::uint32_t>& wanted, bool frameCounters) {
     SessionOptions options;
+    options.wanted = wanted;
+    options.quietEnumerations = 10;
     options.frameCounters = frameCounters;
     options.pause = [] {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -69,18 +72,33 @@ void Session::listDevices() {
 }
 
 void Session::findDevices(const SessionOptions& options) {
+    std::set<std::uint32_t> known;
+    int quiet = 0;
     for (int attempt = 1;; ++attempt) {
         listDevices();
-        if (!m_plugin.getChannelIds().empty()) return;
+        const std::set<std::uint32_t> found = m_plugin.getChannelIds();
+        quiet = found == known ? quiet + 1 : 0;
+        known = found;
+        if (isComplete(found, quiet, options)) return;
         if (attempt >= options.attempts) break;
         if (!options.pause()) {
             throw HostFailure(ExitCode::Interrupted,
                               "Interrupted while looking for cameras; nothing was recorded.");
         }
     }
+    if (!known.empty()) return;
     throw HostFailure(
         ExitCode::NoCamera,
         "No camera was found; check power, cable and network of the camera (" + m_vendor->describe() + ").");
+}
+
+bool Session::isComplete(const std::set<std::uint32_t>& found, int quiet,
+                         const SessionOptions& options) const {
+    if (found.empty()) return false;
+    // Simulated cameras are not on a network and answer together.
+    if (!m_vendor->scenario().empty()) return true;
+    if (options.wanted.empty()) return quiet >= options.quietEnumerations;
+    return std::includes(found.begin(), found.end(), options.wanted.begin(), options.wanted.end());
 }
 
 void Session::takeChannels() {

@@ -15,10 +15,13 @@
 namespace host {
 
 struct SessionOptions {
-    /// How often devices are asked for until there is one, and what happens in between: tells whether to
-    /// ask again.
+    /// How often devices are asked for at most, and what happens in between: tells whether to ask again.
     int attempts = 40;
     std::function<bool()> pause;
+    /// Cameras of a network answer one after the other. The search ends when these channels are there, or,
+    /// without any, when so many enumerations in a row brought nothing new to what was found.
+    std::set<std::uint32_t> wanted;
+    int quietEnumerations = 0;
     /// Every camera gets two channels beside it that count its frames.
     bool frameCounters = false;
 };
@@ -55,6 +58,7 @@ class Session {
     void switchFrameCountersOn();
     void listDevices();
     void findDevices(const SessionOptions& options);
+    bool isComplete(const std::set<std::uint32_t>& found, int quiet, const SessionOptions& options) const;
     void takeChannels();
     bool takeCounter(std::uint32_t id, channel_config::IfChannelConfig& config);
 
@@ -65,7 +69,8 @@ class Session {
     MessageBoard m_messages;
 };
 
-/// Asks for about two seconds, until there is a device or the user interrupts.
-SessionOptions patientOptions(bool frameCounters = false);
+/// Asks for about two seconds at most, until the channels wanted are there, or, without any, until no new
+/// camera has answered for half a second, or the user interrupts.
+SessionOptions patientOptions(const std::set<std::uint32_t>& wanted = {}, bool frameCounters = false);
 
 }  // namespace host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -63,13 +64,14 @@ class Wish {
     std::uint32_t m_channel;
 };
 
-HostFailure unknownKey(const Wish& wish, const SettingOrder& order, IfChannelConfig& config) {
+WrongForNow unknownKey(const Wish& wish, const SettingOrder& order, IfChannelConfig& config) {
     std::string near;
     for (const std::string& key : nearestKeys(order.key, config.getKeys())) {
         near += (near.empty() ? "" : ", ") + key;
     }
-    return wish.wrong(wish.channel() + " has no setting \"" + order.key + "\" now; near to it " +
-                      (near.empty() ? "is none" : "are " + near) + ", zelt_host settings lists all.");
+    return wish.wrong<WrongForNow>(wish.channel() + " has no setting \"" + order.key + "\" now; near to it " +
+                                   (near.empty() ? "is none" : "are " + near) +
+                                   ", zelt_host settings lists all.");
 }
 
 void checkChangeable(const Wish& wish, const SettingOrder& order, Changeable changeable) {
@@ -83,7 +85,7 @@ void checkChangeable(const Wish& wish, const SettingOrder& order, Changeable cha
         throw wish.wrong(wish.setting() + " is set by the host; name the channels to use with --channel.");
     }
     if (changeable == Changeable::Never) {
-        throw wish.wrong(wish.setting() + " is read-only; leave it out.");
+        throw wish.wrong<WrongForNow>(wish.setting() + " is read-only; leave it out.");
     }
 }
 
@@ -133,15 +135,19 @@ SettingChange carryOutAt(Session& session, const SettingOrder& order, std::uint3
     checkChoice(wish, before, item);
     const std::uint64_t earlier = session.messages().count();
     if (!config.setItem(order.key, item)) {
-        throw wish.wrong(wish.setting() + (order.kind == Kind::Set ? " = " + order.value : "") +
-                         " was refused: " + reasonText(session.messages().takeFrom(id, earlier)) +
-                         "; check the camera, --log-level info tells more.");
+        throw wish.wrong<WrongForNow>(
+            wish.setting() + (order.kind == Kind::Set ? " = " + order.value : "") +
+            " was refused: " + reasonText(session.messages().takeFrom(id, earlier)) +
+            "; check the camera, --log-level info tells more.");
     }
-    if (order.kind == Kind::RunAction) return {id, order.key, {}, {}};
+    if (order.kind == Kind::RunAction) return {id, order.key, {}, {}, {}};
     // What is not available any more has no value to show.
     const bool isThere = config.hasKey(order.key);
-    return {id, order.key, order.value,
-            isThere ? readSetting(config, order.key).valueWithUnit() : std::string()};
+    return {id,
+            order.key,
+            order.value,
+            isThere ? readSetting(config, order.key).valueWithUnit() : std::string(),
+            {}};
 }
 
 /// The chosen channels that an order is for.
@@ -160,6 +166,20 @@ struct Step {
     const SettingOrder* order;
     std::uint32_t channel;
 };
+
+/// A file may call one camera by two names.
+void refuseRepetitions(const std::vector<Step>& steps) {
+    std::map<std::pair<std::uint32_t, std::string>, std::string> origins;
+    for (const Step& step : steps) {
+        const SettingOrder& order = *step.order;
+        if (order.channel.empty()) continue;
+        const auto [known, isNew] = origins.insert({{step.channel, order.key}, order.origin});
+        if (isNew) continue;
+        throw HostFailure(ExitCode::SettingsFile, order.origin + ": " + order.key + " of channel " +
+                                                      std::to_string(step.channel) + " stands at " +
+                                                      known->second + " too; take one out.");
+    }
+}
 
 /// One try of every step; returns those that are wrong for now.
 std::vector<Step> tryAll(Session& session, const std::vector<Step>& steps, std::optional<WrongForNow>& first,
@@ -186,6 +206,7 @@ void carryOut(Session& session, const std::vector<SettingOrder>& orders,
     for (const SettingOrder& order : orders) {
         for (const std::uint32_t id : channelsOf(session, order, chosen)) steps.push_back({&order, id});
     }
+    refuseRepetitions(steps);
     std::optional<WrongForNow> failure;
     while (!steps.empty()) {
         std::vector<Step> left = tryAll(session, steps, failure, changed);
@@ -194,8 +215,20 @@ void carryOut(Session& session, const std::vector<SettingOrder>& orders,
     }
 }
 
+void leaveOut(Session& session, const std::vector<SettingOrder>& orders,
+              const std::set<std::uint32_t>& chosen, const std::string& why,
+              const std::function<void(const SettingChange&)>& changed) {
+    for (const SettingOrder& order : orders) {
+        for (const std::uint32_t id : channelsOf(session, order, chosen)) {
+            changed({id, order.key, order.value, {}, order.origin + ": " + why});
+        }
+    }
+}
+
 std::string changeText(const SettingChange& change) {
     const std::string where = "channel " + std::to_string(change.channel) + ": " + change.key;
+    if (!change.leftOut.empty())
+        return where + " = " + change.asked + " was left out (" + change.leftOut + ')';
     if (change.asked.empty() && change.became.empty()) return where + " was started";
     const bool asAsked = change.became == change.asked || change.became.starts_with(change.asked + ' ');
     return where + " is " + (change.became.empty() ? "set" : change.became + " now") +

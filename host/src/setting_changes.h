@@ -26,15 +26,22 @@ struct SettingOrder {
 struct SettingChange {
     std::uint32_t channel = 0;
     std::string key;
-    std::string asked;   ///< empty with an action
-    std::string became;  ///< with unit; empty with an action
+    std::string asked;    ///< empty with an action
+    std::string became;   ///< with unit; empty with an action and when it was left out
+    std::string leftOut;  ///< why it was left out, origin first; empty when it was carried out
 };
 
 /// Carries out orders one after the other at those of the `chosen` channels that they name. Settings depend
-/// on each other, so one that is out of range is tried again when the others are set. Throws HostFailure
-/// for the first that cannot be carried out; those before it were told to `changed`.
+/// on each other, so one that is out of range, read-only, not there or refused is tried again when the others
+/// are set. Throws HostFailure for the first that cannot be carried out; those that were are told to
+/// `changed`.
 void carryOut(Session& session, const std::vector<SettingOrder>& orders,
               const std::set<std::uint32_t>& chosen,
+              const std::function<void(const SettingChange&)>& changed);
+
+/// Tells for every channel concerned that these orders are not carried out, and why.
+void leaveOut(Session& session, const std::vector<SettingOrder>& orders,
+              const std::set<std::uint32_t>& chosen, const std::string& why,
               const std::function<void(const SettingChange&)>& changed);
 
 /// "channel 0: FrameWidth is 640 pixel now (asked for 643)"

@@ -44,10 +44,12 @@ class Parser {
     }
 
     void takeHeader(const std::string& line) {
-        if (!line.starts_with(kHeader) || line.back() != ']') {
+        const std::size_t length = std::strlen(kHeader);
+        const bool isHeader = line.starts_with(kHeader) && line.back() == ']' &&
+                              (line[length] == ' ' || line[length] == '\t' || line[length] == ']');
+        if (!isHeader) {
             throw bad('"' + line + "\" is no beginning of a channel's settings; write [channel 0].");
         }
-        const std::size_t length = std::strlen(kHeader);
         m_channel = trimmed(line.substr(length, line.size() - length - 1));
         if (m_channel.empty()) throw bad("the channel has no id; write [channel 0].");
     }
@@ -83,7 +85,9 @@ class Parser {
 
 std::vector<SettingOrder> parseSettingsFile(const std::string& text, const std::string& name) {
     Parser parser(name);
-    std::istringstream stream(text);
+    // Some editors begin a file with it.
+    const std::string mark = "\xef\xbb\xbf";
+    std::istringstream stream(text.starts_with(mark) ? text.substr(mark.size()) : text);
     for (std::string line; std::getline(stream, line);) parser.take(line);
     return parser.orders();
 }

@@ -35,7 +35,8 @@ ordered_json changesJson(const std::vector<SettingChange>& changes) {
         list.push_back({{"channel", change.channel},
                         {"key", change.key},
                         {"asked", orNull(change.asked)},
-                        {"became", orNull(change.became)}});
+                        {"became", orNull(change.became)},
+                        {"left_out", orNull(change.leftOut)}});
     }
     return list;
 }

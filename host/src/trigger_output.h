@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "pulse_statistics.h"
 #include "setting_text.h"
 #include "vendor_probe.h"
 
@@ -21,11 +22,14 @@ class TriggerOutput {
     /// The first pulse comes a period from now. Throws HostFailure when there cannot be such pulses.
     void start();
     void stop();
+    /// When the first pulse came; empty when nothing was driven.
+    const std::optional<PulseStart>& pulseStart() const { return m_pulse_start; }
 
   private:
     const IfTriggerLine* m_line;
     Fraction m_frequency;
     bool m_runs = false;
+    std::optional<PulseStart> m_pulse_start;
 };
 
 }  // namespace host

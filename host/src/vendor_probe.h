@@ -8,6 +8,9 @@
 
 namespace host {
 
+/// A simulated camera's picture of fewer bytes has no room for a stamp.
+inline constexpr std::uint64_t kStampBytes = 72;
+
 /// Reads the truth that a simulated camera wrote into a picture.
 class IfStampReader {
   public:

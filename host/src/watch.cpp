@@ -1,5 +1,6 @@
 #include "watch.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <thread>
@@ -44,10 +45,11 @@ WatchReport Watch::run() {
     m_acquisition.prepare();
     m_started = Clock::now();
     m_acquisition.start();
-    watchUntilEnd();
+    const bool gotThere = watchUntilEnd();
     const double seconds = secondsOf(Clock::now() - m_started);
     const std::string stopFailure = m_acquisition.stop();
     WatchReport report = look(seconds, true);
+    report.cutShort = m_options.seconds && !gotThere;
     report.stopFailure = stopFailure;
     return report;
 }
@@ -68,18 +70,31 @@ void Watch::attach() {
 }
 
 bool Watch::isOver(Clock::time_point now) const {
-    return m_hooks.isInterrupted() || (m_options.seconds && secondsOf(now - m_started) >= *m_options.seconds);
+    return m_options.seconds && secondsOf(now - m_started) >= *m_options.seconds;
 }
 
-void Watch::watchUntilEnd() {
+bool Watch::watchUntilEnd() {
     auto shown = m_started;
     while (!isOver(Clock::now())) {
+        if (m_hooks.isInterrupted()) return false;
         std::this_thread::sleep_for(kPoll);
         m_acquisition.process();
         const auto now = Clock::now();
         if (now - shown < m_options.interval) continue;
         m_hooks.show(look(secondsOf(now - std::exchange(shown, now)), false));
     }
+    return true;
+}
+
+std::uint64_t Watch::lookForLosses(Channel& channel, bool isEnd) {
+    // A frame counts as sent a moment before it counts as received, so while frames come only what stays
+    // from one look to the next is lost.
+    const std::uint64_t sent = channel.sent.progress();
+    const std::uint64_t received = channel.received.progress();
+    const std::uint64_t behind = sent > received ? sent - received : 0;
+    const std::uint64_t before = std::exchange(channel.behindBefore, behind);
+    if (isEnd) return behind;
+    return channel.lost = std::max(channel.lost, std::min(behind, before));
 }
 
 WatchReport Watch::look(double secondsSince, bool isEnd) {
@@ -90,10 +105,7 @@ WatchReport Watch::look(double secondsSince, bool isEnd) {
         WatchedChannel row;
         row.channel = channel->info;
         row.frames = channel->frames.samples();
-        // In this order, so that a frame that comes in between is not taken for lost.
-        const std::uint64_t sent = channel->sent.progress();
-        const std::uint64_t received = channel->received.progress();
-        row.lost = sent > received ? sent - received : 0;
+        row.lost = lookForLosses(*channel, isEnd);
         const std::uint64_t before = isEnd ? 0 : std::exchange(channel->framesBefore, row.frames);
         if (secondsSince > 0) row.rate = static_cast<double>(row.frames - before) / secondsSince;
         if (const auto message = messages.find(id); message != messages.end()) {

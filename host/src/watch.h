@@ -27,6 +27,7 @@ struct WatchedChannel {
 struct WatchReport {
     double seconds = 0;
     std::vector<WatchedChannel> channels;
+    bool cutShort = false;    ///< interrupted before its seconds were over; without any it never is
     std::string stopFailure;  ///< empty when the cameras stopped properly
 };
 
@@ -78,11 +79,15 @@ class Watch {
         WatchSink sent;
         WatchSink received;
         std::uint64_t framesBefore = 0;
+        std::uint64_t behindBefore = 0;
+        std::uint64_t lost = 0;
     };
 
     void attach();
-    void watchUntilEnd();
+    /// Whether it got there before it was interrupted.
+    bool watchUntilEnd();
     bool isOver(Clock::time_point now) const;
+    static std::uint64_t lookForLosses(Channel& channel, bool isEnd);
     WatchReport look(double secondsSince, bool isEnd);
 
     Session& m_session;

@@ -1,6 +1,5 @@
 #include "watch_report.h"
 
-#include "exit_codes.h"
 #include "json_text.h"
 #include "quantity_text.h"
 #include "text_table.h"
@@ -39,11 +38,24 @@ std::string watchJson(const WatchReport& report) {
                         {"rate_fps", row.rate},
                         {"last_message", orNull(row.lastMessage)}});
     }
-    const ExitCode code = report.stopFailure.empty() ? ExitCode::Ok : ExitCode::CameraFailed;
-    return dumpJson({{"exit_code", static_cast<int>(code)},
-                     {"error", orNull(report.stopFailure)},
+    const std::string sentence = watchFailure(report);
+    return dumpJson({{"exit_code", static_cast<int>(watchCode(report))},
+                     {"error", orNull(sentence)},
                      {"seconds", report.seconds},
                      {"channels", list}});
+}
+
+ExitCode watchCode(const WatchReport& report) {
+    if (!report.stopFailure.empty()) return ExitCode::CameraFailed;
+    return report.cutShort ? ExitCode::Interrupted : ExitCode::Ok;
+}
+
+std::string watchFailure(const WatchReport& report) {
+    if (!report.stopFailure.empty()) {
+        return "The cameras did not stop properly (" + report.stopFailure +
+               "); check the camera, --log-level info tells more.";
+    }
+    return report.cutShort ? "Interrupted after " + decimals(report.seconds, 1) + " s." : std::string();
 }
 
 }  // namespace host

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "exit_codes.h"
 #include "watch.h"
 
 namespace host {
@@ -12,5 +13,9 @@ std::string watchLine(const WatchReport& report);
 /// A table for its end.
 std::string watchText(const WatchReport& report);
 std::string watchJson(const WatchReport& report);
+
+ExitCode watchCode(const WatchReport& report);
+/// The sentence for the error stream; empty when there is nothing to complain about.
+std::string watchFailure(const WatchReport& report);
 
 }  // namespace host

@@ -37,6 +37,16 @@ TEST(CamerasAreWatched, UntilTheUserHasSeenEnough) {
     EXPECT_THAT(program.out(), HasSubstr("id  camera                        frames  lost"));
 }
 
+TEST(CamerasAreWatched, ButNotToTheEndWhenTheUserInterrupts) {
+    Program program({"watch", "--seconds", "600"}, {});
+    ASSERT_TRUE(program.waitForOutput([](const std::string& text) {
+        return text.find("   1 s   channel 0: ") != std::string::npos;
+    })) << program.error();
+    program.interrupt();
+    EXPECT_EQ(program.wait(), 130) << program.error();
+    EXPECT_THAT(program.error(), HasSubstr("zelt_host: Interrupted after "));
+}
+
 TEST(CamerasAreWatched, UnlessSomethingIsWrong) {
     EXPECT_EQ(runProgram({"watch", "--seconds", "0"}).code, 2);
     EXPECT_EQ(runProgram({"watch", "--seconds", "1", "--channel", "7"}).code, 9);

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/resource.h>
@@ -46,6 +47,8 @@ struct RunOptions {
     rlim_t fileSizeLimit = 0;
     /// The output stream is a terminal.
     bool terminal = false;
+    /// The output stream has no room.
+    bool fullOutput = false;
 };
 
 /// A running host program. Everything it writes is collected.
@@ -113,7 +116,7 @@ class Program {
     }
 
     [[noreturn]] void become(const std::vector<std::string>& arguments, const RunOptions& options) {
-        dup2(m_child_out, STDOUT_FILENO);
+        dup2(options.fullOutput ? ::open("/dev/full", O_WRONLY) : m_child_out, STDOUT_FILENO);
         dup2(m_child_error, STDERR_FILENO);
         for (const int descriptor : {m_out, m_error, m_child_out, m_child_error}) close(descriptor);
         if (options.fileSizeLimit != 0) {

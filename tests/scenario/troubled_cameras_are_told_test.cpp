@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "captured_console.h"
+#include "checks.h"
 #include "commands.h"
 #include "host_failure.h"
 #include "recorded_files.h"
@@ -85,6 +86,45 @@ TEST_F(TroubledCamerasAreTold, WhenOneIsPulledOutInTheMiddleOfARecording) {
     EXPECT_GT(scenario::checkChannelFiles(out(), 0, 656ull * 492 * 2), 40u) << "the other one goes on";
 }
 
+TEST_F(TroubledCamerasAreTold, WithTheFirstAndTheLastPulsesToo) {
+    host::RecordingOptions options;
+    options.seconds = 2;  // 40 pulses
+    options.directory = out();
+    options.cameras.aux = host::Fraction{20, 1};
+    bool isTroubled = false;
+    host::RecordingHooks hooks;
+    hooks.showProgress = [&](const host::Progress& progress) {
+        if (isTroubled || progress.frames < 6) return;
+        isTroubled = true;
+        EXPECT_EQ(VmbSimDisturbLine(kColourCamera, VmbSimPulseMissing, 40, 1), VmbErrorSuccess);
+    };
+    host::Session session(host::loadPlugin(scenario::binaries() / host::platform::kPluginFileName),
+                          host::patientOptions({}, true));
+    ASSERT_EQ(VmbSimLoseFrames(kMonochromeCamera, 3), VmbErrorSuccess);
+    const host::RecordingReport report = host::Recording(session, options, hooks).run();
+    ASSERT_EQ(report.channels.size(), 2u);
+    const host::ChannelReport& colour = report.channels[0];
+    const host::ChannelReport& grey = report.channels[1];
+    ASSERT_TRUE(colour.pulses && grey.pulses && colour.counters && grey.counters);
+    if (!kTimesHold) return;
+    EXPECT_EQ(colour.pulses->skipped, (std::vector<host::PulseSpan>{{39, 39}}));
+    EXPECT_EQ(colour.lost, 0u);
+    EXPECT_EQ(colour.counters->sent, 39u);
+    EXPECT_EQ(colour.counters->received, 39u);
+    EXPECT_EQ(grey.pulses->lost, (std::vector<host::PulseSpan>{{0, 2}}));
+    EXPECT_EQ(grey.lost, 3u);
+    EXPECT_EQ(grey.counters->sent, 40u);
+    EXPECT_EQ(grey.counters->received, 37u);
+    EXPECT_EQ(colour.pulses->misplaced + grey.pulses->misplaced, 0u);
+    for (const host::Check& check : host::makeChecks(report)) {
+        const bool isPulses = check.sentence.find("of 40 pulses") != std::string::npos;
+        const bool isCounters = check.sentence.find("counters say") != std::string::npos;
+        if (isPulses || isCounters) {
+            EXPECT_TRUE(check.passed) << check.sentence;
+        }
+    }
+}
+
 TEST_F(TroubledCamerasAreTold, WithThePulsesThatHaveNoPictureOfTheirOwn) {
     host::RecordingOptions options;
     options.seconds = 3;
@@ -101,7 +141,7 @@ TEST_F(TroubledCamerasAreTold, WithThePulsesThatHaveNoPictureOfTheirOwn) {
         EXPECT_EQ(VmbSimLoseFrames(kMonochromeCamera, 3), VmbErrorSuccess);
     };
     host::Session session(host::loadPlugin(scenario::binaries() / host::platform::kPluginFileName),
-                          host::patientOptions(true));
+                          host::patientOptions({}, true));
     const host::RecordingReport report = host::Recording(session, options, hooks).run();
     ASSERT_EQ(report.channels.size(), 2u);
     const host::ChannelReport& colour = report.channels[0];

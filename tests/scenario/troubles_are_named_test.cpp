@@ -88,6 +88,32 @@ TEST_F(TroublesAreNamed, VendorLibraryElsewhereIsFoundBesideThePlugin) {
     EXPECT_THAT(result.out, HasSubstr("(simulator: two-cameras)"));
 }
 
+TEST_F(TroublesAreNamed, AnOutputStreamWithoutRoom) {
+    const std::vector<std::vector<std::string>> commands{{"devices"},
+                                                         {"settings"},
+                                                         {"check"},
+                                                         {"topology"},
+                                                         {"watch", "--seconds", "0.1"},
+                                                         {"record", "--seconds", "0.1", "--out", out()},
+                                                         {"--help"}};
+    for (std::vector<std::string> command : commands) {
+        for (const bool json : {false, true}) {
+            if (json) command.emplace_back("--json");
+            expect(runProgram(command, {.fullOutput = true}), 11,
+                   {"cannot be written to the standard output (No space left on device)"});
+            scenario::fs::remove_all(out());
+        }
+    }
+}
+
+TEST_F(TroublesAreNamed, AnOutputStreamWithoutRoomForAFailure) {
+    const ProgramResult result =
+        runProgram({"devices", "--plugin", "/none/plugin.so", "--json"}, {.fullOutput = true});
+    EXPECT_EQ(result.code, 11);
+    EXPECT_THAT(result.sentences(), testing::ElementsAre(HasSubstr("/none/plugin.so"),
+                                                         HasSubstr("to the standard output (No space")));
+}
+
 TEST_F(TroublesAreNamed, UnknownChannel) {
     expect(record("1", {"--out", out(), "--channel", "7"}), 9,
            {"There is no channel 7; the channels are 0, 1."});

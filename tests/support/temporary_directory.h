@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace test_support {
 
@@ -33,7 +35,9 @@ class TemporaryDirectory {
 
 inline std::string readFile(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream content;
+    content << stream.rdbuf();
+    return std::move(content).str();
 }
 
 }  // namespace test_support

@@ -66,6 +66,11 @@ TEST(CommandLine, NamesALengthThatIsNone) {
 }
 
 TEST(CommandLine, NamesALengthThatIsTooLong) {
+    EXPECT_EQ(parse({"record", "--out", "d", "--seconds", "0.001"}).seconds, 0.001);
+    for (const char* seconds : {"1e-10", "0.00099"}) {
+        EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", seconds}),
+                  std::string("--seconds takes 0.001 (a millisecond) at least, not \"") + seconds + "\".");
+    }
     for (const char* seconds : {"1e9", "1e99", "inf"}) {
         EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", seconds}),
                   std::string("--seconds takes 100000000 (three years) at most, not \"") + seconds + "\".");
@@ -142,6 +147,15 @@ TEST(CommandLine, NamesAFrequencyThatIsNone) {
     for (const char* text : {"0", "-5", "1/1000000001", "1000000001"}) {
         EXPECT_THAT(refusal({"check", "--aux", text}), HasSubstr("greater than 0 Hz"));
     }
+}
+
+TEST(CommandLine, NamesATriggerModeThatContradictsAux) {
+    EXPECT_EQ(refusal({"check", "--aux", "20", "--set", "CAMERA/TriggerMode=GIGE/TriggerModeFixed"}),
+              "--set CAMERA/TriggerMode=GIGE/TriggerModeFixed contradicts --aux, which needs "
+              "GIGE/TriggerModeAux; leave one of them out.");
+    EXPECT_TRUE(
+        parse({"check", "--aux", "20", "--set", "CAMERA/TriggerMode=GIGE/TriggerModeAux"}).cameras.aux);
+    EXPECT_FALSE(parse({"check", "--set", "CAMERA/TriggerMode=GIGE/TriggerModeFixed"}).cameras.aux);
 }
 
 TEST(CommandLine, NamesAPathThatIsEmpty) {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "file_size_limit.h"
 #include "host_failure.h"
 #include "recording_writer.h"
 #include "temporary_directory.h"
@@ -58,7 +59,67 @@ TEST_F(CounterFileTest, NamesPulsesOfATriggeredCamera) {
     EXPECT_TRUE(append(file, 6, 8));
     EXPECT_TRUE(file.close());
     EXPECT_EQ(content("channel-3-received.csv"), "pulse,received\n4,5\n6,8\n");
-    EXPECT_EQ(file.counted(), 4u);
+    EXPECT_EQ(file.counted(), 8u) << "from the first one on that was received, 1 to 8";
+}
+
+TEST_F(CounterFileTest, CountsUpToTheFrameBehindTheRecording) {
+    CounterFile file(m_directory.path(), m_channel, CounterKind::Sent);
+    EXPECT_TRUE(append(file, 0, 5));
+    EXPECT_TRUE(append(file, 1000, 6));
+    host::RingFrame end;
+    const auto sample = bytes(9);
+    end.time = 5000;
+    end.bytes = std::as_bytes(std::span(sample));
+    EXPECT_TRUE(file.appendEnd(end));
+    EXPECT_EQ(file.counted(), 4u);  // 5 to 8
+    EXPECT_TRUE(file.close());
+    EXPECT_EQ(content("channel-3-sent.csv"), "host_time_ns,sent\n0,5\n1000,6\n");
+    end.bytes = end.bytes.first(3);
+    EXPECT_TRUE(file.appendEnd(end));
+    EXPECT_EQ(file.malformed(), 1u);
+}
+
+TEST_F(CounterFileTest, CountsSentFramesOfATriggeredCameraFromItsStart) {
+    m_channel.timeBase = host::TimeBase::Pulses;
+    CounterFile file(m_directory.path(), m_channel, CounterKind::Sent);
+    EXPECT_EQ(file.counted(), 0u);
+    EXPECT_TRUE(append(file, 3, 3));
+    EXPECT_EQ(file.counted(), 4u) << "0 to 3";
+}
+
+TEST_F(CounterFileTest, TellsSkippedPulsesFromLostOnesWithoutStamps) {
+    m_channel.timeBase = host::TimeBase::Pulses;
+    m_channel.rate = 50;
+    host::RecordingSink frames(
+        10, [] {}, 0);
+    host::RecordingSink sent(
+        10, [] {}, 0);
+    host::RecordingWriter writer(nullptr);
+    frames.makeRing(4, 1);
+    sent.makeRing(10, 8);
+    writer.addChannel(m_channel, frames, m_directory.path());
+    writer.addCounter(m_channel, CounterKind::Sent, sent, m_directory.path());
+    const auto frame = [&](std::int64_t pulse, std::uint64_t number) {
+        frames.addSample(pulse, "x", 1);
+        sent.addSample(pulse, bytes(number).data(), 8);
+    };
+    frame(1, 1);  // the frame of pulse 0 is lost
+    frame(4, 2);  // 2 and 3 are skipped
+    frame(5, 3);
+    frame(6, 4);
+    frame(7, 5);   // finds no memory
+    frame(12, 7);  // of 8 to 11 one sent a frame that is lost
+    writer.start();
+    writer.finish();
+    const auto report = writer.reports()[0];
+    EXPECT_EQ(report.frames, 4u);
+    EXPECT_EQ(report.pulses->skipped, (std::vector<host::PulseSpan>{{2, 3}}));
+    EXPECT_EQ(report.pulses->lost, (std::vector<host::PulseSpan>{{0, 0}, {7, 9}}));
+    EXPECT_TRUE(report.pulses->unclear.empty());
+    // The frames of the pulses 0 and 7, and the one lost between 8 and 11, taken for one in the middle: the
+    // recording ends with 9.
+    EXPECT_EQ(report.lost, 3u);
+    EXPECT_EQ(report.lostInHost, 1u);
 }
 
 TEST_F(CounterFileTest, CountsMalformedSamples) {
@@ -66,6 +127,20 @@ TEST_F(CounterFileTest, CountsMalformedSamples) {
     EXPECT_TRUE(append(file, 1, 1, 7));
     EXPECT_EQ(file.malformed(), 1u);
     EXPECT_EQ(file.counted(), 0u);
+}
+
+TEST_F(CounterFileTest, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
+    CounterFile file(m_directory.path(), m_channel, CounterKind::Sent);
+    {
+        // "host_time_ns,sent\n" takes 18 bytes, each line 8: the second one has room for 5.
+        const host_test::FileSizeLimit limit(18 + 8 + 5);
+        EXPECT_TRUE(append(file, 1000, 11));
+        EXPECT_FALSE(append(file, 2000, 12));
+        EXPECT_FALSE(append(file, 3000, 13));
+    }
+    EXPECT_EQ(file.failure(), "File too large");
+    EXPECT_EQ(content("channel-3-sent.csv"), "host_time_ns,sent\n1000,11\n");
+    EXPECT_EQ(file.counted(), 1u);
 }
 
 TEST_F(CounterFileTest, SaysWhyItCannotBeWritten) {

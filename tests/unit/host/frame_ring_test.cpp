@@ -69,6 +69,34 @@ TEST(FrameRing, RefusesAFrameLargerThanItsSlots) {
     EXPECT_TRUE(push(ring, 1, "1234"));
     EXPECT_FALSE(push(ring, 2, "12345"));
     EXPECT_EQ(ring.lost(), 1u);
+    EXPECT_EQ(ring.tooLarge(), 1u);
+    EXPECT_TRUE(push(ring, 3, "1234"));
+    EXPECT_FALSE(push(ring, 4, "1234"));
+    EXPECT_EQ(ring.lost(), 2u);
+    EXPECT_EQ(ring.tooLarge(), 1u);
+}
+
+TEST(FrameRing, HasRoomForTheEndAlsoWhenItIsFull) {
+    FrameRing ring(1, 4);
+    EXPECT_TRUE(push(ring, 1, "1234"));
+    EXPECT_FALSE(push(ring, 2, "5678"));
+    ring.pushEnd(3, 10, "abcd", 4);
+    RingFrame frame;
+    ASSERT_TRUE(ring.front(frame));
+    EXPECT_FALSE(frame.isEnd);
+    ring.pop();
+    ASSERT_TRUE(ring.front(frame));
+    EXPECT_TRUE(frame.isEnd);
+    EXPECT_EQ(frame.time, 3);
+    EXPECT_EQ(frame.arrival, 10);
+    EXPECT_EQ(frame.lostBefore, 1u);
+    EXPECT_EQ(text(frame), "abcd");
+    EXPECT_EQ(ring.lost(), 1u);
+    FrameRing small(1, 4);
+    small.pushEnd(3, 10, "abcde", 5);
+    ASSERT_TRUE(small.front(frame));
+    EXPECT_EQ(frame.bytes.size(), 0u);
+    EXPECT_EQ(small.lost(), 0u);
 }
 
 TEST(FrameRing, HasAtLeastOneSlot) {

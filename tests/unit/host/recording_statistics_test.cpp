@@ -153,6 +153,22 @@ TEST(RecordingStatistics, KnowsOnlyTheHostsLossesWithoutStampsAndRate) {
     EXPECT_EQ(statistics.report(4).lost, 4u);
 }
 
+/// A frame of a triggered camera whose pulse 0 exposes at 0, 50 pulses a second.
+void addPulse(RecordingStatistics& statistics, std::int64_t pulse, std::uint64_t id) {
+    add(statistics, pulse, 0, stamp(id, static_cast<std::uint64_t>(pulse) * 20'000'000));
+}
+
+void addEnd(RecordingStatistics& statistics, std::int64_t time, std::int64_t end, const StampReading& reading,
+            std::uint64_t lostBefore = 0) {
+    host::RingFrame frame;
+    frame.time = time;
+    frame.lostBefore = lostBefore;
+    frame.isEnd = true;
+    statistics.addEnd(frame, reading, end);
+}
+
+using Spans = std::vector<host::PulseSpan>;
+
 TEST(RecordingStatistics, TellsPulsesInsteadOfTimesOfATriggeredCamera) {
     RecordingStatistics statistics(true, 50.0, host::TimeBase::Pulses);
     add(statistics, 0, 0, stamp(1, 0, 90));
@@ -162,20 +178,121 @@ TEST(RecordingStatistics, TellsPulsesInsteadOfTimesOfATriggeredCamera) {
     const ChannelReport report = statistics.report(0);
     EXPECT_FALSE(report.timeError);
     ASSERT_TRUE(report.pulses);
-    EXPECT_EQ(report.pulses->skipped, (std::vector<host::PulseSpan>{{1, 1}}));
-    EXPECT_EQ(report.pulses->lost, (std::vector<host::PulseSpan>{{3, 4}}));
-    EXPECT_EQ(report.pulses->doubled, (std::vector<host::PulseSpan>{{5, 5}}));
+    EXPECT_EQ(report.pulses->skipped, (Spans{{1, 1}}));
+    EXPECT_EQ(report.pulses->lost, (Spans{{3, 4}}));
+    EXPECT_EQ(report.pulses->doubled, (Spans{{5, 5}}));
     EXPECT_EQ(report.pulses->misplaced, 1u);
     EXPECT_EQ(report.lost, 2u) << "frames 3 and 4";
     EXPECT_EQ(report.doubled, 0u) << "no frame number came twice";
 }
 
-TEST(RecordingStatistics, CountsMissingPulsesAsLostFramesWithoutStamps) {
+TEST(RecordingStatistics, CountsMissingPulsesAsLostOrSkippedWithoutStamps) {
     RecordingStatistics statistics(false, 50.0, host::TimeBase::Pulses);
     for (const std::int64_t pulse : {3, 4, 8, 8, 9}) add(statistics, pulse, 0, {});
-    EXPECT_EQ(statistics.report(0).lost, 3u);
-    EXPECT_EQ(statistics.report(0).pulses->lost, (std::vector<host::PulseSpan>{{5, 7}}));
+    addEnd(statistics, 12, 12, {});
+    EXPECT_EQ(statistics.report(0).lost, 8u);  // 0 to 2, 5 to 7, 10 and 11
+    EXPECT_EQ(statistics.lost(0), 0u) << "none for certain";
+    EXPECT_EQ(statistics.report(0).pulses->unclear, (Spans{{0, 2}, {5, 7}, {10, 11}}));
+    EXPECT_TRUE(statistics.report(0).pulses->lost.empty());
     EXPECT_FALSE(RecordingStatistics(true, 50.0).report(0).pulses);
+}
+
+TEST(RecordingStatistics, TellsTheLossesBeforeTheFirstFrameOfATriggeredCamera) {
+    RecordingStatistics lost(true, 50.0, host::TimeBase::Pulses);
+    addPulse(lost, 3, 4);
+    EXPECT_EQ(lost.report(0).lost, 3u);
+    EXPECT_EQ(lost.report(0).pulses->lost, (Spans{{0, 2}}));
+    RecordingStatistics skipped(true, 50.0, host::TimeBase::Pulses);
+    addPulse(skipped, 3, 1);
+    EXPECT_EQ(skipped.report(0).lost, 0u);
+    EXPECT_EQ(skipped.report(0).pulses->skipped, (Spans{{0, 2}}));
+    RecordingStatistics goesOn(true, 50.0, host::TimeBase::Pulses);
+    addPulse(goesOn, 0, 5001);
+    EXPECT_EQ(goesOn.report(0).lost, 0u) << "a camera that goes on counting from before";
+    RecordingStatistics free(true, 50.0);
+    add(free, 100'000'000, 0, stamp(4, 0));
+    EXPECT_EQ(free.report(0).lost, 0u) << "without a trigger the recording begins with its first frame";
+}
+
+TEST(RecordingStatistics, TellsThePulseThatIsLostAtTheVeryEnd) {
+    RecordingStatistics statistics(true, 100.0, host::TimeBase::Pulses);
+    for (std::int64_t pulse = 0; pulse < 499; ++pulse) {
+        addPulse(statistics, pulse, static_cast<std::uint64_t>(pulse) + 1);
+    }
+    addEnd(statistics, 500, 500, stamp(501, 0));
+    const ChannelReport report = statistics.report(0);
+    EXPECT_EQ(report.frames, 499u);
+    EXPECT_EQ(report.lost, 1u);
+    EXPECT_EQ(report.pulses->lost, (Spans{{499, 499}}));
+}
+
+TEST(RecordingStatistics, TellsWhatIsSkippedAtTheVeryEnd) {
+    RecordingStatistics statistics(true, 100.0, host::TimeBase::Pulses);
+    addPulse(statistics, 0, 1);
+    addEnd(statistics, 4, 3, stamp(2, 0));
+    EXPECT_EQ(statistics.report(0).lost, 0u);
+    EXPECT_EQ(statistics.report(0).pulses->skipped, (Spans{{1, 2}})) << "3 is behind the end";
+}
+
+TEST(RecordingStatistics, LeavesOutWhatIsLostBehindTheEnd) {
+    RecordingStatistics pulses(true, 100.0, host::TimeBase::Pulses);
+    addPulse(pulses, 0, 1);
+    addEnd(pulses, 4, 2, stamp(5, 0));
+    EXPECT_EQ(pulses.report(0).lost, 1u) << "1, but not 2 and 3";
+    EXPECT_EQ(pulses.report(0).lostBehindEnd, 2u);
+    EXPECT_EQ(pulses.report(0).pulses->lost, (Spans{{1, 1}}));
+
+    // Frames every 20 ms, 3 to 5 missing at 60, 80 and 100 ms, the end at 90 ms.
+    RecordingStatistics free(true, 50.0);
+    add(free, 40'000'000, 0, stamp(2, 0));
+    addEnd(free, 120'000'000, 90'000'000, stamp(6, 0));
+    EXPECT_EQ(free.report(0).lost, 2u);
+    EXPECT_EQ(free.report(0).lostBehindEnd, 1u);
+    RecordingStatistics whole(true, 50.0);
+    add(whole, 80'000'000, 0, stamp(5, 0));
+    addEnd(whole, 100'000'000, 90'000'000, stamp(6, 0));
+    EXPECT_EQ(whole.report(0).lost, 0u);
+}
+
+TEST(RecordingStatistics, TellsTheEndFromTheTimeWhereItHasNoStamp) {
+    RecordingStatistics without(false, 50.0);
+    add(without, 0, 0, {});
+    addEnd(without, 60'000'000, 55'000'000, {});
+    EXPECT_EQ(without.report(0).lost, 2u);  // at 20 and 40 ms
+    RecordingStatistics unread(true, 50.0);
+    add(unread, 0, 0, stamp(1, 0));
+    addEnd(unread, 60'000'000, 55'000'000, {});
+    EXPECT_EQ(unread.report(0).lost, 2u);
+}
+
+TEST(RecordingStatistics, TakesFramesRefusedBeforeTheEndForPartOfItsGap) {
+    RecordingStatistics statistics(true, 50.0);
+    add(statistics, 0, 0, stamp(1, 0));
+    addEnd(statistics, 80'000'000, 80'000'000, stamp(5, 0), 2);  // 2, 3, 4 missing, two of them in the host
+    EXPECT_EQ(statistics.report(2).lost, 3u);
+    EXPECT_EQ(statistics.lost(2), 3u);
+}
+
+TEST(RecordingStatistics, CountsAFrameWithoutAReadableStampAsRecordedOnly) {
+    RecordingStatistics statistics(true, 50.0);
+    add(statistics, 0, 0, stamp(1, 0));
+    add(statistics, 20'000'000, 0, {});
+    add(statistics, 60'000'000, 0, stamp(4, 0));
+    const ChannelReport report = statistics.report(0);
+    EXPECT_EQ(report.frames, 3u);
+    EXPECT_EQ(report.lost, 1u) << "of 2 and 3 one was recorded";
+    EXPECT_EQ(report.mismatches, 1u);
+}
+
+TEST(RecordingStatistics, FollowsNumbersOf16BitsAndRestarts) {
+    RecordingStatistics wraps(true, 50.0);
+    for (const std::uint64_t id : {65534u, 65535u, 1u, 2u}) add(wraps, 0, 0, stamp(id, 0));
+    EXPECT_EQ(wraps.report(0).lost + wraps.report(0).doubled + wraps.report(0).restarts, 0u);
+    RecordingStatistics restarts(true, 50.0);
+    for (const std::uint64_t id : {99u, 100u, 1u, 2u, 5u}) add(restarts, 0, 0, stamp(id, 0));
+    EXPECT_EQ(restarts.report(0).restarts, 1u);
+    EXPECT_EQ(restarts.report(0).doubled, 0u);
+    EXPECT_EQ(restarts.report(0).lost, 2u) << "3 and 4";
 }
 
 }  // namespace

@@ -211,12 +211,38 @@ TEST_F(RecordingTest, EndsAfterItsPatienceAndNamesTheSilentChannel) {
     EXPECT_EQ(report.channels[1].frames, 3u);
 }
 
-TEST_F(RecordingTest, KeepsWhatIsThereWhenInterrupted) {
+TEST_F(RecordingTest, LeavesNothingBehindWhenInterruptedBeforeItBegins) {
+    m_hooks.isInterrupted = [] { return true; };
+    const HostFailure error = failure(options());
+    EXPECT_EQ(error.code(), ExitCode::Interrupted);
+    EXPECT_STREQ(error.what(), "Interrupted before the recording began; nothing was recorded.");
+    EXPECT_TRUE(files().empty());
+    EXPECT_THAT(m_creator.m_calls, testing::Not(testing::Contains("startAcquisition")));
+    EXPECT_TRUE(plugin().m_sinks.empty());
+}
+
+TEST_F(RecordingTest, TellsOfAPictureThatCannotBeWritten) {
     setStart([this] {
-        deliver(0, 5);
+        for (const auto& [id, sink] : plugin().m_sinks) deliver(id, 51);
+        std::filesystem::create_directory(m_directory.path() / "out" / "channel-1-last.png");
         return true;
     });
-    m_hooks.isInterrupted = [] { return true; };
+    const RecordingReport report = record();
+    EXPECT_THAT(report.pictureFiles,
+                ElementsAre("channel-0-first.png", "channel-0-last.png", "channel-1-first.png"));
+    EXPECT_THAT(report.failedPictures, ElementsAre("channel-1-last.png"));
+    EXPECT_THAT(m_told, ElementsAre("The picture channel-1-last.png could not be written; the frames "
+                                    "themselves are intact."));
+}
+
+TEST_F(RecordingTest, KeepsWhatIsThereWhenInterrupted) {
+    bool hasStarted = false;
+    setStart([&] {
+        deliver(0, 5);
+        hasStarted = true;
+        return true;
+    });
+    m_hooks.isInterrupted = [&] { return hasStarted; };
     const RecordingReport report = record();
     EXPECT_EQ(report.outcome, Outcome::Interrupted);
     EXPECT_EQ(report.channels[0].frames, 5u);
@@ -283,7 +309,7 @@ TEST_F(RecordingTest, CountsInPulsesWhenTheCameraIsTriggered) {
     const RecordingReport report = record(triggered);
     EXPECT_EQ(report.channels[0].frames, 3u) << "pulses 0, 1 and 3";
     EXPECT_FALSE(report.channels[0].silent);
-    EXPECT_EQ(report.channels[0].pulses->lost, (std::vector<host::PulseSpan>{{2, 2}}));
+    EXPECT_EQ(report.channels[0].pulses->unclear, (std::vector<host::PulseSpan>{{2, 2}}));
     EXPECT_EQ(test_support::readFile(triggered.directory / "channel-1.csv"),
               "frame,pulse,offset,bytes\n0,0,0,8\n1,1,8,8\n2,3,16,8\n");
 }

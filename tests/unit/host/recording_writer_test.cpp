@@ -17,7 +17,8 @@ namespace {
 /// Takes the first byte of a picture for its number and the second for a flaw.
 class FakeReader : public host::IfStampReader {
   public:
-    VmbError_t read(const void* image, std::uint64_t, VmbSimFrameStamp& stamp) const override {
+    VmbError_t read(const void* image, std::uint64_t size, VmbSimFrameStamp& stamp) const override {
+        if (size < 2) return VmbErrorNotFound;
         unsigned char bytes[2];
         std::memcpy(bytes, image, 2);
         stamp = {};
@@ -32,6 +33,9 @@ class RecordingWriterTest : public testing::Test {
         ChannelInfo info;
         info.id = id;
         info.rate = 50;
+        info.format = "Y800";
+        info.width = 8;
+        info.height = 9;  // 72 bytes have room for a stamp
         return info;
     }
     void addSample(RecordingSink& sink, std::int64_t time, char number, char flaw = 0) {
@@ -98,6 +102,51 @@ TEST_F(RecordingWriterTest, ReadsTheStampOfEveryFrame) {
     EXPECT_EQ(report.mismatches, 1u);
     EXPECT_EQ(report.lost, 2u);
     EXPECT_EQ(writer.lost(), 2u);
+}
+
+TEST_F(RecordingWriterTest, ReadsTheStampOfTheFrameThatMarksTheEndAndDoesNotWriteIt) {
+    const FakeReader reader;
+    RecordingWriter writer(&reader);
+    begin(writer);
+    addSample(m_first, 0, 1);
+    addSample(m_first, 1001, 4);
+    writer.start();
+    writer.finish();
+    const auto report = writer.reports()[0];
+    EXPECT_EQ(report.frames, 1u);
+    EXPECT_EQ(report.lost, 2u);
+    EXPECT_FALSE(report.silent);
+    EXPECT_EQ(writer.frames(), 1u);
+    EXPECT_EQ(file("channel-0.raw"), std::string("\1\0", 2));
+}
+
+TEST_F(RecordingWriterTest, LooksForNoStampInPicturesThatHaveNoRoomForIt) {
+    const FakeReader reader;
+    RecordingWriter writer(&reader);
+    ChannelInfo small = channel(0);
+    small.height = 8;  // 64 bytes
+    m_first.makeRing(100, 2);
+    writer.addChannel(small, m_first, m_directory.path());
+    addSample(m_first, 0, 1);
+    writer.start();
+    writer.finish();
+    EXPECT_TRUE(writer.reports()[0].tooSmall);
+    EXPECT_FALSE(writer.reports()[0].stamped);
+    EXPECT_EQ(writer.reports()[0].mismatches, 0u);
+    EXPECT_EQ(file("channel-0.csv"), "frame,host_time_ns,offset,bytes\n0,0,0,2\n");
+}
+
+TEST_F(RecordingWriterTest, TellsFramesThatAreTooLargeFromThoseThatFoundNoRoom) {
+    RecordingWriter writer(nullptr);
+    begin(writer, 1);
+    addSample(m_first, 0, 1);
+    addSample(m_first, 1, 2);
+    m_first.addSample(2, "abc", 3);
+    writer.start();
+    writer.finish();
+    EXPECT_EQ(writer.reports()[0].lostInHost, 2u);
+    EXPECT_EQ(writer.reports()[0].tooLarge, 1u);
+    EXPECT_FALSE(writer.reports()[0].tooSmall);
 }
 
 TEST_F(RecordingWriterTest, CountsFramesThatFoundNoRoom) {

@@ -154,8 +154,71 @@ TEST(Session, GivesUpAfterItsAttempts) {
     EXPECT_EQ(creator.m_calls.back(), "unload");
 }
 
-TEST(Session, WaitsAboutTwoSecondsForADevice) {
+TEST(Session, WaitsAboutTwoSecondsForADeviceAndHalfASecondForMore) {
     EXPECT_EQ(host::patientOptions().attempts, 40);  // with 50 ms in between
+    EXPECT_EQ(host::patientOptions().quietEnumerations, 10);
+}
+
+/// Cameras that answer one after the other, at these enumerations.
+class SlowNetwork {
+  public:
+    explicit SlowNetwork(std::vector<int> answers) : m_answers(std::move(answers)) {
+        m_creator.m_plugin->m_behaviour["enumerateDevices"] = [this] {
+            ++m_enumerations;
+            for (std::size_t id = 0; id < m_answers.size(); ++id) {
+                if (m_answers[id] == m_enumerations) {
+                    m_creator.m_plugin->addChannel(static_cast<std::uint32_t>(id));
+                }
+            }
+            return true;
+        };
+        m_options.pause = [] { return true; };
+        m_options.quietEnumerations = 3;
+    }
+    /// The channels found.
+    std::size_t search(std::unique_ptr<host::VendorProbe> vendor = noVendor()) {
+        Session session(m_creator.source(), m_options, std::move(vendor));
+        return session.readChannels().size();
+    }
+
+    FakeCreator m_creator;
+    SessionOptions m_options;
+    int m_enumerations = 0;
+
+  private:
+    std::vector<int> m_answers;
+};
+
+TEST(Session, GoesOnUntilNoNewCameraHasAnsweredForAWhile) {
+    SlowNetwork network({2, 5, 9});
+    EXPECT_EQ(network.search(), 2u) << "the third one takes four enumerations more, one too many";
+    EXPECT_EQ(network.m_enumerations, 8);
+    SlowNetwork quick({2, 5, 8});
+    EXPECT_EQ(quick.search(), 3u);
+    EXPECT_EQ(quick.m_enumerations, 11);
+}
+
+TEST(Session, GoesOnUntilTheChosenCamerasAreThere) {
+    SlowNetwork network({1, 30, 12});
+    network.m_options.wanted = {0, 2};
+    EXPECT_EQ(network.search(), 2u);
+    EXPECT_EQ(network.m_enumerations, 12);
+    SlowNetwork without({1});
+    without.m_options.wanted = {0, 7};
+    EXPECT_EQ(without.search(), 1u) << "who chooses the channels says that one is missing";
+    EXPECT_EQ(without.m_enumerations, without.m_options.attempts);
+}
+
+const char* scenarioName() {
+    return "two-cameras";
+}
+
+TEST(Session, DoesNotWaitForMoreSimulatedCameras) {
+    SlowNetwork network({1, 2});
+    auto library = std::make_shared<host_test::FakeLibrary>(network.m_creator.m_calls);
+    library->m_symbols["VmbSimScenarioName"] = reinterpret_cast<void*>(&scenarioName);
+    EXPECT_EQ(network.search(std::make_unique<host::VendorProbe>(library)), 1u);
+    EXPECT_EQ(network.m_enumerations, 1);
 }
 
 TEST(Session, StopsAskingWhenInterrupted) {

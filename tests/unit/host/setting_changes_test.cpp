@@ -54,6 +54,12 @@ class SettingChanges : public testing::Test {
                                                     std::make_unique<host::VendorProbe>(nullptr));
     }
 
+    void addTriggerModes() {
+        for (const std::uint32_t id : {0u, 1u}) {
+            channel(id).add(config_keys::kCameraTriggerMode, textItem("GIGE/TriggerModeFixed"),
+                            choice("GIGE/TriggerModeAux"), choice("GIGE/TriggerModeFixed"));
+        }
+    }
     host_test::FakeChannel& channel(std::uint32_t id) { return *m_creator.m_plugin->m_channels.at(id); }
     double number(std::uint32_t id, const char* key) {
         return boost::get<ScalarConfigItem>(channel(id).m_items.at(key)).m_value;
@@ -121,6 +127,34 @@ TEST_F(SettingChanges, ThatDependOnEachOtherComeInAnyOrder) {
               "--set: Offset of channel 0 cannot be 100; it goes from 0 to 99 pixel.");
 }
 
+TEST_F(SettingChanges, ThatAreReadOnlyOrNotThereOrRefusedForNowAreTriedAgain) {
+    channel(0).m_constraints["Group/Gain"] = {std::make_shared<channel_config::ReadOnlyConstraint>(true)};
+    channel(0).m_set = [&](const std::string& key, const host_test::ConfigItemVariant& value) {
+        if (key == "Offset" && number(0, "Width") != 8) return false;
+        channel(0).m_items[key] = value;
+        if (key == "Mode") {
+            channel(0).m_constraints["Group/Gain"] = {range(0, 26)};
+            channel(0).add("Level", ScalarConfigItem(0), range(0, 9));
+        }
+        return true;
+    };
+    EXPECT_THAT(carryOut({set("Group/Gain", "3"), set("Level", "4"), set("Offset", "0"), set("Width", "8"),
+                          set("Mode", "On")}),
+                ElementsAre("channel 0: Width is 8 pixel now", "channel 0: Mode is On now",
+                            "channel 0: Group/Gain is 3 now", "channel 0: Level is 4 now",
+                            "channel 0: Offset is 0 pixel now"));
+}
+
+TEST_F(SettingChanges, OfOneCameraUnderTwoNamesAreRefused) {
+    auto first = set("Width", "8", "0");
+    auto second = set("Width", "16", "DEV_0");
+    first.origin = "rig.txt:2";
+    second.origin = "rig.txt:5";
+    EXPECT_EQ(complaint({first, set("Width", "24", "1"), set("Width", "32"), second}, ExitCode::SettingsFile),
+              "rig.txt:5: Width of channel 0 stands at rig.txt:2 too; take one out.");
+    EXPECT_EQ(number(0, "Width"), 640);
+}
+
 TEST_F(SettingChanges, OfAnUnknownKeyNameTheNearestOnes) {
     EXPECT_EQ(
         complaint({set("gain", "3")}),
@@ -184,16 +218,14 @@ TEST_F(SettingChanges, RunActions) {
 }
 
 TEST_F(SettingChanges, EndWithTheFirstThatIsWrong) {
-    EXPECT_THAT(complaint({set("Width", "8"), set("None", "1"), set("Group/Gain", "5")}), HasSubstr("None"));
+    EXPECT_THAT(complaint({set("Width", "8"), set("Offset", "far"), set("Group/Gain", "5")}),
+                HasSubstr("\"far\""));
     EXPECT_EQ(number(0, "Width"), 8);
     EXPECT_EQ(number(0, "Group/Gain"), 0);
 }
 
 TEST_F(SettingChanges, OfASetupComeBehindTheSwitchingAndTheTriggeredMode) {
-    for (const std::uint32_t id : {0u, 1u}) {
-        channel(id).add(config_keys::kCameraTriggerMode, textItem("GIGE/TriggerModeFixed"),
-                        choice("GIGE/TriggerModeAux"), choice("GIGE/TriggerModeFixed"));
-    }
+    addTriggerModes();
     host::CameraSetup setup;
     setup.channels = {1};
     setup.aux = host::Fraction{30000, 1001};
@@ -208,6 +240,53 @@ TEST_F(SettingChanges, OfASetupComeBehindTheSwitchingAndTheTriggeredMode) {
     EXPECT_THAT(texts, ElementsAre("channel 1: CAMERA/TriggerMode is GIGE/TriggerModeAux now",
                                    "channel 1: Width is 8 pixel now"));
     EXPECT_EQ(number(0, "Width"), 640);
+}
+
+TEST_F(SettingChanges, OfAFileDoNotUndoTheTriggeredMode) {
+    addTriggerModes();
+    host::CameraSetup setup;
+    setup.aux = host::Fraction{20, 1};
+    auto fixed = set(config_keys::kCameraTriggerMode, "GIGE/TriggerModeFixed", "DEV_1");
+    auto rate = set(config_keys::kCameraFrameSetting, "40", "DEV_1");
+    fixed.origin = "rig.txt:2";
+    rate.origin = "rig.txt:3";
+    const auto aux = set(config_keys::kCameraTriggerMode, "GIGE/TriggerModeAux", "0");
+    std::vector<std::string> texts;
+    host::setUpCameras(*m_session, setup, {fixed, aux, rate, set("Width", "8", "1")},
+                       [&](const auto& change) { texts.push_back(host::changeText(change)); });
+    EXPECT_THAT(texts,
+                ElementsAre("channel 0: CAMERA/TriggerMode is GIGE/TriggerModeAux now",
+                            "channel 1: CAMERA/TriggerMode is GIGE/TriggerModeAux now",
+                            "channel 1: CAMERA/TriggerMode = GIGE/TriggerModeFixed was left out (rig.txt:2: "
+                            "--aux decides it)",
+                            "channel 1: CAMERA/FrameSetting = 40 was left out (rig.txt:3: --aux decides it)",
+                            "channel 0: CAMERA/TriggerMode is GIGE/TriggerModeAux now",
+                            "channel 1: Width is 8 pixel now"));
+    EXPECT_EQ(host::readChannelInfo(1, channel(1)).timeBase, host::TimeBase::Pulses);
+    setup.aux.reset();
+    host::setUpCameras(*m_session, setup, {fixed}, [](const auto&) {});
+    EXPECT_EQ(host::readChannelInfo(1, channel(1)).timeBase, host::TimeBase::Nanoseconds);
+}
+
+TEST_F(SettingChanges, OfASetupFailWhenACameraLeavesTheTriggeredMode) {
+    addTriggerModes();
+    channel(1).m_set = [&](const std::string& key, const host_test::ConfigItemVariant& value) {
+        channel(1).m_items[key] = value;
+        if (key == "Width") {
+            channel(1).m_items[config_keys::kCameraTriggerMode] = textItem("GIGE/TriggerModeFixed");
+        }
+        return true;
+    };
+    host::CameraSetup setup;
+    setup.aux = host::Fraction{20, 1};
+    try {
+        host::setUpCameras(*m_session, setup, {set("Width", "8")}, [](const auto&) {});
+        ADD_FAILURE();
+    } catch (const host::HostFailure& failure) {
+        EXPECT_EQ(failure.code(), ExitCode::CameraFailed);
+        EXPECT_THAT(failure.what(), HasSubstr("Channel 1 does not follow the trigger output of --aux "
+                                              "(CAMERA/TriggerMode is GIGE/TriggerModeFixed)"));
+    }
 }
 
 TEST_F(SettingChanges, OfASetupFailWithoutATriggerService) {

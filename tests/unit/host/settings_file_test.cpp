@@ -45,7 +45,18 @@ TEST(SettingsFile, IsOneLinePerSettingUnderTheChannelsLine) {
                                             "rig.txt:7|0|Empty|", "rig.txt:9|DEV_2|FrameWidth|8"));
 }
 
+TEST(SettingsFile, MayBeginWithAByteOrderMark) {
+    const auto orders = host::parseSettingsFile("\xef\xbb\xbf[channel 0]\nGain = 3\n", "rig.txt");
+    ASSERT_EQ(orders.size(), 1u);
+    EXPECT_EQ(orders[0].origin, "rig.txt:2");
+    EXPECT_EQ(orders[0].channel, "0");
+}
+
 TEST(SettingsFile, NamesTheLineThatIsNone) {
+    EXPECT_EQ(complaint("[channels 0]\n"),
+              "rig.txt:1: \"[channels 0]\" is no beginning of a channel's settings; write [channel 0].");
+    EXPECT_EQ(complaint("[channel\t0]\nGain = 3"), "accepted");
+    EXPECT_EQ(complaint("[channel]"), "rig.txt:1: the channel has no id; write [channel 0].");
     EXPECT_EQ(complaint("[channel 0]\nFrameWidth 640\n"),
               "rig.txt:2: \"FrameWidth 640\" is no setting; write KEY = VALUE.");
     EXPECT_EQ(complaint("\n[camera 0]\n"),

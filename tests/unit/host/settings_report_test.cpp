@@ -37,10 +37,13 @@ TEST(SettingsReport, IsATableForEveryChannel) {
 
 TEST(SettingsReport, TellsProgramsSettingsChangesAndMessages) {
     const json result = json::parse(host::settingsJson(
-        {{2, "Width", "643", "640 pixel"}, {2, "ACTION:Once", "", ""}}, {manta()}, {{2, "too wide"}}));
+        {{2, "Width", "643", "640 pixel", ""}, {2, "ACTION:Once", "", "", ""}, {2, "Mode", "On", "", "why"}},
+        {manta()}, {{2, "too wide"}}));
     EXPECT_EQ(result["exit_code"], 0);
     EXPECT_EQ(result["changes"][0],
-              json::parse(R"({"channel": 2, "key": "Width", "asked": "643", "became": "640 pixel"})"));
+              json::parse(R"({"channel": 2, "key": "Width", "asked": "643", "became": "640 pixel",
+                              "left_out": null})"));
+    EXPECT_EQ(result["changes"][2]["left_out"], "why");
     EXPECT_EQ(result["changes"][1]["asked"], nullptr);
     EXPECT_EQ(result["channels"][0]["short_id"], "DEV_2");
     const json settings = result["channels"][0]["settings"];
@@ -59,7 +62,7 @@ TEST(CheckReport, SaysWhetherTheCamerasCanRecord) {
     EXPECT_EQ(json::parse(host::checkJson(result, {}))["exit_code"], 0);
     result = {false, 1, {{0, "too fast"}}};
     EXPECT_EQ(host::checkText(result), "1 channel checked: the cameras cannot record as they are set\n");
-    const json failed = json::parse(host::checkJson(result, {{0, "Width", "8", "8 pixel"}}));
+    const json failed = json::parse(host::checkJson(result, {{0, "Width", "8", "8 pixel", ""}}));
     EXPECT_EQ(failed["exit_code"], 13);
     EXPECT_EQ(failed["passed"], false);
     EXPECT_EQ(failed["error"], host::checkFailure(result));

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "host_failure.h"
+#include "steady_master_clock.h"
 
 using host::Fraction;
 using host::TriggerOutput;
@@ -40,6 +41,19 @@ TEST(TriggerOutput, DrivesTheLineInTheRhythmAskedForUntilItIsStopped) {
     EXPECT_EQ(line.m_silences, 1);
 }
 
+TEST(TriggerOutput, KnowsWhenItsFirstPulseCame) {
+    const FakeLine line;
+    TriggerOutput output(&line, Fraction{50, 1});
+    EXPECT_FALSE(output.pulseStart());
+    const std::int64_t before = host::steadyNanoseconds();
+    output.start();
+    const std::int64_t after = host::steadyNanoseconds();
+    ASSERT_TRUE(output.pulseStart());
+    EXPECT_GE(output.pulseStart()->earliestNs, before + 20'000'000);
+    EXPECT_GE(output.pulseStart()->latestNs, output.pulseStart()->earliestNs);
+    EXPECT_LE(output.pulseStart()->latestNs, after + 20'000'000);
+}
+
 TEST(TriggerOutput, IsStoppedAtItsEnd) {
     const FakeLine line;
     TriggerOutput(&line, Fraction{1000, 1}).start();
@@ -48,7 +62,9 @@ TEST(TriggerOutput, IsStoppedAtItsEnd) {
 
 TEST(TriggerOutput, LeavesTheLineAloneWithoutAFrequency) {
     const FakeLine line;
-    TriggerOutput(&line, std::nullopt).start();
+    TriggerOutput none(&line, std::nullopt);
+    none.start();
+    EXPECT_FALSE(none.pulseStart());
     EXPECT_TRUE(line.m_rhythms.empty());
     EXPECT_EQ(line.m_silences, 0);
     TriggerOutput(nullptr, Fraction{1, 1}).start();

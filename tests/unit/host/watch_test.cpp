@@ -94,7 +94,42 @@ TEST_F(WatchTest, CountsFramesAndTellsLossesByTheCountersDifference) {
 TEST_F(WatchTest, EndsAfterItsSeconds) {
     m_hooks.isInterrupted = [] { return false; };
     m_options.seconds = 0.01;
-    EXPECT_GE(watch().seconds, 0.01);
+    const WatchReport report = watch();
+    EXPECT_GE(report.seconds, 0.01);
+    EXPECT_FALSE(report.cutShort);
+    EXPECT_EQ(host::watchCode(report), host::ExitCode::Ok);
+}
+
+TEST_F(WatchTest, IsCutShortOnlyWhenItHadAnEnd) {
+    EXPECT_FALSE(watch().cutShort);
+    m_options.seconds = 600;
+    m_asked = 0;
+    const WatchReport report = watch();
+    EXPECT_TRUE(report.cutShort);
+    EXPECT_EQ(host::watchCode(report), host::ExitCode::Interrupted);
+    EXPECT_THAT(host::watchFailure(report), testing::MatchesRegex("Interrupted after 0\\.[0-9] s\\."));
+}
+
+TEST_F(WatchTest, DoesNotCallAFrameLostThatIsBeingCounted) {
+    plugin().m_behaviour["startAcquisition"] = [this] {
+        frame(2, 1);
+        count(kSent, 3);
+        return true;
+    };
+    // At the first look a frame counts as sent and not as received, at the second one it has been received
+    // and the next two are missing, at the third one it is still so.
+    m_hooks.isInterrupted = [this] {
+        ++m_asked;
+        if (m_asked == 2) {
+            count(kReceived, 2);
+            frame(6, 3);
+        }
+        return m_asked == 4;
+    };
+    watch();
+    ASSERT_EQ(m_shown.size(), 3u);
+    EXPECT_EQ(m_shown[0].channels[0].lost, 0u);
+    EXPECT_EQ(m_shown[2].channels[0].lost, 2u);
 }
 
 TEST_F(WatchTest, SaysWhyTheCamerasCannotBeStartedOrStopped) {
