@@ -27,7 +27,7 @@ struct Call {
         return oneOf("interface", ids);
     }
     std::string oneOf(const char* key, const std::vector<std::string>& allowed) const {
-        const std::string name = text(key);
+        std::string name = text(key);
         const bool known = std::find(allowed.begin(), allowed.end(), name) != allowed.end();
         if (!known) refuseUnknown(at / key, key, name, allowed);
         return name;

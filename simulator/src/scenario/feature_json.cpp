@@ -76,7 +76,7 @@ FeatureProbe::FeatureProbe(const CameraRow& row)
 
 PowerUpValue FeatureProbe::preset(const std::string& name, const Json& value, const Place& at) {
     const Feature& feature = findFeature(m_camera.features(), name, at);
-    const PowerUpValue preset{feature.row.name, valueOf(feature, value, at)};
+    PowerUpValue preset{feature.row.name, valueOf(feature, value, at)};
     const Result result = m_camera.preset(preset);
     if (result == Result::InvalidAccess) {
         refuse(at, "the feature has no power-up value that a scenario could choose; an event can force it");

@@ -30,11 +30,12 @@ class Checker {
         if (rules.contains("type")) checkType(rules["type"], value, at);
         // Then the keys: a misspelt one is not just missing.
         if (value.is_object()) checkKeys(rules, value, at);
-        for (const auto& [keyword, rule] : rules.items()) {
+        for (const auto& entry : rules.items()) {
+            const std::string& keyword = entry.key();
             const auto row = std::find_if(std::begin(kKeywords), std::end(kKeywords),
                                           [&](const Keyword& known) { return keyword == known.name; });
             if (row == std::end(kKeywords)) throw std::logic_error("the schema has an unknown " + keyword);
-            if (row->check != nullptr) (this->*row->check)(rule, value, at);
+            if (row->check != nullptr) (this->*row->check)(entry.value(), value, at);
         }
     }
 
