@@ -140,84 +140,12 @@ TEST_F(PluginTest, AnswersFalseWhileNotInitialized) {
     EXPECT_FALSE(plugin->isAcquiring());
 }
 
-TEST_F(PluginTest, NumbersTheFirstCamerasFromZero) {
-    const LogCapture log(UniLogSeverityLevel::Detail);
-    enumerate();
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
-    EXPECT_THAT(log.texts(UniLogSeverityLevel::Detail), Contains("Enumerating available GigE devices"));
-    EXPECT_EQ(text(0, config_keys::kShortId), kColourCamera);
-    EXPECT_EQ(text(1, config_keys::kShortId), kMonochromeCamera);
-    EXPECT_TRUE(plugin->isReadyForAcquisition());
-}
-
-TEST_F(PluginTest, KeepsTheChannelsOfCamerasThatStay) {
-    enumerate();
-    const auto before = plugin->getChannel(0);
-    plugin->enumerateDevices();
-    EXPECT_EQ(plugin->getChannel(0), before);
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
-}
-
-TEST_F(PluginTest, FindsChannelsByCameraId) {
-    enumerate();
-    EXPECT_EQ(plugin->findChannelId(kColourCamera), 0u);
-    EXPECT_EQ(plugin->findChannelId(kMonochromeCamera), 1u);
-    EXPECT_EQ(plugin->findChannelId("dev_000f31a10001"), kNoChannel);
-    EXPECT_EQ(plugin->findChannelId(""), kNoChannel);
-}
-
 TEST_F(PluginTest, HasNoConfigurationForAnUnknownChannel) {
     enumerate();
     EXPECT_EQ(plugin->getChannelConfig(kNoChannel), nullptr);
     EXPECT_EQ(plugin->getChannelConfig(2), nullptr);
     EXPECT_EQ(plugin->getChannel(2), nullptr);
     EXPECT_EQ(plugin->getChannel(1), plugin->getChannelConfig(1));
-}
-
-TEST_F(PluginTest, DropsAVanishedCameraAtTheNextEnumerationNotBefore) {
-    enumerate();
-    VmbSimUnplugCamera(kColourCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
-    plugin->enumerateDevices();
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(1u));
-}
-
-TEST_F(PluginTest, NumbersOnFromTheLargestIdThereWasBeforeTheRemoval) {
-    enumerate();
-    VmbSimUnplugCamera(kMonochromeCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    plugin->enumerateDevices();
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u));
-    VmbSimPlugCamera(kMonochromeCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    plugin->enumerateDevices();
-    // 1 was the largest id when it was dropped, so it is free again.
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
-    VmbSimUnplugCamera(kColourCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    plugin->enumerateDevices();
-    VmbSimPlugCamera(kColourCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    plugin->enumerateDevices();
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(1u, 2u));
-}
-
-TEST_F(PluginTest, PassesOnThatTheCamerasCannotBeListedBeforeAnythingChanged) {
-    enumerate();
-    VmbSimFailCall("VmbCamerasList", nullptr, 1, VmbErrorOther);
-    EXPECT_THROW(plugin->enumerateDevices(), zelt_gige_api::CameraApiError);
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
-}
-
-TEST_F(PluginTest, RefusesAFrameCounterSettingOfAnotherKindAfterTheRemovals) {
-    enumerate();
-    VmbSimUnplugCamera(kColourCamera);
-    VmbSimWaitForEvents(kPatienceMs);
-    plugin->getPluginConfig()->setItem("FrameCounterChannels",
-                                       config_items::SingleValueConfigItem<std::string>("yes"));
-    EXPECT_THROW(plugin->enumerateDevices(), boost::bad_get);
-    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(1u));
 }
 
 TEST_F(PluginTest, LogsCamerasThatComeAndGoAndTellsTheChannel) {
