@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "simulator.h"
+#include "zelt_gige_camera_channel_rows.h"
 
 namespace test_support {
 
@@ -46,6 +47,16 @@ inline std::vector<Fault> faultsOfJournal() {
     return faults;
 }
 
+inline bool isOptional(const std::string& feature) {
+    for (const zelt_gige_camera::NumberRow& row : zelt_gige_camera::numberRows()) {
+        if (feature == row.feature) return row.optional;
+    }
+    for (const zelt_gige_camera::AutoRow& row : zelt_gige_camera::autoRows()) {
+        if (feature == row.feature) return true;
+    }
+    return feature == "WidthMax" || feature == "HeightMax";
+}
+
 /// What a camera need not have, or need not tell, fails without a word.
 inline bool mayFailSilently(const Fault& fault) {
     for (const char* query : {"VmbFeatureIntRangeQuery", "VmbFeatureIntIncrementQuery",
@@ -54,11 +65,7 @@ inline bool mayFailSilently(const Fault& fault) {
         if (fault.function == query) return true;
     }
     const bool isRead = fault.function.find("Get") != std::string::npos;
-    for (const char* optional :
-         {"ExposureAuto", "ExposureAutoMax", "GainAuto", "GainAutoAdjustTol", "GainAutoRate", "Gamma", "Hue",
-          "Saturation", "BalanceWhiteAuto", "BalanceRatioAbs", "WidthMax", "HeightMax"}) {
-        if (isRead && fault.argument == optional) return true;
-    }
+    if (isRead && isOptional(fault.argument)) return true;
     // Best effort, as the packet size and the selector of a ratio that is only read.
     return (fault.argument == "BalanceRatioSelector" && fault.beforeRead) ||
            fault.argument == "GVSPAdjustPacketSize";

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "feature_fixture.h"
+
 namespace {
 
 using namespace zelt_gige_camera;
@@ -73,6 +75,19 @@ TEST(NumberRows, AreTheseInTheOrderOfTheSettings) {
         EXPECT_EQ(std::string(row.whole ? "whole" : "real") + (row.optional ? ", may lack" : ""),
                   expected.kind);
         EXPECT_EQ(row.value, expected.value);
+    }
+}
+
+TEST(FakeCamera, HasTheFeatureOfEveryRow) {
+    test_support::FakeCameraApi camera;
+    test_support::addEveryFeature(camera);
+    for (const NumberRow& row : numberRows()) {
+        const std::string selector = row.selector != nullptr ? "[" + std::string(row.selector) + "]" : "";
+        EXPECT_TRUE(camera.features.count(row.feature + selector) == 1)
+            << row.feature << ": add it to addEveryFeature";
+    }
+    for (const AutoRow& row : autoRows()) {
+        EXPECT_TRUE(camera.features.count(row.feature) == 1) << row.feature << ": add it to addEveryFeature";
     }
 }
 
