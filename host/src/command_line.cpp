@@ -23,6 +23,7 @@ struct Texts {
     std::string from;
     std::string to;
     std::string aux;
+    std::string maxSpread;
     std::vector<std::string> channels;
     std::vector<std::string> sets;
     std::vector<std::string> actions;
@@ -44,6 +45,7 @@ enum Options : unsigned {
     kTo = 1u << 7u,
     kAux = 1u << 8u,
     kCounters = 1u << 9u,
+    kMaxSpread = 1u << 10u,
 };
 
 struct CommandRow {
@@ -60,7 +62,7 @@ constexpr std::array<CommandRow, 6> kCommands{{
     {Command::Check, "check", "tell whether the cameras can record together as they are set",
      kChannels | kChanges | kAux},
     {Command::Record, "record", "record pictures of the cameras with their times",
-     kSecondsNeeded | kOutDirectory | kChannels | kChanges | kAux | kCounters},
+     kSecondsNeeded | kOutDirectory | kChannels | kChanges | kAux | kCounters | kMaxSpread},
     {Command::Watch, "watch", "run the cameras without recording and show how they do",
      kSeconds | kChannels | kChanges | kAux},
     {Command::Topology, "topology", "print the description of the measurement hardware", kOutFile},
@@ -75,7 +77,7 @@ struct TextRow {
     const char* description;
 };
 
-const std::array<TextRow, 7> kTexts{{
+const std::array<TextRow, 8> kTexts{{
     {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording"},
     {kSeconds, "--seconds", "N", &Texts::seconds, false, "how long to watch (default: until Ctrl-C)"},
     {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording"},
@@ -84,6 +86,8 @@ const std::array<TextRow, 7> kTexts{{
     {kTo, "--to", "FILE", &Texts::to, false, "write what can be changed to this settings file"},
     {kAux, "--aux", "HZ", &Texts::aux, false,
      "the cameras follow a trigger output of this frequency, such as 100 or 30000/1001"},
+    {kMaxSpread, "--max-spread", "US", &Texts::maxSpread, false,
+     "microseconds within which the times of 99 % of the frames must lie (default: 1000)"},
 }};
 
 struct ListRow {
@@ -193,6 +197,7 @@ void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     const auto actions = parseActions(texts.actions);
     line.cameras.orders.insert(line.cameras.orders.end(), actions.begin(), actions.end());
     if (isGiven(app, "--aux")) line.cameras.aux = parseFrequency(texts.aux);
+    if (isGiven(app, "--max-spread")) line.maxSpreadNs = parseMaxSpread(texts.maxSpread);
     refuseContradictions(line.cameras);
 }
 

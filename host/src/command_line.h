@@ -6,6 +6,7 @@
 
 #include "camera_setup.h"
 #include "log_console.h"
+#include "recording_report.h"
 
 namespace host {
 
@@ -22,6 +23,7 @@ struct CommandLine {
     std::filesystem::path out;  ///< directory of a recording, file of a topology
     std::filesystem::path to;   ///< settings file to write; empty for none
     bool counters = false;
+    std::int64_t maxSpreadNs = kMaxSpreadNs;
     CameraSetup cameras;
 };
 

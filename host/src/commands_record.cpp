@@ -33,7 +33,8 @@ RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
 }
 
 RecordingReport record(const CommandLine& line, Console& console, Progress& last) {
-    RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras)};
+    RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras),
+                             line.maxSpreadNs};
     Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels, line.counters));
     if (!line.json) console.print(session.title() + '\n' + devicesText(session.readChannels()));
     Recording recording(session, std::move(options), makeHooks(console, line.json, last));

@@ -1,6 +1,7 @@
 #include "option_values.h"
 
 #include <charconv>
+#include <cmath>
 
 #include "exit_codes.h"
 #include "host_failure.h"
@@ -37,6 +38,15 @@ double parseSeconds(const std::string& text) {
         throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");
     }
     return seconds;
+}
+
+std::int64_t parseMaxSpread(const std::string& text) {
+    double microseconds = 0;
+    if (!parseWhole(text, microseconds) || !(microseconds >= 0.001 && microseconds <= 1e6)) {
+        throw bad("--max-spread takes a number of microseconds from 0.001 to 1000000, such as 1000, not \"" +
+                  text + "\".");
+    }
+    return std::llround(microseconds * 1000);
 }
 
 std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts) {

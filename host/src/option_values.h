@@ -16,6 +16,8 @@ namespace host {
 double parseSeconds(const std::string& text);
 std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts);
 LogLevel parseLevel(const std::string& text);
+/// Microseconds, from a nanosecond to a second; in nanoseconds.
+std::int64_t parseMaxSpread(const std::string& text);
 /// "KEY=VALUE" each.
 std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts);
 /// Keys of actions.

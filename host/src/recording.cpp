@@ -150,6 +150,7 @@ void Recording::finishReport(RecordingReport& report) {
     report.vendorVersion = m_session.vendor().version();
     report.scenario = m_session.vendor().scenario();
     report.seconds = m_options.seconds;
+    report.maxSpreadNs = m_options.maxSpreadNs;
     report.directory = m_options.directory.string();
     report.channels = m_writer.reports(m_acquisition.pulseStart());
     for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());

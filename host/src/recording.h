@@ -18,6 +18,7 @@ struct RecordingOptions {
     std::filesystem::path directory;
     CameraSetup cameras;
     std::vector<SettingOrder> orders;  ///< all of them, those of the file included
+    std::int64_t maxSpreadNs = kMaxSpreadNs;
     /// How long after its end a recording waits for a channel that has not got there.
     std::chrono::nanoseconds grace = std::chrono::seconds(3);
 };

@@ -11,6 +11,13 @@
 
 namespace host {
 
+/// How late a thread may wake up on a system that is no real-time one: a clock fit has only the moment of a
+/// frame's callback to go by. Far below what any part of the way takes.
+inline constexpr std::int64_t kLateThreadNs = 500'000;
+
+/// Spread of 99 % of the frames that is good enough unless the user says otherwise.
+inline constexpr std::int64_t kMaxSpreadNs = 1'000'000;
+
 /// Host time of a frame minus the true start of its exposure, over a whole recording.
 struct TimeError {
     std::int64_t constantNs = 0;   ///< median
@@ -18,6 +25,8 @@ struct TimeError {
     std::int64_t delayP99Ns = 0;   ///< 99 % of the frames were handed over this much later than that or less
     std::int64_t spreadP99Ns = 0;  ///< 99 % of the frames lie within this distance of the median
     std::int64_t spreadMaxNs = 0;  ///< all of them do
+    /// Frames whose time is earlier than true start of exposure and way, by more than a thread may be late.
+    std::uint64_t early = 0;
 };
 
 /// What a camera's counters say of the frames recorded.
@@ -43,6 +52,9 @@ struct ChannelReport {
     std::uint64_t matches = 0;
     std::uint64_t mismatches = 0;
     std::optional<TimeError> timeError;
+    /// How much faster recorded time runs than true time, in millionths; of pictures without stamps, than
+    /// frame numbers at the nominal rate. Least squares over all frames; of cameras that run freely.
+    std::optional<double> slopePpm;
     std::optional<PulseReport> pulses;      ///< with a triggered camera
     std::optional<CounterReport> counters;  ///< when they were recorded
     bool silent = false;                    ///< did not reach the end of the recording
@@ -56,6 +68,7 @@ struct RecordingReport {
     std::string vendorVersion;
     std::string scenario;  ///< of the simulator; empty with the vendor's own library
     double seconds = 0;
+    std::int64_t maxSpreadNs = kMaxSpreadNs;  ///< the spread of 99 % of the frames must stay below
     std::string directory;
     Outcome outcome = Outcome::Complete;
     std::string writeFailure;  ///< reason, with Outcome::WriteFailed

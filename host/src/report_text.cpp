@@ -4,6 +4,7 @@
 
 #include "quantity_text.h"
 #include "text_table.h"
+#include "time_checks.h"
 
 namespace host {
 namespace {
@@ -17,6 +18,11 @@ std::string timeErrorText(const ChannelReport& channel) {
     const TimeError& error = *channel.timeError;
     return duration(error.constantNs) + " (" + duration(error.wayNs) + ") / " + duration(error.spreadP99Ns) +
            " / " + duration(error.spreadMaxNs);
+}
+
+std::string sizeText(const ChannelInfo& channel) {
+    if (!channel.isOpen()) return "not open";
+    return std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height);
 }
 
 std::vector<std::string> recordingRow(const ChannelReport& channel) {
@@ -90,8 +96,7 @@ std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels) {
     rows.reserve(channels.size());
     for (const auto& [id, channel] : channels) {
         rows.push_back({std::to_string(id), channel.name, orUnknown(channel.type), orUnknown(channel.format),
-                        std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height),
-                        channel.rate ? decimals(*channel.rate, 2) + " fps" : "n/a"});
+                        sizeText(channel), channel.rate ? decimals(*channel.rate, 2) + " fps" : "n/a"});
     }
     return formatTable({{"id", true}, {"camera"}, {"type"}, {"format"}, {"size"}, {"rate", true}}, rows);
 }
@@ -106,7 +111,7 @@ std::string recordingText(const RecordingReport& report, const std::vector<Check
                                     {"time error: constant (way) / spread p99 / spread max"}},
                                    rows);
     text += pulsesText(report) + countersText(report) + filesText(report);
-    return text + verdict(report, checks);
+    return text + verdict(report, checks) + timeQualityText(report, checks);
 }
 
 }  // namespace host

@@ -11,7 +11,7 @@ namespace host {
 /// Table of the channels.
 std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels);
 
-/// Table of a recording, what was written, and whether it can be trusted.
+/// Table of a recording, what was written, whether it can be trusted, and how good its times are.
 std::string recordingText(const RecordingReport& report, const std::vector<Check>& checks);
 
 }  // namespace host

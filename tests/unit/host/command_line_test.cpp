@@ -77,6 +77,17 @@ TEST(CommandLine, NamesALengthThatIsTooLong) {
     }
 }
 
+TEST(CommandLine, TakesHowFarTimesMayScatter) {
+    EXPECT_EQ(parse({"record", "--out", "d", "--seconds", "1"}).maxSpreadNs, 1'000'000);
+    EXPECT_EQ(parse({"record", "--out", "d", "--seconds", "1", "--max-spread", "2.5"}).maxSpreadNs, 2500);
+    for (const char* spread : {"0", "-1", "1e7", "nan", "50us", ""}) {
+        EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", "1", "--max-spread", spread}),
+                  std::string("--max-spread takes a number of microseconds from 0.001 to 1000000, such as "
+                              "1000, not \"") +
+                      spread + "\".");
+    }
+}
+
 TEST(CommandLine, NamesAChannelThatIsNone) {
     for (const char* channel : {"-1", "x", "1.5", "4294967296"}) {
         EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", "1", "--channel", channel}),

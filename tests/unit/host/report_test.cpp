@@ -45,6 +45,18 @@ TEST(DevicesText, AlignsItsColumns) {
               "  12  Other                         GigE  Y800    640\u00d7480        n/a\n");
 }
 
+TEST(DevicesText, SaysThatACameraIsNotOpen) {
+    host::ChannelInfo closed = triggeredCamera();
+    closed.format.clear();
+    closed.width = 0;
+    closed.height = 0;
+    EXPECT_EQ(host::devicesText({{12, closed}}),
+              "  id  camera  type  format  size      rate\n"
+              "  12  Other   GigE  n/a     not open   n/a\n");
+    EXPECT_EQ(nlohmann::json::parse(host::devicesJson("P", {}, {{12, closed}}))["channels"][0]["open"],
+              false);
+}
+
 TEST(RecordingText, ShowsATableTheFilesAndTheVerdict) {
     const RecordingReport report = goodReport();
     EXPECT_EQ(
@@ -52,7 +64,8 @@ TEST(RecordingText, ShowsATableTheFilesAndTheVerdict) {
         "  id  frames  lost  picture matches stamp  time error: constant (way) / spread p99 / spread max\n"
         "   0     250     0  250 of 250             37.02 ms (36.99 ms) / 41 \u00b5s / 88 \u00b5s\n"
         "wrote 1 raw + CSV, 2 PNG, summary.json\n"
-        "all 6 checks passed: the recording can be trusted\n");
+        "all 9 checks passed: the recording can be trusted\n"
+        "times are good to 41 \u00b5s (spread of 99 % of the frames)\n");
 }
 
 TEST(RecordingText, NamesFailedChecksAndAssertions) {
@@ -62,14 +75,14 @@ TEST(RecordingText, NamesFailedChecksAndAssertions) {
     const std::string text = host::recordingText(report, host::makeChecks(report));
     EXPECT_THAT(text, HasSubstr("\ncheck failed: 2 assertions of the plug-in failed\n"));
     EXPECT_THAT(text, HasSubstr("\ncheck failed: channel 0: 1 frame lost\n"));
-    EXPECT_THAT(text, testing::EndsWith("2 of 7 checks failed: the recording cannot be trusted\n"));
+    EXPECT_THAT(text, HasSubstr("\n2 of 10 checks failed: the recording cannot be trusted\n"));
 }
 
 TEST(RecordingText, SaysWhenItWasCutShort) {
     RecordingReport report = goodReport();
     report.outcome = Outcome::Interrupted;
     EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
-                testing::EndsWith("the recording was cut short; what is there passed all 5 checks\n"));
+                HasSubstr("\nthe recording was cut short; what is there passed all 8 checks\n"));
 }
 
 TEST(RecordingText, HasNothingToSayOfStampsThatAreNotThere) {
@@ -113,7 +126,7 @@ TEST(RecordingJson, HoldsTheWholeResult) {
     EXPECT_EQ(json["vendor_library"]["simulator"], "two-cameras");
     EXPECT_EQ(json["messages"][0], "Camera X is no longer connected");
     EXPECT_EQ(json["pictures"].size(), 2u);
-    EXPECT_EQ(json["checks"].size(), 6u);
+    EXPECT_EQ(json["checks"].size(), 9u);
     const auto& channel = json["channels"][0];
     EXPECT_EQ(channel["frames"], 250);
     EXPECT_EQ(channel["frames_expected"], 250.0);
@@ -128,6 +141,8 @@ TEST(RecordingJson, HoldsTheWholeResult) {
     EXPECT_EQ(channel["time_error"]["delay_p99_ns"], 20'000);
     EXPECT_EQ(channel["time_error"]["spread_p99_ns"], 41'000);
     EXPECT_EQ(channel["time_error"]["spread_max_ns"], 88'400);
+    EXPECT_EQ(channel["time_error"]["early"], 0);
+    EXPECT_EQ(channel["slope_ppm"], 1.5);
 }
 
 TEST(RecordingJson, SaysWhyARecordingIsNotToBeTrusted) {
