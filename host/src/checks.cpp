@@ -75,15 +75,17 @@ void checkOrder(const ChannelReport& channel, std::vector<Check>& checks) {
 
 void checkPulses(const ChannelReport& channel, std::vector<Check>& checks) {
     if (!channel.pulses) return;
-    const auto check = [&](const std::vector<PulseSpan>& spans, const char* what) {
+    const auto check = [&](const std::vector<PulseSpan>& spans, const char* what,
+                           const std::string& cause = {}) {
         const std::uint64_t count = pulseCount(spans);
         checks.push_back({count == 0, label(channel) + std::to_string(count) +
                                           (count == 1 ? " pulse " : " pulses ") + what +
-                                          (count == 0 ? "" : " (" + pulseText(spans) + ")")});
+                                          (count == 0 ? "" : cause)});
     };
-    check(channel.pulses->skipped, "skipped");
+    const std::string cause = channel.warnedTooFast ? ", as the frequency is too fast for the camera" : "";
+    check(channel.pulses->skipped, "skipped", cause);
     check(channel.pulses->lost, "lost");
-    if (!channel.pulses->unclear.empty()) check(channel.pulses->unclear, "skipped or lost");
+    if (!channel.pulses->unclear.empty()) check(channel.pulses->unclear, "skipped or lost", cause);
     check(channel.pulses->doubled, "doubled");
     if (!channel.stamped) return;
     const std::uint64_t misplaced = channel.pulses->misplaced;

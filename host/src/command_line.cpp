@@ -23,7 +23,7 @@ struct Texts {
     std::string from;
     std::string to;
     std::string aux;
-    std::string maxSpread;
+    std::string maxSpread = "1000";
     std::vector<std::string> channels;
     std::vector<std::string> sets;
     std::vector<std::string> actions;
@@ -68,6 +68,11 @@ constexpr std::array<CommandRow, 6> kCommands{{
     {Command::Topology, "topology", "print the description of the measurement hardware", kOutFile},
 }};
 
+const CommandRow& rowOf(Command command) {
+    return *std::find_if(kCommands.begin(), kCommands.end(),
+                         [&](const CommandRow& row) { return row.command == command; });
+}
+
 struct TextRow {
     unsigned option;
     const char* name;
@@ -78,9 +83,9 @@ struct TextRow {
 };
 
 const std::array<TextRow, 8> kTexts{{
-    {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording"},
+    {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording (required)"},
     {kSeconds, "--seconds", "N", &Texts::seconds, false, "how long to watch (default: until Ctrl-C)"},
-    {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording"},
+    {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording (required)"},
     {kOutFile, "--out", "FILE", &Texts::out, false, "write it to this file instead"},
     {kChanges, "--from", "FILE", &Texts::from, false, "settings file to apply, before --set"},
     {kTo, "--to", "FILE", &Texts::to, false, "write what can be changed to this settings file"},
@@ -100,7 +105,8 @@ struct ListRow {
 
 const std::array<ListRow, 3> kLists{{
     {kChannels, "--channel", "ID", &Texts::channels, "ids of the channels to use (default: all)"},
-    {kChanges, "--set", "KEY=VALUE", &Texts::sets, "change a setting of these channels"},
+    {kChanges, "--set", "KEY=VALUE", &Texts::sets,
+     "change a setting of these channels; ID/KEY=VALUE for one, such as 0/FrameWidth=320"},
     {kActions, "--action", "KEY", &Texts::actions, "run an action of these channels, after --set"},
 }};
 
@@ -125,9 +131,7 @@ void addCommand(CLI::App& app, const CommandRow& row, Texts& texts) {
         exitCodeHelp());
     for (const TextRow& text : kTexts) {
         if ((row.options & text.option) == 0) continue;
-        command->add_option(text.name, texts.*text.text, text.description)
-            ->type_name(text.type)
-            ->required(text.needed);
+        command->add_option(text.name, texts.*text.text, text.description)->type_name(text.type);
     }
     for (const ListRow& list : kLists) {
         if ((row.options & list.option) == 0) continue;
@@ -169,6 +173,14 @@ bool isGiven(const CLI::App& app, const char* name) {
     return option != nullptr && !option->empty();
 }
 
+// Here and not by the parser, which would miss an option before it names the misspelt one.
+void demandNeeded(const CLI::App& app, Command command) {
+    for (const TextRow& text : kTexts) {
+        if (!text.needed || (rowOf(command).options & text.option) == 0 || isGiven(app, text.name)) continue;
+        throw bad(std::string(text.name) + " is required; zelt_host --help lists what is possible.");
+    }
+}
+
 // An empty path would be taken for an option that was left out.
 void refuseEmptyPaths(const CLI::App& app) {
     const CLI::App* command = app.get_subcommands().front();
@@ -181,11 +193,28 @@ void refuseEmptyPaths(const CLI::App& app) {
     }
 }
 
+std::vector<OptionTexts> optionTexts(const CommandRow& row, const Texts& texts, const CommandLine& line) {
+    const auto flag = [](bool on) { return std::vector<std::string>{on ? "true" : "false"}; };
+    std::vector<OptionTexts> options{
+        {"--plugin", {line.plugin.string()}}, {"--log-level", {texts.logLevel}}, {"--json", flag(line.json)}};
+    for (const TextRow& text : kTexts) {
+        if ((row.options & text.option) == 0) continue;
+        const std::string& value = texts.*text.text;
+        options.push_back({text.name, value.empty() ? std::vector<std::string>() : std::vector{value}});
+    }
+    for (const ListRow& list : kLists) {
+        if ((row.options & list.option) != 0) options.push_back({list.name, texts.*list.texts});
+    }
+    if ((row.options & kCounters) != 0) options.push_back({"--counters", flag(texts.counters)});
+    return options;
+}
+
 void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     line.command = chosenCommand(app);
     line.logLevel = parseLevel(texts.logLevel);
     line.plugin = texts.plugin.empty() ? platform::executableDirectory() / platform::kPluginFileName
                                        : std::filesystem::path(texts.plugin);
+    demandNeeded(app, line.command);
     refuseEmptyPaths(app);
     if (isGiven(app, "--seconds")) line.seconds = parseSeconds(texts.seconds);
     line.out = texts.out;
@@ -198,6 +227,7 @@ void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     line.cameras.orders.insert(line.cameras.orders.end(), actions.begin(), actions.end());
     if (isGiven(app, "--aux")) line.cameras.aux = parseFrequency(texts.aux);
     if (isGiven(app, "--max-spread")) line.maxSpreadNs = parseMaxSpread(texts.maxSpread);
+    line.options = optionTexts(rowOf(line.command), texts, line);
     refuseContradictions(line.cameras);
 }
 

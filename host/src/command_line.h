@@ -25,6 +25,7 @@ struct CommandLine {
     bool counters = false;
     std::int64_t maxSpreadNs = kMaxSpreadNs;
     CameraSetup cameras;
+    std::vector<OptionTexts> options;  ///< all of the command
 };
 
 /// Reads the command line. Throws HostFailure with a sentence that names what is wrong.

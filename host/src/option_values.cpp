@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <utility>
 
 #include "exit_codes.h"
 #include "host_failure.h"
@@ -22,6 +23,16 @@ bool parseWhole(const std::string& text, Number& number) {
     const char* end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, number);
     return result.ec == std::errc() && result.ptr == end;
+}
+
+/// "0/FrameWidth" and "DEV_1/FrameWidth" name a channel; keys have slashes too.
+std::pair<std::string, std::string> channelAndKey(const std::string& text) {
+    const std::size_t slash = text.find('/');
+    if (slash == std::string::npos || slash == 0) return {{}, text};
+    const std::string first = text.substr(0, slash);
+    const bool isId = first.find_first_not_of("0123456789") == std::string::npos;
+    if (!isId && !first.starts_with("DEV_")) return {{}, text};
+    return {first, text.substr(slash + 1)};
 }
 
 }  // namespace
@@ -77,7 +88,10 @@ std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts) {
             throw bad("--set takes KEY=VALUE, such as CAMERA/Gain=3, not \"" + text +
                       "\"; zelt_host settings lists the keys.");
         }
-        orders.push_back({"--set", {}, text.substr(0, sign), text.substr(sign + 1), SettingOrder::Kind::Set});
+        auto [channel, key] = channelAndKey(text.substr(0, sign));
+        if (key.empty()) throw bad("--set takes [ID/]KEY=VALUE, and \"" + text + "\" has no key.");
+        orders.push_back(
+            {"--set", std::move(channel), std::move(key), text.substr(sign + 1), SettingOrder::Kind::Set});
     }
     return orders;
 }

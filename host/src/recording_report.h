@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "channel_info.h"
@@ -38,6 +39,7 @@ struct CounterReport {
 
 struct ChannelReport {
     ChannelInfo channel;
+    std::vector<std::pair<std::string, std::string>> settings;  ///< as recorded with: key and text
     std::uint64_t frames = 0;
     /// Missing between, before or behind the frames recorded; with unclear pulses it may be fewer.
     std::uint64_t lost = 0;
@@ -55,9 +57,16 @@ struct ChannelReport {
     /// How much faster recorded time runs than true time, in millionths; of pictures without stamps, than
     /// frame numbers at the nominal rate. Least squares over all frames; of cameras that run freely.
     std::optional<double> slopePpm;
-    std::optional<PulseReport> pulses;      ///< with a triggered camera
+    std::optional<PulseReport> pulses;  ///< with a triggered camera
+    bool warnedTooFast = false;  ///< before the start the camera told that it cannot follow the trigger
     std::optional<CounterReport> counters;  ///< when they were recorded
     bool silent = false;                    ///< did not reach the end of the recording
+};
+
+/// An option of the command line with its texts, those that hold without it included.
+struct OptionTexts {
+    std::string name;
+    std::vector<std::string> texts;
 };
 
 enum class Outcome { Complete, Interrupted, WriteFailed };
@@ -66,7 +75,10 @@ struct RecordingReport {
     std::string title;
     std::string plugin;
     std::string vendorVersion;
-    std::string scenario;  ///< of the simulator; empty with the vendor's own library
+    std::string scenario;    ///< of the simulator; empty with the vendor's own library
+    std::string startedUtc;  ///< "2026-11-21T03:36:35.123Z"
+    std::string trigger;     ///< frequency of the trigger output in Hz as "30000/1001"; empty without one
+    std::vector<OptionTexts> options;
     double seconds = 0;
     std::int64_t maxSpreadNs = kMaxSpreadNs;  ///< the spread of 99 % of the frames must stay below
     std::string directory;

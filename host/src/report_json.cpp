@@ -50,6 +50,18 @@ ordered_json countersJson(const std::optional<CounterReport>& counters) {
     return {{"sent", counters->sent}, {"received", counters->received}, {"unusable", counters->unusable}};
 }
 
+ordered_json settingsJson(const ChannelReport& channel) {
+    ordered_json json = ordered_json::object();
+    for (const auto& [key, text] : channel.settings) json[key] = text;
+    return json;
+}
+
+ordered_json optionsJson(const RecordingReport& report) {
+    ordered_json json = ordered_json::object();
+    for (const OptionTexts& option : report.options) json[option.name] = option.texts;
+    return json;
+}
+
 ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     ordered_json json = channelJson(channel.channel);
     json["frames"] = channel.frames;
@@ -67,6 +79,7 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["slope_ppm"] = orNull(channel.slopePpm);
     json["pulses"] = pulsesJson(channel);
     json["counters"] = countersJson(channel.counters);
+    json["settings"] = settingsJson(channel);
     return json;
 }
 
@@ -108,6 +121,9 @@ std::string recordingJson(const RecordingReport& report, const std::vector<Check
                      {"plugin", report.plugin},
                      {"vendor_library", vendorJson(report.vendorVersion, report.scenario)},
                      {"directory", report.directory},
+                     {"started_utc", orNull(report.startedUtc)},
+                     {"trigger", orNull(report.trigger)},
+                     {"options", optionsJson(report)},
                      {"seconds", report.seconds},
                      {"outcome", outcomeText(report.outcome)},
                      {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},

@@ -149,9 +149,9 @@ TEST(Checks, SayHowSureALossIs) {
     channel.pulses->unclear = {{7, 8}};
     EXPECT_THAT(failedSentences(report),
                 testing::ElementsAre("channel 0: 2 frames lost, or their pulses skipped",
-                                     "channel 0: 2 pulses skipped or lost (7-8)"));
+                                     "channel 0: 2 pulses skipped or lost"));
     const std::string text = host::recordingText(report, host::makeChecks(report));
-    EXPECT_THAT(text, HasSubstr("   0     248  up to 2  n/a"));
+    EXPECT_THAT(text, HasSubstr("   0     248  up to 2  n/a              times are pulse numbers\n"));
     EXPECT_THAT(text, HasSubstr("lost: none; skipped or lost: 7-8; doubled: none\n"));
     const auto json = nlohmann::json::parse(host::recordingJson(report, {}));
     EXPECT_EQ(json["channels"][0]["lost_is_certain"], false);
@@ -173,14 +173,30 @@ TEST(Checks, NameThePulsesWithoutAPictureOfTheirOwn) {
     EXPECT_EQ(host::makeChecks(report).size(), host::makeChecks(goodReport()).size() + 4);
     report.channels[0].frames = 247;
     report.channels[0].pulses = host::PulseReport{{{12, 12}}, {{15, 17}, {20, 20}}, {}, {{30, 31}}, 2, 1};
-    EXPECT_THAT(
-        failedSentences(report),
-        testing::ElementsAre("channel 0: 1 pulse skipped (12)", "channel 0: 4 pulses lost (15-17, 20)",
-                             "channel 0: 2 pulses doubled (30-31)",
-                             "channel 0: 1 frame with the number of another pulse than the one that "
-                             "exposed"));
+    EXPECT_THAT(failedSentences(report),
+                testing::ElementsAre("channel 0: 1 pulse skipped", "channel 0: 4 pulses lost",
+                                     "channel 0: 2 pulses doubled",
+                                     "channel 0: 1 frame with the number of another pulse than the one that "
+                                     "exposed"));
     report.channels[0].stamped = false;
     EXPECT_EQ(failedSentences(report).size(), 3u) << "without stamps nobody knows";
+}
+
+TEST(Checks, NameTheCauseOfSkippedPulsesThatTheCameraToldBefore) {
+    RecordingReport report = goodReport();
+    report.channels[0].frames = 249;
+    report.channels[0].pulses = host::PulseReport{};
+    report.channels[0].pulses->skipped = {{12, 12}};
+    report.channels[0].warnedTooFast = true;
+    EXPECT_THAT(
+        failedSentences(report),
+        testing::ElementsAre("channel 0: 1 pulse skipped, as the frequency is too fast for the camera"));
+    const std::string text = host::recordingText(report, host::makeChecks(report));
+    EXPECT_THAT(text, HasSubstr("channel 0: pulses skipped: 12; lost: none"));
+    EXPECT_EQ(text.find("12", text.find("skipped: 12") + 11), std::string::npos) << "the list stands once";
+    report.channels[0].pulses->skipped.clear();
+    report.channels[0].frames = 250;
+    EXPECT_TRUE(failedSentences(report).empty());
 }
 
 TEST(Checks, CompareTheCamerasCountersWithTheHostsOwnCount) {

@@ -5,6 +5,7 @@
 
 #include "checks.h"
 #include "good_report.h"
+#include "quantity_text.h"
 #include "report_json.h"
 #include "report_text.h"
 
@@ -45,6 +46,13 @@ TEST(DevicesText, AlignsItsColumns) {
               "  12  Other                         GigE  Y800    640\u00d7480        n/a\n");
 }
 
+TEST(DevicesText, SaysWhichCamerasAreSwitchedOff) {
+    EXPECT_EQ(host::devicesText({{0, colourCamera()}, {12, triggeredCamera()}}, {0}),
+              "  id  camera                        type  format  size               rate\n"
+              "   0  Manta_G-033C (50-0503300001)  GigE  Y422    656\u00d7492       50.00 fps\n"
+              "  12  Other                         GigE          switched off\n");
+}
+
 TEST(DevicesText, SaysThatACameraIsNotOpen) {
     host::ChannelInfo closed = triggeredCamera();
     closed.format.clear();
@@ -59,13 +67,12 @@ TEST(DevicesText, SaysThatACameraIsNotOpen) {
 
 TEST(RecordingText, ShowsATableTheFilesAndTheVerdict) {
     const RecordingReport report = goodReport();
-    EXPECT_EQ(
-        host::recordingText(report, host::makeChecks(report)),
-        "  id  frames  lost  picture matches stamp  time error: constant (way) / spread p99 / spread max\n"
-        "   0     250     0  250 of 250             37.02 ms (36.99 ms) / 41 \u00b5s / 88 \u00b5s\n"
-        "wrote 1 raw + CSV, 2 PNG, summary.json\n"
-        "all 9 checks passed: the recording can be trusted\n"
-        "times are good to 41 \u00b5s (spread of 99 % of the frames)\n");
+    EXPECT_EQ(host::recordingText(report, host::makeChecks(report)),
+              "  id  frames  lost  pictures intact  time error: constant (way) / spread p99 / spread max\n"
+              "   0     250     0  250 of 250       37.02 ms (36.99 ms) / 41 \u00b5s / 88 \u00b5s\n"
+              "wrote 1 raw + CSV, 2 PNG, summary.json\n"
+              "all 9 checks passed: the recording can be trusted\n"
+              "times are good to 41 \u00b5s (spread of 99 % of the frames)\n");
 }
 
 TEST(RecordingText, NamesFailedChecksAndAssertions) {
@@ -90,7 +97,7 @@ TEST(RecordingText, HasNothingToSayOfStampsThatAreNotThere) {
     report.channels[0].stamped = false;
     report.channels[0].timeError.reset();
     EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
-                HasSubstr("   0     250     0  n/a                    n/a\n"));
+                HasSubstr("   0     250     0  n/a              n/a\n"));
 }
 
 TEST(DevicesJson, HoldsWhatTheTableShows) {
@@ -143,6 +150,37 @@ TEST(RecordingJson, HoldsTheWholeResult) {
     EXPECT_EQ(channel["time_error"]["spread_max_ns"], 88'400);
     EXPECT_EQ(channel["time_error"]["early"], 0);
     EXPECT_EQ(channel["slope_ppm"], 1.5);
+}
+
+TEST(RecordingJson, SaysHowItCameAbout) {
+    RecordingReport report = goodReport();
+    EXPECT_EQ(nlohmann::json::parse(host::recordingJson(report, {}))["trigger"], nullptr);
+    report.startedUtc = "2026-11-21T03:36:35.123Z";
+    report.trigger = "30000/1001";
+    report.options = {{"--seconds", {"5"}}, {"--set", {"A=1", "B=2"}}, {"--from", {}}};
+    report.channels[0].settings = {{"FrameWidth", "656 pixel"}, {"CAMERA/Gain", "3"}};
+    const auto json = nlohmann::json::parse(host::recordingJson(report, {}));
+    EXPECT_EQ(json["started_utc"], "2026-11-21T03:36:35.123Z");
+    EXPECT_EQ(json["trigger"], "30000/1001");
+    EXPECT_EQ(json["options"],
+              nlohmann::json::parse(R"({"--seconds": ["5"], "--set": ["A=1", "B=2"], "--from": []})"));
+    EXPECT_EQ(json["channels"][0]["settings"],
+              nlohmann::json::parse(R"({"FrameWidth": "656 pixel", "CAMERA/Gain": "3"})"));
+}
+
+TEST(RecordingText, SaysThatTheTimesOfATriggeredCameraArePulseNumbers) {
+    RecordingReport report = goodReport();
+    report.channels[0].timeError.reset();
+    report.channels[0].pulses = host::PulseReport{};
+    EXPECT_THAT(host::recordingText(report, {}), HasSubstr("  250 of 250       times are pulse numbers\n"));
+}
+
+TEST(UtcText, HasSecondsAndMilliseconds) {
+    using namespace std::chrono;
+    const auto day = sys_days(year(2026) / 11 / 21);
+    EXPECT_EQ(host::utcText(day + hours(3) + minutes(4) + seconds(5) + milliseconds(6)),
+              "2026-11-21T03:04:05.006Z");
+    EXPECT_EQ(host::utcText(day - microseconds(1)), "2026-11-20T23:59:59.999Z");
 }
 
 TEST(RecordingJson, SaysWhyARecordingIsNotToBeTrusted) {
