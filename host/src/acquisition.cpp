@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "camera_trouble.h"
 #include "host_failure.h"
 
 namespace host {
@@ -21,8 +22,13 @@ Acquisition::Acquisition(Session& session, MessageTeller& messages, std::optiona
       m_tell(std::move(tell)) {}
 
 void Acquisition::fail(const std::string& what, const std::string& reason) {
+    const std::vector<ChannelMessage> latest = m_session.messages().take();
+    std::vector<ChannelMessage> messages = m_messages.told();
+    messages.insert(messages.end(), latest.begin(), latest.end());
+    const std::string closed = notOpenSentence(m_session, m_session.usedChannels(), messages);
+    if (!closed.empty()) throw HostFailure(ExitCode::CameraFailed, closed);
     std::vector<std::string> reasons;
-    for (const ChannelMessage& message : m_session.messages().take()) reasons.push_back(message.sentence);
+    for (const ChannelMessage& message : latest) reasons.push_back(message.sentence);
     // What a camera throws it has usually reported too.
     if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {
         reasons.push_back(reason);

@@ -39,9 +39,9 @@ bool isTriggerMode(const SettingOrder& order) {
     return order.kind == SettingOrder::Kind::Set && order.key == config_keys::kCameraTriggerMode;
 }
 
-/// Only a file's orders name a channel. Its frame rate is that of cameras that run freely.
+/// The frame rate of a file is that of cameras that run freely.
 bool isDecidedByAux(const SettingOrder& order) {
-    if (order.channel.empty()) return false;
+    if (!order.ofFile) return false;
     return (isTriggerMode(order) && order.value != kTriggeredMode) ||
            order.key == config_keys::kCameraFrameSetting;
 }

@@ -51,6 +51,12 @@ ChannelInfo readChannelInfo(std::uint32_t id, channel_config::IfChannelConfig& c
     return info;
 }
 
+bool isUsed(channel_config::IfChannelConfig& config) {
+    const auto item = config.getItem(config_keys::kUsed);
+    const auto* used = boost::get<config_items::SingleValueConfigItem<bool>>(&item);
+    return used != nullptr && used->m_value;
+}
+
 bool setUsed(channel_config::IfChannelConfig& config, bool used) {
     return config.setItem(config_keys::kUsed, config_items::SingleValueConfigItem<bool>(used));
 }

@@ -32,11 +32,16 @@ struct ChannelInfo {
     std::optional<double> rate;  ///< frames per second; empty when the channel has none now
     TimeBase timeBase = TimeBase::Nanoseconds;
 
+    /// False for a camera that could not be opened: it has no size then.
+    bool isOpen() const { return width != 0 && height != 0; }
     /// Bytes of one picture, by the format; three per pixel for a format that the host does not know.
     std::uint64_t pictureBytes() const;
 };
 
 ChannelInfo readChannelInfo(std::uint32_t id, channel_config::IfChannelConfig& config);
+
+/// Whether a channel is switched on.
+bool isUsed(channel_config::IfChannelConfig& config);
 
 /// Switches a channel on or off; false when the channel refuses.
 bool setUsed(channel_config::IfChannelConfig& config, bool used);

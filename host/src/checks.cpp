@@ -5,13 +5,10 @@
 #include <numeric>
 
 #include "quantity_text.h"
+#include "time_checks.h"
 
 namespace host {
 namespace {
-
-/// A clock fit has only the moment of a frame's callback to go by, and a system that is not a real-time one
-/// calls back late: steadily so, hence not seen in the spread. Far below what any part of the way takes.
-constexpr std::int64_t kThreadLatencyNs = 500'000;
 
 /// How far a camera's oscillator may be off, as a share.
 constexpr double kOscillatorError = 100e-6;
@@ -78,15 +75,17 @@ void checkOrder(const ChannelReport& channel, std::vector<Check>& checks) {
 
 void checkPulses(const ChannelReport& channel, std::vector<Check>& checks) {
     if (!channel.pulses) return;
-    const auto check = [&](const std::vector<PulseSpan>& spans, const char* what) {
+    const auto check = [&](const std::vector<PulseSpan>& spans, const char* what,
+                           const std::string& cause = {}) {
         const std::uint64_t count = pulseCount(spans);
         checks.push_back({count == 0, label(channel) + std::to_string(count) +
                                           (count == 1 ? " pulse " : " pulses ") + what +
-                                          (count == 0 ? "" : " (" + pulseText(spans) + ")")});
+                                          (count == 0 ? "" : cause)});
     };
-    check(channel.pulses->skipped, "skipped");
+    const std::string cause = channel.warnedTooFast ? ", as the frequency is too fast for the camera" : "";
+    check(channel.pulses->skipped, "skipped", cause);
     check(channel.pulses->lost, "lost");
-    if (!channel.pulses->unclear.empty()) check(channel.pulses->unclear, "skipped or lost");
+    if (!channel.pulses->unclear.empty()) check(channel.pulses->unclear, "skipped or lost", cause);
     check(channel.pulses->doubled, "doubled");
     if (!channel.stamped) return;
     const std::uint64_t misplaced = channel.pulses->misplaced;
@@ -111,38 +110,11 @@ void checkCounters(const ChannelReport& channel, std::vector<Check>& checks) {
                                      : "; " + std::to_string(counters.unusable) + " counts are missing")});
 }
 
-/// The constant part is a median, which single late frames do not move: what it may be off beyond a late
-/// thread comes of the bulk of the frames, and is never more than a tenth of a frame period.
-std::int64_t constantTolerance(const ChannelReport& channel) {
-    const std::int64_t spread = channel.timeError->spreadP99Ns;
-    if (!channel.channel.rate) return kThreadLatencyNs + spread;
-    return kThreadLatencyNs + std::min<std::int64_t>(spread, std::llround(0.1e9 / *channel.channel.rate));
-}
-
-void checkTimes(const ChannelReport& channel, std::vector<Check>& checks) {
-    if (!channel.timeError) return;
-    const TimeError& error = *channel.timeError;
-    const std::int64_t tolerance = constantTolerance(channel);
-    const bool isWay = std::abs(error.constantNs - error.wayNs) <= tolerance;
-    checks.push_back({isWay, label(channel) + "constant part of the time error " +
-                                 duration(error.constantNs) + (isWay ? " equals" : " differs from") +
-                                 " the way of " + duration(error.wayNs) + " within " + duration(tolerance) +
-                                 " (late threads " + duration(kThreadLatencyNs) +
-                                 ", spread p99 up to a tenth of a frame period)"});
-    if (!channel.channel.rate) return;
-    const std::int64_t halfPeriod = std::llround(0.5e9 / *channel.channel.rate);
-    const bool isOwn = error.spreadMaxNs < halfPeriod;
-    checks.push_back({isOwn, label(channel) + "spread of the time error " + duration(error.spreadMaxNs) +
-                                 (isOwn ? " is below" : " is not below") + " half a frame period of " +
-                                 duration(halfPeriod)});
-}
-
-void checkTruth(const ChannelReport& channel, std::vector<Check>& checks) {
+void checkPictures(const ChannelReport& channel, std::vector<Check>& checks) {
     if (!channel.stamped) return;
     checks.push_back({channel.mismatches == 0, label(channel) + std::to_string(channel.mismatches) + " of " +
                                                    std::to_string(channel.frames) +
                                                    " pictures differ from what the camera sent"});
-    checkTimes(channel, checks);
 }
 
 std::string failedOnes(const std::vector<Check>& checks) {
@@ -185,7 +157,8 @@ std::vector<Check> makeChecks(const RecordingReport& report) {
         checkOrder(channel, checks);
         checkPulses(channel, checks);
         checkCounters(channel, checks);
-        checkTruth(channel, checks);
+        checkPictures(channel, checks);
+        checkTimes(report, channel, checks);
     }
     if (report.assertionFailures != 0) {
         checks.push_back(

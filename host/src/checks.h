@@ -13,6 +13,7 @@ namespace host {
 struct Check {
     bool passed = true;
     std::string sentence;
+    bool ofTimes = false;  ///< whether it is about times
 };
 
 /// Frames that a channel should have recorded, exact with a triggered camera; empty when its rate is not

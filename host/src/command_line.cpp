@@ -23,6 +23,7 @@ struct Texts {
     std::string from;
     std::string to;
     std::string aux;
+    std::string maxSpread = "1000";
     std::vector<std::string> channels;
     std::vector<std::string> sets;
     std::vector<std::string> actions;
@@ -44,6 +45,7 @@ enum Options : unsigned {
     kTo = 1u << 7u,
     kAux = 1u << 8u,
     kCounters = 1u << 9u,
+    kMaxSpread = 1u << 10u,
 };
 
 struct CommandRow {
@@ -60,11 +62,16 @@ constexpr std::array<CommandRow, 6> kCommands{{
     {Command::Check, "check", "tell whether the cameras can record together as they are set",
      kChannels | kChanges | kAux},
     {Command::Record, "record", "record pictures of the cameras with their times",
-     kSecondsNeeded | kOutDirectory | kChannels | kChanges | kAux | kCounters},
+     kSecondsNeeded | kOutDirectory | kChannels | kChanges | kAux | kCounters | kMaxSpread},
     {Command::Watch, "watch", "run the cameras without recording and show how they do",
      kSeconds | kChannels | kChanges | kAux},
     {Command::Topology, "topology", "print the description of the measurement hardware", kOutFile},
 }};
+
+const CommandRow& rowOf(Command command) {
+    return *std::find_if(kCommands.begin(), kCommands.end(),
+                         [&](const CommandRow& row) { return row.command == command; });
+}
 
 struct TextRow {
     unsigned option;
@@ -75,15 +82,17 @@ struct TextRow {
     const char* description;
 };
 
-const std::array<TextRow, 7> kTexts{{
-    {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording"},
+const std::array<TextRow, 8> kTexts{{
+    {kSecondsNeeded, "--seconds", "N", &Texts::seconds, true, "length of the recording (required)"},
     {kSeconds, "--seconds", "N", &Texts::seconds, false, "how long to watch (default: until Ctrl-C)"},
-    {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording"},
+    {kOutDirectory, "--out", "DIR", &Texts::out, true, "new directory for the recording (required)"},
     {kOutFile, "--out", "FILE", &Texts::out, false, "write it to this file instead"},
     {kChanges, "--from", "FILE", &Texts::from, false, "settings file to apply, before --set"},
     {kTo, "--to", "FILE", &Texts::to, false, "write what can be changed to this settings file"},
     {kAux, "--aux", "HZ", &Texts::aux, false,
      "the cameras follow a trigger output of this frequency, such as 100 or 30000/1001"},
+    {kMaxSpread, "--max-spread", "US", &Texts::maxSpread, false,
+     "microseconds within which the times of 99 % of the frames must lie (default: 1000)"},
 }};
 
 struct ListRow {
@@ -96,7 +105,8 @@ struct ListRow {
 
 const std::array<ListRow, 3> kLists{{
     {kChannels, "--channel", "ID", &Texts::channels, "ids of the channels to use (default: all)"},
-    {kChanges, "--set", "KEY=VALUE", &Texts::sets, "change a setting of these channels"},
+    {kChanges, "--set", "KEY=VALUE", &Texts::sets,
+     "change a setting of these channels; ID/KEY=VALUE for one, such as 0/FrameWidth=320"},
     {kActions, "--action", "KEY", &Texts::actions, "run an action of these channels, after --set"},
 }};
 
@@ -121,9 +131,7 @@ void addCommand(CLI::App& app, const CommandRow& row, Texts& texts) {
         exitCodeHelp());
     for (const TextRow& text : kTexts) {
         if ((row.options & text.option) == 0) continue;
-        command->add_option(text.name, texts.*text.text, text.description)
-            ->type_name(text.type)
-            ->required(text.needed);
+        command->add_option(text.name, texts.*text.text, text.description)->type_name(text.type);
     }
     for (const ListRow& list : kLists) {
         if ((row.options & list.option) == 0) continue;
@@ -165,6 +173,14 @@ bool isGiven(const CLI::App& app, const char* name) {
     return option != nullptr && !option->empty();
 }
 
+// Here and not by the parser, which would miss an option before it names the misspelt one.
+void demandNeeded(const CLI::App& app, Command command) {
+    for (const TextRow& text : kTexts) {
+        if (!text.needed || (rowOf(command).options & text.option) == 0 || isGiven(app, text.name)) continue;
+        throw bad(std::string(text.name) + " is required; zelt_host --help lists what is possible.");
+    }
+}
+
 // An empty path would be taken for an option that was left out.
 void refuseEmptyPaths(const CLI::App& app) {
     const CLI::App* command = app.get_subcommands().front();
@@ -177,11 +193,28 @@ void refuseEmptyPaths(const CLI::App& app) {
     }
 }
 
+std::vector<OptionTexts> optionTexts(const CommandRow& row, const Texts& texts, const CommandLine& line) {
+    const auto flag = [](bool on) { return std::vector<std::string>{on ? "true" : "false"}; };
+    std::vector<OptionTexts> options{
+        {"--plugin", {line.plugin.string()}}, {"--log-level", {texts.logLevel}}, {"--json", flag(line.json)}};
+    for (const TextRow& text : kTexts) {
+        if ((row.options & text.option) == 0) continue;
+        const std::string& value = texts.*text.text;
+        options.push_back({text.name, value.empty() ? std::vector<std::string>() : std::vector{value}});
+    }
+    for (const ListRow& list : kLists) {
+        if ((row.options & list.option) != 0) options.push_back({list.name, texts.*list.texts});
+    }
+    if ((row.options & kCounters) != 0) options.push_back({"--counters", flag(texts.counters)});
+    return options;
+}
+
 void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     line.command = chosenCommand(app);
     line.logLevel = parseLevel(texts.logLevel);
     line.plugin = texts.plugin.empty() ? platform::executableDirectory() / platform::kPluginFileName
                                        : std::filesystem::path(texts.plugin);
+    demandNeeded(app, line.command);
     refuseEmptyPaths(app);
     if (isGiven(app, "--seconds")) line.seconds = parseSeconds(texts.seconds);
     line.out = texts.out;
@@ -193,6 +226,8 @@ void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     const auto actions = parseActions(texts.actions);
     line.cameras.orders.insert(line.cameras.orders.end(), actions.begin(), actions.end());
     if (isGiven(app, "--aux")) line.cameras.aux = parseFrequency(texts.aux);
+    if (isGiven(app, "--max-spread")) line.maxSpreadNs = parseMaxSpread(texts.maxSpread);
+    line.options = optionTexts(rowOf(line.command), texts, line);
     refuseContradictions(line.cameras);
 }
 

@@ -6,6 +6,7 @@
 
 #include "camera_setup.h"
 #include "log_console.h"
+#include "recording_report.h"
 
 namespace host {
 
@@ -22,7 +23,9 @@ struct CommandLine {
     std::filesystem::path out;  ///< directory of a recording, file of a topology
     std::filesystem::path to;   ///< settings file to write; empty for none
     bool counters = false;
+    std::int64_t maxSpreadNs = kMaxSpreadNs;
     CameraSetup cameras;
+    std::vector<OptionTexts> options;  ///< all of the command
 };
 
 /// Reads the command line. Throws HostFailure with a sentence that names what is wrong.

@@ -23,6 +23,9 @@ RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
     hooks.changed = [&console, json](const SettingChange& change) {
         if (!json) console.print(changeText(change) + '\n');
     };
+    hooks.chosen = [&console, json](const auto& channels, const auto& chosen) {
+        if (!json) console.print(devicesText(channels, chosen));
+    };
     hooks.showProgress = [&console, &last](const Progress& progress) {
         last = progress;
         if (console.hasProgressLine()) {
@@ -33,9 +36,10 @@ RecordingHooks makeHooks(Console& console, bool json, Progress& last) {
 }
 
 RecordingReport record(const CommandLine& line, Console& console, Progress& last) {
-    RecordingOptions options{line.seconds.value(), line.out, line.cameras, allOrders(line.cameras)};
+    RecordingOptions options{line.seconds.value(),    line.out,         line.cameras,
+                             allOrders(line.cameras), line.maxSpreadNs, line.options};
     Session session(loadPlugin(line.plugin), patientOptions(line.cameras.channels, line.counters));
-    if (!line.json) console.print(session.title() + '\n' + devicesText(session.readChannels()));
+    if (!line.json) console.print(session.title() + '\n');
     Recording recording(session, std::move(options), makeHooks(console, line.json, last));
     return recording.run();
 }

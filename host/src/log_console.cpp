@@ -28,6 +28,8 @@ std::string line(const logging::record_view& record, std::string text) {
 struct Backend : logging::sinks::basic_formatted_sink_backend<char> {
     explicit Backend(Console& console) : m_console(console) {}
     void consume(const logging::record_view& record, const std::string& text) {
+        // The template of a message that is told as a whole sentence anyway.
+        if (text.find("%1") != std::string::npos) return;
         m_console.tell(line(record, text));
     }
 

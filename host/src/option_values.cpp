@@ -1,6 +1,8 @@
 #include "option_values.h"
 
 #include <charconv>
+#include <cmath>
+#include <utility>
 
 #include "exit_codes.h"
 #include "host_failure.h"
@@ -23,6 +25,16 @@ bool parseWhole(const std::string& text, Number& number) {
     return result.ec == std::errc() && result.ptr == end;
 }
 
+/// "0/FrameWidth" and "DEV_1/FrameWidth" name a channel; keys have slashes too.
+std::pair<std::string, std::string> channelAndKey(const std::string& text) {
+    const std::size_t slash = text.find('/');
+    if (slash == std::string::npos || slash == 0) return {{}, text};
+    const std::string first = text.substr(0, slash);
+    const bool isId = first.find_first_not_of("0123456789") == std::string::npos;
+    if (!isId && !first.starts_with("DEV_")) return {{}, text};
+    return {first, text.substr(slash + 1)};
+}
+
 }  // namespace
 
 double parseSeconds(const std::string& text) {
@@ -37,6 +49,15 @@ double parseSeconds(const std::string& text) {
         throw bad("--seconds takes 100000000 (three years) at most, not \"" + text + "\".");
     }
     return seconds;
+}
+
+std::int64_t parseMaxSpread(const std::string& text) {
+    double microseconds = 0;
+    if (!parseWhole(text, microseconds) || !(microseconds >= 0.001 && microseconds <= 1e6)) {
+        throw bad("--max-spread takes a number of microseconds from 0.001 to 1000000, such as 1000, not \"" +
+                  text + "\".");
+    }
+    return std::llround(microseconds * 1000);
 }
 
 std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts) {
@@ -67,7 +88,10 @@ std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts) {
             throw bad("--set takes KEY=VALUE, such as CAMERA/Gain=3, not \"" + text +
                       "\"; zelt_host settings lists the keys.");
         }
-        orders.push_back({"--set", {}, text.substr(0, sign), text.substr(sign + 1), SettingOrder::Kind::Set});
+        auto [channel, key] = channelAndKey(text.substr(0, sign));
+        if (key.empty()) throw bad("--set takes [ID/]KEY=VALUE, and \"" + text + "\" has no key.");
+        orders.push_back(
+            {"--set", std::move(channel), std::move(key), text.substr(sign + 1), SettingOrder::Kind::Set});
     }
     return orders;
 }

@@ -16,7 +16,9 @@ namespace host {
 double parseSeconds(const std::string& text);
 std::set<std::uint32_t> parseChannels(const std::vector<std::string>& texts);
 LogLevel parseLevel(const std::string& text);
-/// "KEY=VALUE" each.
+/// Microseconds, from a nanosecond to a second; in nanoseconds.
+std::int64_t parseMaxSpread(const std::string& text);
+/// "KEY=VALUE" each, or "ID/KEY=VALUE" with the id of a channel or of its camera.
 std::vector<SettingOrder> parseSets(const std::vector<std::string>& texts);
 /// Keys of actions.
 std::vector<SettingOrder> parseActions(const std::vector<std::string>& texts);

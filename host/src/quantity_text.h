@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -10,6 +11,9 @@ std::string decimals(double value, int digits);
 
 /// "37.02 ms", "41 µs", "1.500 s": a time in nanoseconds in the unit that suits it.
 std::string duration(std::int64_t nanoseconds);
+
+/// "2026-11-21T03:36:35.123Z"
+std::string utcText(std::chrono::system_clock::time_point time);
 
 /// "1 frame", "250 frames"
 std::string frameCount(std::uint64_t count);

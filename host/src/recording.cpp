@@ -8,12 +8,17 @@
 #include "host_failure.h"
 #include "output_directory.h"
 #include "picture_files.h"
+#include "quantity_text.h"
+#include "setting_info.h"
 
 namespace host {
 namespace {
 
 constexpr auto kRedraw = std::chrono::milliseconds(100);
 constexpr double kUnknownRate = 50;
+
+/// How the plug-in begins to say that a camera cannot follow the trigger output.
+constexpr const char* kTooFast = "Sync Out AUX frequency is too fast";
 
 std::chrono::nanoseconds toNanoseconds(double seconds) {
     return std::chrono::nanoseconds(std::llround(seconds * 1e9));
@@ -28,6 +33,15 @@ std::int64_t sinkLength(double seconds, const ChannelInfo& channel) {
 /// Pulses are counted from the start of the acquisition.
 std::optional<std::int64_t> sinkBegin(const ChannelInfo& channel) {
     return channel.timeBase == TimeBase::Pulses ? std::optional<std::int64_t>(0) : std::nullopt;
+}
+
+std::vector<std::pair<std::string, std::string>> settingTexts(channel_config::IfChannelConfig& config) {
+    std::vector<std::pair<std::string, std::string>> texts;
+    for (const SettingInfo& setting : readSettings(config)) {
+        if (!setting.hasValue || setting.changeable == Changeable::AsAction) continue;
+        texts.emplace_back(setting.key, setting.valueWithUnit());
+    }
+    return texts;
 }
 
 }  // namespace
@@ -49,13 +63,18 @@ RecordingReport Recording::run() {
     selectChannels();
     prepareOutputDirectory(m_options.directory);
     attachSinks();
+    // What a camera told while its settings changed may be true no longer.
+    m_messages.tell();
+    const std::size_t messagesBefore = m_messages.told().size();
     m_acquisition.prepare();
+    noteTooFast(messagesBefore);
     makeFiles();
     if (m_hooks.isInterrupted()) {
         throw HostFailure(ExitCode::Interrupted,
                           "Interrupted before the recording began; nothing was recorded.");
     }
     m_started = Clock::now();
+    m_started_utc = utcText(std::chrono::system_clock::now());
     m_acquisition.start();
     m_has_recorded = true;
 
@@ -71,7 +90,9 @@ RecordingReport Recording::run() {
 
 void Recording::selectChannels() {
     const auto chosen = setUpCameras(m_session, m_options.cameras, m_options.orders, m_hooks.changed);
-    for (const auto& [id, channel] : m_session.readChannels()) {
+    const auto channels = m_session.readChannels();
+    m_hooks.chosen(channels, chosen);
+    for (const auto& [id, channel] : channels) {
         if (chosen.contains(id)) m_channels.emplace(id, channel);
     }
 }
@@ -93,10 +114,18 @@ void Recording::attachSink(std::uint32_t id, const ChannelInfo& channel) {
     m_sinks.emplace(id, std::move(sink));
 }
 
+void Recording::noteTooFast(std::size_t messagesBefore) {
+    const std::vector<ChannelMessage>& told = m_messages.told();
+    for (std::size_t i = messagesBefore; i < told.size(); ++i) {
+        if (told[i].sentence.starts_with(kTooFast)) m_too_fast.insert(told[i].channel);
+    }
+}
+
 void Recording::makeFiles() {
     const auto now = m_session.readChannels();  // preparing may have changed format and size
     for (auto& [id, channel] : m_channels) {
         channel = now.at(id);
+        m_settings[id] = settingTexts(*m_session.config(id));
         const std::uint64_t bytes = channel.pictureBytes();
         m_sinks.at(id)->makeRing(ringSlots(channel.rate.value_or(kUnknownRate), bytes), bytes);
         m_writer.addChannel(channel, *m_sinks.at(id), m_options.directory);
@@ -142,17 +171,36 @@ Outcome Recording::waitForEnd() {
     return Outcome::Complete;
 }
 
-void Recording::finishReport(RecordingReport& report) {
-    if (m_writer.hasFailed()) report.outcome = Outcome::WriteFailed;
-    report.writeFailure = m_writer.failure();
+void Recording::describe(RecordingReport& report) const {
     report.title = m_session.title();
     report.plugin = m_session.plugin().name();
     report.vendorVersion = m_session.vendor().version();
     report.scenario = m_session.vendor().scenario();
+    report.startedUtc = m_started_utc;
+    if (m_options.cameras.aux) report.trigger = m_options.cameras.aux->text();
+    report.options = m_options.options;
     report.seconds = m_options.seconds;
+    report.maxSpreadNs = m_options.maxSpreadNs;
     report.directory = m_options.directory.string();
+}
+
+void Recording::finishReport(RecordingReport& report) {
+    if (m_writer.hasFailed()) report.outcome = Outcome::WriteFailed;
+    report.writeFailure = m_writer.failure();
+    describe(report);
     report.channels = m_writer.reports(m_acquisition.pulseStart());
+    for (ChannelReport& channel : report.channels) {
+        channel.settings = m_settings[channel.channel.id];
+        channel.warnedTooFast = m_too_fast.contains(channel.channel.id);
+    }
     for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());
+    addPictures(report);
+    Progress last = progress(Clock::now());
+    if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;
+    m_hooks.showProgress(last);
+}
+
+void Recording::addPictures(RecordingReport& report) {
     const auto files = m_writer.files();
     for (std::size_t i = 0; i < files.size(); ++i) {
         const auto pictures = writePictures(report.channels[i].channel, *files[i]);
@@ -163,9 +211,6 @@ void Recording::finishReport(RecordingReport& report) {
             report.failedPictures.push_back(name);
         }
     }
-    Progress last = progress(Clock::now());
-    if (report.outcome == Outcome::Complete) last.elapsed = last.seconds;
-    m_hooks.showProgress(last);
 }
 
 Progress Recording::progress(Clock::time_point now) const {

@@ -18,6 +18,8 @@ struct RecordingOptions {
     std::filesystem::path directory;
     CameraSetup cameras;
     std::vector<SettingOrder> orders;  ///< all of them, those of the file included
+    std::int64_t maxSpreadNs = kMaxSpreadNs;
+    std::vector<OptionTexts> options;  ///< for the report
     /// How long after its end a recording waits for a channel that has not got there.
     std::chrono::nanoseconds grace = std::chrono::seconds(3);
 };
@@ -28,6 +30,9 @@ struct RecordingHooks {
     std::function<void(const Progress&)> showProgress = [](const Progress&) {};
     std::function<void(const std::string&)> tell = [](const std::string&) {};
     std::function<void(const SettingChange&)> changed = [](const SettingChange&) {};
+    /// All cameras as they are set, and those that are used.
+    std::function<void(const std::map<std::uint32_t, ChannelInfo>&, const std::set<std::uint32_t>&)> chosen =
+        [](const auto&, const auto&) {};
 };
 
 /// One acquisition of a session's channels, from preparing the cameras to the files on disk. Whatever
@@ -49,10 +54,13 @@ class Recording {
     void attachSinks();
     void attachSink(std::uint32_t id, const ChannelInfo& channel);
     void makeCounterFile(std::uint32_t id, CounterKind kind, const ChannelInfo& channel);
+    void noteTooFast(std::size_t messagesBefore);
     void makeFiles();
     Outcome waitForEnd();
     bool isOver(Clock::time_point deadline) const;
     void finishReport(RecordingReport& report);
+    void describe(RecordingReport& report) const;
+    void addPictures(RecordingReport& report);
     std::chrono::nanoseconds patience() const;
     Progress progress(Clock::time_point now) const;
 
@@ -60,10 +68,13 @@ class Recording {
     RecordingOptions m_options;
     RecordingHooks m_hooks;
     std::map<std::uint32_t, ChannelInfo> m_channels;
+    std::set<std::uint32_t> m_too_fast;
+    std::map<std::uint32_t, std::vector<std::pair<std::string, std::string>>> m_settings;
     std::map<std::uint32_t, std::unique_ptr<RecordingSink>> m_sinks;
     RecordingWriter m_writer;
     bool m_has_recorded = false;
     Clock::time_point m_started;
+    std::string m_started_utc;
     MessageTeller m_messages;
     Acquisition m_acquisition;
 };

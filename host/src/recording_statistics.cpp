@@ -36,7 +36,9 @@ std::int64_t percentile(std::vector<std::int64_t> values, unsigned percent) {
 
 void RecordingStatistics::add(const RingFrame& frame, const StampReading& reading) {
     const std::optional<std::uint64_t> missing = missingBefore(reading);
-    noteLosses(gapBefore(frame.time, missing), frame);
+    const std::uint64_t gap = gapBefore(frame.time, missing);
+    noteLosses(gap, frame);
+    if (!m_stamped && m_time_base == TimeBase::Nanoseconds) addNumber(frame.time, gap);
     if (m_time_base == TimeBase::Pulses) m_pulses.add(frame.time, missing);
     if (reading.hasStamp()) addTruth(frame, reading.stamp);
     if (reading.result == VmbErrorSuccess) ++m_matches;
@@ -94,9 +96,21 @@ void RecordingStatistics::addTruth(const RingFrame& frame, const VmbSimFrameStam
     }
 }
 
+void RecordingStatistics::addNumber(std::int64_t time, std::uint64_t gap) {
+    if (m_frames == 0) m_first_time = time;
+    m_number += gap + 1;
+    m_slope.add(static_cast<double>(m_number), static_cast<double>(time - m_first_time));
+}
+
 void RecordingStatistics::addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp) {
     const auto exposure = static_cast<std::int64_t>(stamp.exposureStartNs);
     const auto way = static_cast<std::int64_t>(stamp.wayNs);
+    if (m_errors.empty()) {
+        m_first_time = frame.time;
+        m_first_exposure = exposure;
+    }
+    m_slope.add(static_cast<double>(exposure - m_first_exposure),
+                static_cast<double>(frame.time - m_first_time));
     m_errors.push_back(frame.time - exposure);
     m_ways.push_back(way);
     m_delays.push_back(frame.arrival - exposure - way);
@@ -120,9 +134,18 @@ std::optional<TimeError> RecordingStatistics::timeError() const {
     std::vector<std::int64_t> distances;
     distances.reserve(m_errors.size());
     for (const std::int64_t value : m_errors) distances.push_back(std::abs(value - error.constantNs));
+    for (std::size_t i = 0; i < m_errors.size(); ++i) {
+        if (m_errors[i] < m_ways[i] - kLateThreadNs) ++error.early;
+    }
     error.spreadMaxNs = *std::max_element(distances.begin(), distances.end());
     error.spreadP99Ns = percentile(std::move(distances), 99);
     return error;
+}
+
+std::optional<double> RecordingStatistics::slopePpm() const {
+    const std::optional<double> slope = m_slope.slope();
+    if (!slope || (!m_stamped && !m_rate)) return std::nullopt;
+    return ((m_stamped ? *slope : *slope * *m_rate / 1e9) - 1) * 1e6;
 }
 
 ChannelReport RecordingStatistics::report(std::uint64_t lostInHost,
@@ -138,6 +161,7 @@ ChannelReport RecordingStatistics::report(std::uint64_t lostInHost,
     report.matches = m_matches;
     report.mismatches = m_stamped ? m_frames - m_matches : 0;
     if (m_stamped) report.timeError = timeError();
+    report.slopePpm = slopePpm();
     if (m_time_base == TimeBase::Pulses) report.pulses = m_pulses.report(start);
     return report;
 }

@@ -8,6 +8,7 @@
 #include "frame_numbers.h"
 #include "frame_ring.h"
 #include "recording_report.h"
+#include "slope_fit.h"
 #include "vendor_probe.h"
 
 namespace host {
@@ -52,9 +53,11 @@ class RecordingStatistics {
     void noteLosses(std::uint64_t gap, const RingFrame& frame);
     std::uint64_t gapBefore(std::int64_t time, std::optional<std::uint64_t> missing) const;
     void addTruth(const RingFrame& frame, const VmbSimFrameStamp& stamp);
+    void addNumber(std::int64_t time, std::uint64_t gap);
     void addTimes(const RingFrame& frame, const VmbSimFrameStamp& stamp);
     std::uint64_t timeGap(std::int64_t time) const;
     std::optional<TimeError> timeError() const;
+    std::optional<double> slopePpm() const;
 
     bool m_stamped;
     std::optional<double> m_rate;
@@ -70,6 +73,10 @@ class RecordingStatistics {
     std::uint64_t m_unread = 0;  ///< frames without a readable stamp since the last one with it
     bool m_has_number = false;
     std::int64_t m_last_time = -1;
+    std::int64_t m_first_time = 0;
+    std::int64_t m_first_exposure = 0;
+    std::uint64_t m_number = 0;  ///< of the frame, counting those that are missing
+    SlopeFit m_slope;
     std::vector<std::int64_t> m_errors;
     std::vector<std::int64_t> m_ways;
     std::vector<std::int64_t> m_delays;

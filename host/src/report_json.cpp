@@ -1,6 +1,7 @@
 #include "report_json.h"
 
 #include "json_text.h"
+#include "time_checks.h"
 
 namespace host {
 namespace {
@@ -15,6 +16,7 @@ ordered_json channelJson(const ChannelInfo& channel) {
             {"short_id", channel.shortId},
             {"type", orNull(channel.type)},
             {"format", orNull(channel.format)},
+            {"open", channel.isOpen()},
             {"width", channel.width},
             {"height", channel.height},
             {"rate_fps", orNull(channel.rate)}};
@@ -22,11 +24,9 @@ ordered_json channelJson(const ChannelInfo& channel) {
 
 ordered_json timeErrorJson(const std::optional<TimeError>& error) {
     if (!error) return nullptr;
-    return {{"constant_ns", error->constantNs},
-            {"way_ns", error->wayNs},
-            {"delay_p99_ns", error->delayP99Ns},
-            {"spread_p99_ns", error->spreadP99Ns},
-            {"spread_max_ns", error->spreadMaxNs}};
+    return {{"constant_ns", error->constantNs},    {"way_ns", error->wayNs},
+            {"delay_p99_ns", error->delayP99Ns},   {"spread_p99_ns", error->spreadP99Ns},
+            {"spread_max_ns", error->spreadMaxNs}, {"early", error->early}};
 }
 
 ordered_json spansJson(const std::vector<PulseSpan>& spans) {
@@ -50,6 +50,18 @@ ordered_json countersJson(const std::optional<CounterReport>& counters) {
     return {{"sent", counters->sent}, {"received", counters->received}, {"unusable", counters->unusable}};
 }
 
+ordered_json settingsJson(const ChannelReport& channel) {
+    ordered_json json = ordered_json::object();
+    for (const auto& [key, text] : channel.settings) json[key] = text;
+    return json;
+}
+
+ordered_json optionsJson(const RecordingReport& report) {
+    ordered_json json = ordered_json::object();
+    for (const OptionTexts& option : report.options) json[option.name] = option.texts;
+    return json;
+}
+
 ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     ordered_json json = channelJson(channel.channel);
     json["frames"] = channel.frames;
@@ -64,8 +76,10 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["matches"] = channel.stamped ? ordered_json(channel.matches) : ordered_json(nullptr);
     json["mismatches"] = channel.stamped ? ordered_json(channel.mismatches) : ordered_json(nullptr);
     json["time_error"] = timeErrorJson(channel.timeError);
+    json["slope_ppm"] = orNull(channel.slopePpm);
     json["pulses"] = pulsesJson(channel);
     json["counters"] = countersJson(channel.counters);
+    json["settings"] = settingsJson(channel);
     return json;
 }
 
@@ -101,14 +115,19 @@ std::string recordingJson(const RecordingReport& report, const std::vector<Check
     ordered_json list = ordered_json::array();
     for (const Check& check : checks) list.push_back({{"passed", check.passed}, {"text", check.sentence}});
     const std::string sentence = failureSentence(report, checks);
+    const std::optional<std::int64_t> spread = worstSpread(report);
     return dumpJson({{"exit_code", static_cast<int>(exitCode(report, checks))},
                      {"error", orNull(sentence)},
                      {"plugin", report.plugin},
                      {"vendor_library", vendorJson(report.vendorVersion, report.scenario)},
                      {"directory", report.directory},
+                     {"started_utc", orNull(report.startedUtc)},
+                     {"trigger", orNull(report.trigger)},
+                     {"options", optionsJson(report)},
                      {"seconds", report.seconds},
                      {"outcome", outcomeText(report.outcome)},
                      {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},
+                     {"times_spread_ns", spread ? ordered_json(*spread) : ordered_json(nullptr)},
                      {"channels", channels},
                      {"checks", list},
                      {"assertion_failures", report.assertionFailures},

@@ -4,6 +4,7 @@
 
 #include "quantity_text.h"
 #include "text_table.h"
+#include "time_checks.h"
 
 namespace host {
 namespace {
@@ -13,10 +14,16 @@ std::string orUnknown(const std::string& text) {
 }
 
 std::string timeErrorText(const ChannelReport& channel) {
+    if (channel.pulses) return "times are pulse numbers";
     if (!channel.timeError) return "n/a";
     const TimeError& error = *channel.timeError;
     return duration(error.constantNs) + " (" + duration(error.wayNs) + ") / " + duration(error.spreadP99Ns) +
            " / " + duration(error.spreadMaxNs);
+}
+
+std::string sizeText(const ChannelInfo& channel) {
+    if (!channel.isOpen()) return "not open";
+    return std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height);
 }
 
 std::vector<std::string> recordingRow(const ChannelReport& channel) {
@@ -86,12 +93,22 @@ std::string verdict(const RecordingReport& report, const std::vector<Check>& che
 }  // namespace
 
 std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels) {
+    std::set<std::uint32_t> all;
+    for (const auto& [id, channel] : channels) all.insert(id);
+    return devicesText(channels, all);
+}
+
+std::string devicesText(const std::map<std::uint32_t, ChannelInfo>& channels,
+                        const std::set<std::uint32_t>& used) {
     std::vector<std::vector<std::string>> rows;
     rows.reserve(channels.size());
     for (const auto& [id, channel] : channels) {
-        rows.push_back({std::to_string(id), channel.name, orUnknown(channel.type), orUnknown(channel.format),
-                        std::to_string(channel.width) + "\u00d7" + std::to_string(channel.height),
-                        channel.rate ? decimals(*channel.rate, 2) + " fps" : "n/a"});
+        const bool isUsed = used.contains(id);
+        rows.push_back({std::to_string(id), channel.name, orUnknown(channel.type),
+                        isUsed ? orUnknown(channel.format) : "", isUsed ? sizeText(channel) : "switched off",
+                        !isUsed        ? ""
+                        : channel.rate ? decimals(*channel.rate, 2) + " fps"
+                                       : "n/a"});
     }
     return formatTable({{"id", true}, {"camera"}, {"type"}, {"format"}, {"size"}, {"rate", true}}, rows);
 }
@@ -102,11 +119,11 @@ std::string recordingText(const RecordingReport& report, const std::vector<Check
     std::string text = formatTable({{"id", true},
                                     {"frames", true},
                                     {"lost", true},
-                                    {"picture matches stamp"},
+                                    {"pictures intact"},
                                     {"time error: constant (way) / spread p99 / spread max"}},
                                    rows);
     text += pulsesText(report) + countersText(report) + filesText(report);
-    return text + verdict(report, checks);
+    return text + verdict(report, checks) + timeQualityText(report, checks);
 }
 
 }  // namespace host

@@ -32,7 +32,7 @@ Session::Session(PluginSource source, const SessionOptions& options, std::unique
     bringUp();
     if (options.frameCounters) switchFrameCountersOn();
     findDevices(options);
-    takeChannels();
+    takeChannels(options.wanted);
 }
 
 void Session::bringUp() {
@@ -101,11 +101,13 @@ bool Session::isComplete(const std::set<std::uint32_t>& found, int quiet,
     return std::includes(found.begin(), found.end(), options.wanted.begin(), options.wanted.end());
 }
 
-void Session::takeChannels() {
+void Session::takeChannels(const std::set<std::uint32_t>& wanted) {
     for (const std::uint32_t id : m_plugin.getChannelIds()) {
         auto config = m_plugin.getChannelConfig(id);
-        if (config && !takeCounter(id, *config)) m_configs.emplace(id, std::move(config));
-        m_messages.subscribe(id, m_plugin.getChannel(id));
+        const bool isCounter = config && takeCounter(id, *config);
+        if (config && !isCounter) m_configs.emplace(id, std::move(config));
+        const bool isUnused = !isCounter && !wanted.empty() && !wanted.contains(id);
+        if (!isUnused) m_messages.subscribe(id, m_plugin.getChannel(id));
     }
 }
 
@@ -139,6 +141,14 @@ std::set<std::uint32_t> Session::chooseChannels(const std::set<std::uint32_t>& w
                           "There is no channel " + std::to_string(id) + "; the channels are " + names + ".");
     }
     return wanted.empty() ? known : wanted;
+}
+
+std::set<std::uint32_t> Session::usedChannels() {
+    std::set<std::uint32_t> used;
+    for (const auto& [id, config] : m_configs) {
+        if (isUsed(*config)) used.insert(id);
+    }
+    return used;
 }
 
 std::map<std::uint32_t, ChannelInfo> Session::readChannels() {

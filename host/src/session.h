@@ -19,7 +19,8 @@ struct SessionOptions {
     int attempts = 40;
     std::function<bool()> pause;
     /// Cameras of a network answer one after the other. The search ends when these channels are there, or,
-    /// without any, when so many enumerations in a row brought nothing new to what was found.
+    /// without any, when so many enumerations in a row brought nothing new to what was found. What other
+    /// channels tell is not listened to.
     std::set<std::uint32_t> wanted;
     int quietEnumerations = 0;
     /// Every camera gets two channels beside it that count its frames.
@@ -46,6 +47,8 @@ class Session {
     /// The cameras' channels by id, as they are now.
     std::map<std::uint32_t, ChannelInfo> readChannels();
     std::shared_ptr<channel_config::IfChannelConfig> config(std::uint32_t id) { return m_configs.at(id); }
+    /// The cameras' channels that are switched on.
+    std::set<std::uint32_t> usedChannels();
     /// Those asked for, or all when none is. Throws HostFailure for an unknown one.
     std::set<std::uint32_t> chooseChannels(const std::set<std::uint32_t>& wanted);
     /// The counters of a camera; empty without any.
@@ -59,7 +62,7 @@ class Session {
     void listDevices();
     void findDevices(const SessionOptions& options);
     bool isComplete(const std::set<std::uint32_t>& found, int quiet, const SessionOptions& options) const;
-    void takeChannels();
+    void takeChannels(const std::set<std::uint32_t>& wanted);
     bool takeCounter(std::uint32_t id, channel_config::IfChannelConfig& config);
 
     PluginHandle m_plugin;

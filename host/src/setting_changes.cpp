@@ -20,6 +20,9 @@ using Kind = SettingOrder::Kind;
 
 constexpr std::size_t kSuggestions = 3;
 
+/// How the plug-in says that a camera did not take a value.
+constexpr const char* kNotTaken = "is not supported";
+
 /// May yet become right when other settings are set.
 class WrongForNow : public HostFailure {
   public:
@@ -124,6 +127,20 @@ config_items::ConfigItemVariant wantedItem(const Wish& wish, const SettingOrder&
     }
 }
 
+WrongForNow refused(const Wish& wish, const SettingOrder& order, const SettingInfo& setting,
+                    const std::string& reason) {
+    if (order.kind == Kind::Set && setting.range && reason.ends_with(kNotTaken)) {
+        // Which steps a camera takes it does not say.
+        return wish.wrong<WrongForNow>(wish.setting() + " cannot be " + order.value +
+                                       ": the camera refused it (" + reason + "). Allowed is " +
+                                       setting.allowed() + (setting.unit.empty() ? "" : ' ' + setting.unit) +
+                                       ", and the camera may take steps only: try values near to it.");
+    }
+    return wish.wrong<WrongForNow>(wish.setting() + (order.kind == Kind::Set ? " = " + order.value : "") +
+                                   " was refused: " + reason +
+                                   "; check the camera, --log-level info tells more.");
+}
+
 SettingChange carryOutAt(Session& session, const SettingOrder& order, std::uint32_t id) {
     const Wish wish(order, id);
     IfChannelConfig& config = *session.config(id);
@@ -135,10 +152,7 @@ SettingChange carryOutAt(Session& session, const SettingOrder& order, std::uint3
     checkChoice(wish, before, item);
     const std::uint64_t earlier = session.messages().count();
     if (!config.setItem(order.key, item)) {
-        throw wish.wrong<WrongForNow>(
-            wish.setting() + (order.kind == Kind::Set ? " = " + order.value : "") +
-            " was refused: " + reasonText(session.messages().takeFrom(id, earlier)) +
-            "; check the camera, --log-level info tells more.");
+        throw refused(wish, order, before, reasonText(session.messages().takeFrom(id, earlier)));
     }
     if (order.kind == Kind::RunAction) return {id, order.key, {}, {}, {}};
     // What is not available any more has no value to show.
@@ -156,7 +170,10 @@ std::vector<std::uint32_t> channelsOf(Session& session, const SettingOrder& orde
     if (order.channel.empty()) return {chosen.begin(), chosen.end()};
     for (const auto& [id, channel] : session.readChannels()) {
         if (order.channel != std::to_string(id) && order.channel != channel.shortId) continue;
-        return chosen.contains(id) ? std::vector{id} : std::vector<std::uint32_t>();
+        if (chosen.contains(id)) return {id};
+        if (order.ofFile) return {};
+        throw HostFailure(ExitCode::UnknownChannel, order.origin + ": channel " + std::to_string(id) +
+                                                        " is not among those chosen with --channel.");
     }
     throw HostFailure(ExitCode::UnknownChannel, order.origin + ": there is no channel or camera \"" +
                                                     order.channel + "\"; zelt_host devices lists them.");
@@ -172,7 +189,7 @@ void refuseRepetitions(const std::vector<Step>& steps) {
     std::map<std::pair<std::uint32_t, std::string>, std::string> origins;
     for (const Step& step : steps) {
         const SettingOrder& order = *step.order;
-        if (order.channel.empty()) continue;
+        if (!order.ofFile) continue;
         const auto [known, isNew] = origins.insert({{step.channel, order.key}, order.origin});
         if (isNew) continue;
         throw HostFailure(ExitCode::SettingsFile, order.origin + ": " + order.key + " of channel " +

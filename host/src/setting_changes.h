@@ -20,6 +20,7 @@ struct SettingOrder {
     std::string key;
     std::string value;  ///< not with an action
     Kind kind = Kind::Set;
+    bool ofFile = false;  ///< of a settings file, which may hold cameras that are not chosen
 };
 
 /// What became of it at one channel.

@@ -85,6 +85,22 @@ std::string withoutUnit(const std::string& text, const std::string& unit) {
     return number;
 }
 
+/// Refuses a number with another unit than the setting's.
+void refuseOtherUnit(const std::string& text, const std::string& unit) {
+    double number = 0;
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr == end) return;
+    const std::string digits(text.data(), result.ptr);
+    std::string rest(result.ptr, end);
+    rest.erase(0, rest.find_first_not_of(' '));
+    const bool isWord = rest.find_first_of("0123456789./+-") == std::string::npos;
+    if (rest == unit || rest.empty() || !isWord) return;
+    throw BadValue(quoted(text) + " is no number; " +
+                   (unit.empty() ? "this setting has no unit: write " + digits
+                                 : "the unit is " + unit + ": write " + digits + ' ' + unit));
+}
+
 /// Value and unit by the kind of item; what is not named is shown by its own text.
 struct Shown {
     std::string operator()(const ScalarConfigItem& item) const { return numberText(item.m_value); }
@@ -126,6 +142,7 @@ struct Read {
         throw BadValue(quoted(text) + " is neither yes nor no; write 1 or 0");
     }
     ConfigItemVariant operator()(const ScalarConfigItem& item) const {
+        refuseOtherUnit(text, item.m_unit);
         return ScalarConfigItem(parseScalar(withoutUnit(text, item.m_unit)), item.m_unit);
     }
     ConfigItemVariant operator()(const RationalScalarConfigItem& item) const {

@@ -22,6 +22,10 @@ struct Fraction {
     std::int64_t denominator = 1;
 
     double value() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
+    /// "30000/1001", or "100" for a whole number.
+    std::string text() const {
+        return std::to_string(numerator) + (denominator == 1 ? "" : '/' + std::to_string(denominator));
+    }
 };
 
 /// "30000/1001", "100" or "29.97", the last one as 2997/100. Throws BadValue.

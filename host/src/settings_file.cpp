@@ -61,6 +61,7 @@ class Parser {
         }
         SettingOrder order;
         order.origin = origin();
+        order.ofFile = true;
         order.channel = m_channel;
         order.key = trimmed(line.substr(0, sign));
         order.value = trimmed(line.substr(sign + 1));

@@ -58,6 +58,11 @@ ExitCode checkCode(const CheckResult& result) {
 std::string settingsText(const std::vector<ChannelSettings>& channels) {
     std::string text;
     for (const ChannelSettings& each : channels) {
+        if (!each.channel.isOpen()) {
+            text += "channel " + std::to_string(each.channel.id) + " \u00b7 " + each.channel.name +
+                    " \u00b7 not open\n";
+            continue;
+        }
         std::vector<std::vector<std::string>> rows;
         for (const SettingInfo& setting : each.settings) rows.push_back(settingRow(setting));
         text += "channel " + std::to_string(each.channel.id) + " \u00b7 " + each.channel.name + '\n' +
@@ -68,7 +73,7 @@ std::string settingsText(const std::vector<ChannelSettings>& channels) {
 
 std::string settingsJson(const std::vector<SettingChange>& changes,
                          const std::vector<ChannelSettings>& channels,
-                         const std::vector<ChannelMessage>& messages) {
+                         const std::vector<ChannelMessage>& messages, const std::string& closed) {
     ordered_json list = ordered_json::array();
     for (const ChannelSettings& each : channels) {
         ordered_json settings = ordered_json::array();
@@ -76,9 +81,12 @@ std::string settingsJson(const std::vector<SettingChange>& changes,
         list.push_back({{"id", each.channel.id},
                         {"name", each.channel.name},
                         {"short_id", each.channel.shortId},
+                        {"open", each.channel.isOpen()},
                         {"settings", settings}});
     }
-    return dumpJson({{"exit_code", 0},
+    const ExitCode code = closed.empty() ? ExitCode::Ok : ExitCode::CameraFailed;
+    return dumpJson({{"exit_code", static_cast<int>(code)},
+                     {"error", orNull(closed)},
                      {"changes", changesJson(changes)},
                      {"channels", list},
                      {"messages", messagesJson(messages)}});

@@ -13,14 +13,15 @@ namespace host {
 
 struct ChannelSettings {
     ChannelInfo channel;
-    std::vector<SettingInfo> settings;
+    std::vector<SettingInfo> settings;  ///< none of a camera that is not open
 };
 
-/// A table for every channel.
+/// A table for every channel whose camera is open.
 std::string settingsText(const std::vector<ChannelSettings>& channels);
+/// `closed`: what is wrong with cameras that are not open; empty when all are.
 std::string settingsJson(const std::vector<SettingChange>& changes,
                          const std::vector<ChannelSettings>& channels,
-                         const std::vector<ChannelMessage>& messages);
+                         const std::vector<ChannelMessage>& messages, const std::string& closed);
 
 /// What came of a check of several channels together.
 struct CheckResult {

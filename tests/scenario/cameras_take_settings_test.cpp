@@ -87,6 +87,8 @@ TEST_F(CamerasTakeSettings, FromAFileThatHoldsThem) {
     const json stored = list({"--set", "FrameWidth=600", "--set", "FrameOffsetX=8", "--set",
                               "CAMERA/FrameSetting=30", "--to", file.string()});
     const json loaded = list({"--from", file.string()});
+    EXPECT_EQ(settings({"--channel", "0", "--to", (m_directory.path() / "one").string()}).out,
+              "wrote the settings of 1 camera to " + (m_directory.path() / "one").string() + '\n');
     EXPECT_EQ(loaded["channels"], stored["channels"]);
     EXPECT_EQ(find(loaded, 0, "FrameOffsetX")["value"], "8");
     EXPECT_EQ(find(loaded, 1, "FrameWidth")["value"], "600");
@@ -110,6 +112,10 @@ TEST_F(CamerasTakeSettings, UnlessTheFileIsWrong) {
 TEST_F(CamerasTakeSettings, ButNoneThatIsWrong) {
     expect(settings({"--set", "FrameWidth=657"}), 14,
            {"--set: FrameWidth of channel 0 cannot be 657; it goes from 8 to 656 pixel."});
+    expect(settings({"--set", "0/FrameWidth=321"}), 14,
+           {"FrameWidth of channel 0 cannot be 321: the camera refused it", "Allowed is 8 .. 656 pixel",
+            "steps"});
+    expect(settings({"--set", "CAMERA/Exposure=5000 us"}), 14, {"this setting has no unit: write 5000."});
     expect(settings({"--set", "Gian=3"}), 14, {"channel 0 has no setting \"Gian\""});
     expect(settings({"--set", "CAMERA/TriggerMode=Aux"}), 14,
            {"cannot be \"Aux\"; the choices are GIGE/TriggerModeAux, GIGE/TriggerModeFixed."});

@@ -32,7 +32,10 @@ class TriggeredCamerasAreRecorded : public testing::Test {
 };
 
 TEST_F(TriggeredCamerasAreRecorded, WithThePulseOfEveryFrame) {
-    expectCode(record({"--aux", "30000/1001"}));
+    const ProgramResult result = record({"--aux", "30000/1001"});
+    expectCode(result);
+    EXPECT_THAT(result.out, HasSubstr("times are pulse numbers\n"));
+    EXPECT_THAT(result.out, HasSubstr("pulse n came n \u00d7 0.033366667 s after pulse 0\n"));
     for (const unsigned channel : {0u, 1u}) {
         const auto frames = scenario::readTable(file(channel, ".csv"), "pulse");
         ASSERT_FALSE(frames.empty());
@@ -52,13 +55,18 @@ TEST_F(TriggeredCamerasAreRecorded, WithThePulseOfEveryFrame) {
     const auto summary = scenario::readSummary(out());
     EXPECT_NEAR(summary["channels"][0]["rate_fps"].get<double>(), 29.97003, 1e-5);
     EXPECT_EQ(summary["channels"][0]["time_error"], nullptr);
+    EXPECT_EQ(summary["trigger"], "30000/1001");
+    EXPECT_EQ(summary["channels"][0]["settings"]["CAMERA/TriggerMode"], "GIGE/TriggerModeAux");
     EXPECT_EQ(summary["channels"][0]["pulses"]["doubled"], nlohmann::json::array());
     EXPECT_EQ(summary["channels"][0]["counters"], nullptr);
 }
 
 TEST_F(TriggeredCamerasAreRecorded, WithTheirCounters) {
-    const ProgramResult result = record({"--aux", "20", "--counters", "--channel", "1"});
+    const ProgramResult result =
+        record({"--aux", "20", "--counters", "--channel", "1", "--set", "1/FrameWidth=320"});
     expectCode(result);
+    EXPECT_THAT(result.out, HasSubstr("GigE          switched off\n"));
+    EXPECT_THAT(result.out, HasSubstr("320\u00d7492"));
     EXPECT_THAT(result.out, HasSubstr("wrote 1 raw + CSV, 2 counter CSV, 2 PNG, summary.json\n"));
     EXPECT_FALSE(exists(file(0, "-sent.csv")));
     const auto frames = scenario::readTable(file(1, ".csv"), "pulse");
@@ -104,7 +112,9 @@ TEST_F(TriggeredCamerasAreRecorded, ButNotAsTrustedWhenTheyCannotFollow) {
     const ProgramResult result = record({"--aux", "100", "--channel", "1"});
     EXPECT_EQ(result.code, 13) << result.out;
     EXPECT_THAT(result.error, HasSubstr("channel 1: Sync Out AUX frequency is too fast for the camera\n"));
-    EXPECT_THAT(result.sentences(), testing::ElementsAre(HasSubstr("pulses skipped (")));
+    EXPECT_THAT(
+        result.sentences(),
+        testing::ElementsAre(HasSubstr("pulses skipped, as the frequency is too fast for the camera; find")));
     const auto pulses = scenario::readSummary(out())["channels"][0]["pulses"];
     EXPECT_GT(pulses["skipped"].size(), 50u);
     EXPECT_EQ(pulses["doubled"], nlohmann::json::array());

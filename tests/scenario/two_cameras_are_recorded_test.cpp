@@ -7,7 +7,6 @@ using scenario::ProgramResult;
 using scenario::runProgram;
 using scenario::fs::path;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -30,15 +29,11 @@ class TwoCamerasAreRecorded : public testing::Test {
     path out() const { return m_directory.path() / "recording"; }
     /// Records one second and expects that nothing is wrong with it, times included where they can hold.
     ProgramResult record(std::vector<std::string> more = {}) {
-        std::vector<std::string> arguments = {"record", "--seconds", "1", "--out", out().string()};
+        std::vector<std::string> arguments = {"record",       "--seconds",    "1",    "--out",
+                                              out().string(), "--max-spread", "10000"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         ProgramResult result = runProgram(arguments);
-        if (kTimesHold) {
-            EXPECT_EQ(result.code, 0) << result.out << result.error;
-            EXPECT_THAT(result.sentences(), IsEmpty());
-        } else {
-            EXPECT_THAT(result.code, testing::AnyOf(0, 13)) << result.out << result.error;
-        }
+        scenario::expectTrusted(result, out());
         return result;
     }
     void expectWhole(const nlohmann::json& channel, std::size_t frames) {
@@ -67,9 +62,11 @@ TEST_F(TwoCamerasAreRecorded, WithFilesASummaryAndAVerdict) {
     EXPECT_THAT(result.out, HasSubstr("recording 1.0 s to " + out().string()));
     EXPECT_THAT(result.out, HasSubstr("100 %"));
     EXPECT_THAT(result.out, HasSubstr("wrote 2 raw + CSV, 4 PNG, summary.json\n"));
+    EXPECT_THAT(result.out, HasSubstr(result.code == 0 ? "checks passed: the recording can be trusted\n"
+                                                       : "failed: the recording cannot be trusted\n"));
     EXPECT_THAT(result.out,
-                testing::EndsWith(result.code == 0 ? "checks passed: the recording can be trusted\n"
-                                                   : "failed: the recording cannot be trusted\n"));
+                testing::ContainsRegex("\ntimes are (good to [0-9.]+ .+ \\(|not good \\()spread of 99 % of "
+                                       "the frames.*\\)\n$"));
 
     const std::size_t colour = scenario::checkChannelFiles(out(), 0, kColourBytes);
     const std::size_t grey = scenario::checkChannelFiles(out(), 1, kGreyBytes);
@@ -106,6 +103,18 @@ TEST_F(TwoCamerasAreRecorded, WithTimesOneFramePeriodApart) {
             EXPECT_GT(frames[i].frameId, frames[i - 1].frameId);
         }
     }
+}
+
+TEST_F(TwoCamerasAreRecorded, ButNotAsTrustedWhenTheirTimesScatterMoreThanAskedFor) {
+    // No system calls back within a nanosecond.
+    const ProgramResult result = runProgram(
+        {"record", "--seconds", "1", "--channel", "1", "--out", out().string(), "--max-spread", "0.001"});
+    EXPECT_EQ(result.code, 13) << result.out;
+    ASSERT_EQ(result.sentences().size(), 1u) << result.error;
+    EXPECT_THAT(result.sentences()[0],
+                HasSubstr("cannot be trusted: channel 1: spread of the time error of 99 % of the frames"));
+    EXPECT_THAT(result.out, HasSubstr("\ntimes are not good (spread of 99 % of the frames: "));
+    EXPECT_GT(scenario::readSummary(out())["times_spread_ns"], 0);
 }
 
 TEST_F(TwoCamerasAreRecorded, OrOnlyTheOneAskedFor) {

@@ -77,6 +77,35 @@ TEST(CommandLine, NamesALengthThatIsTooLong) {
     }
 }
 
+TEST(CommandLine, TakesHowFarTimesMayScatter) {
+    EXPECT_EQ(parse({"record", "--out", "d", "--seconds", "1"}).maxSpreadNs, 1'000'000);
+    EXPECT_EQ(parse({"record", "--out", "d", "--seconds", "1", "--max-spread", "2.5"}).maxSpreadNs, 2500);
+    for (const char* spread : {"0", "-1", "1e7", "nan", "50us", ""}) {
+        EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", "1", "--max-spread", spread}),
+                  std::string("--max-spread takes a number of microseconds from 0.001 to 1000000, such as "
+                              "1000, not \"") +
+                      spread + "\".");
+    }
+}
+
+TEST(CommandLine, TellsAllItsOptions) {
+    const CommandLine line = parse({"record", "--seconds", "2", "--out", "d", "--set", "A=1", "--set", "B=2",
+                                    "--counters", "--plugin", "p.so"});
+    std::map<std::string, std::vector<std::string>> options;
+    for (const host::OptionTexts& option : line.options) options[option.name] = option.texts;
+    EXPECT_EQ(options, (std::map<std::string, std::vector<std::string>>{{"--aux", {}},
+                                                                        {"--channel", {}},
+                                                                        {"--counters", {"true"}},
+                                                                        {"--from", {}},
+                                                                        {"--json", {"false"}},
+                                                                        {"--log-level", {"warning"}},
+                                                                        {"--max-spread", {"1000"}},
+                                                                        {"--out", {"d"}},
+                                                                        {"--plugin", {"p.so"}},
+                                                                        {"--seconds", {"2"}},
+                                                                        {"--set", {"A=1", "B=2"}}}));
+}
+
 TEST(CommandLine, NamesAChannelThatIsNone) {
     for (const char* channel : {"-1", "x", "1.5", "4294967296"}) {
         EXPECT_EQ(refusal({"record", "--out", "d", "--seconds", "1", "--channel", channel}),
@@ -100,6 +129,17 @@ TEST(CommandLine, TakesSettingsAndActions) {
     EXPECT_EQ(line.cameras.orders[1].kind, host::SettingOrder::Kind::Set);
     EXPECT_EQ(line.cameras.orders[2].key, "ACTION:Camera/AutoGain");
     EXPECT_EQ(line.cameras.orders[2].kind, host::SettingOrder::Kind::RunAction);
+}
+
+TEST(CommandLine, TakesSettingsOfOneChannel) {
+    const auto orders = parse({"settings", "--set", "0/FrameWidth=320", "--set", "DEV_1/CAMERA/Gain=3",
+                               "--set", "CAMERA/Gain=a/b", "--set", "/x=1"})
+                            .cameras.orders;
+    std::vector<std::string> texts;
+    for (const auto& order : orders) texts.push_back(order.channel + '|' + order.key + '|' + order.value);
+    EXPECT_THAT(texts,
+                testing::ElementsAre("0|FrameWidth|320", "DEV_1|CAMERA/Gain|3", "|CAMERA/Gain|a/b", "|/x|1"));
+    EXPECT_THAT(refusal({"settings", "--set", "0/=320"}), HasSubstr("\"0/=320\" has no key"));
 }
 
 TEST(CommandLine, TakesAWatchWithOrWithoutAnEnd) {
@@ -185,6 +225,7 @@ TEST(CommandLine, NeedsACommandAndItsOptions) {
 TEST(CommandLine, NamesWhatItDoesNotKnow) {
     EXPECT_THAT(refusal({"frobnicate"}), HasSubstr("frobnicate"));
     EXPECT_THAT(refusal({"devices", "--frob"}), HasSubstr("--frob"));
+    EXPECT_THAT(refusal({"record", "--secnds", "5", "--out", "d"}), HasSubstr("--secnds"));
 }
 
 TEST(CommandLine, GivesHelpWithTheExitCodes) {

@@ -23,6 +23,7 @@ inline ChannelReport goodChannel() {
     channel.stamped = true;
     channel.matches = 250;
     channel.timeError = {37'020'000, 36'990'000, 20'000, 41'000, 88'400};
+    channel.slopePpm = 1.5;
     return channel;
 }
 

@@ -70,6 +70,7 @@ TEST(LogConsole, WritesOneLinePerRecordFromTheLevelOn) {
         const host::LogConsole log(captured.console(), {UniLogSeverityLevel::Warning});
         ZELT_LOG(diagnostics::unilogger_zelt_plugin_gige_camera(), Notice) << "hidden";
         ZELT_LOG(diagnostics::unilogger_zelt_plugin_gige_camera(), Warning) << "two\nlines";
+        ZELT_LOG(diagnostics::unilogger_CONFIG_ITEMS(), Error) << "Camera %1 has its say as a message";
         ZELT_LOG(diagnostics::unilogger_CONFIG_ITEMS(), Error) << "number " << 5;
     }
     ZELT_LOG(diagnostics::unilogger_CONFIG_ITEMS(), Error) << "after the end";

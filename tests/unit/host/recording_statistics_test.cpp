@@ -76,6 +76,40 @@ TEST(RecordingStatistics, TellsTheDelayOfTheDelivery) {
     EXPECT_EQ(statistics.report(0).timeError->delayP99Ns, 7);
 }
 
+TEST(RecordingStatistics, CountsTimesThatAreEarlierThanTheirPictures) {
+    RecordingStatistics statistics(true, 50.0);
+    // The way is 2 ms; half a millisecond earlier is what a thread may be late.
+    for (const std::int64_t error : {2'000'000, 1'500'000, 1'499'999, 900'000}) {
+        add(statistics, 7'000'000 + error, 0, stamp(1, 7'000'000, 2'000'000));
+    }
+    EXPECT_EQ(statistics.report(0).timeError->early, 2u);
+}
+
+TEST(RecordingStatistics, TellsHowMuchFasterThanTrueTimeItsTimesRun) {
+    RecordingStatistics statistics(true, 50.0);
+    // 19.878 ms for every 20 ms: 0.122 of 20 are 6100 millionths too little.
+    for (std::uint64_t i = 0; i < 200; ++i) {
+        add(statistics, static_cast<std::int64_t>(1'000'000'000'000'000'000 + i * 19'878'000), 0,
+            stamp(i + 1, 5'000'000 + i * 20'000'000));
+    }
+    EXPECT_NEAR(statistics.report(0).slopePpm.value(), -6100, 1e-3);
+}
+
+TEST(RecordingStatistics, TellsHowMuchFasterThanTheNominalRateARealCamerasTimesRun) {
+    RecordingStatistics statistics(false, 50.0);
+    // 20.006 ms for every 20 ms; the frames 40 to 42 are missing.
+    for (std::int64_t i = 0; i < 200; ++i) {
+        if (i < 40 || i > 42) add(statistics, 1'000'000'000 + i * 20'006'000, 0, {});
+    }
+    EXPECT_NEAR(statistics.report(0).slopePpm.value(), 300, 1e-3);
+    RecordingStatistics pulses(false, 50.0, host::TimeBase::Pulses);
+    for (std::int64_t i = 0; i < 9; ++i) add(pulses, i, 0, {});
+    EXPECT_FALSE(pulses.report(0).slopePpm) << "pulses are no times";
+    RecordingStatistics single(true, 50.0);
+    add(single, 5, 0, stamp(1, 5));
+    EXPECT_FALSE(single.report(0).slopePpm) << "a line needs two points";
+}
+
 TEST(RecordingStatistics, CountsTheSpreadToBothSides) {
     RecordingStatistics statistics(true, 50.0);
     for (const std::int64_t error : {100, 100, 40}) add(statistics, 1000 + error, 0, stamp(1, 1000));

@@ -117,6 +117,20 @@ TEST_F(RecordingTest, RecordsEveryFrameOfItsLength) {
     EXPECT_EQ(m_progress.elapsed, m_progress.seconds);
 }
 
+TEST_F(RecordingTest, TellsWithWhichSettingsItWasMade) {
+    plugin().m_channels.at(0)->add("FrameWidth", config_items::ScalarConfigItem(4, "pixel"));
+    plugin().m_channels.at(0)->add("ACTION:Once", config_items::SingleValueConfigItem<bool>(false));
+    host::RecordingOptions triggered = options();
+    triggered.options = {{"--seconds", {"1"}}};
+    const RecordingReport report = record(triggered);
+    EXPECT_EQ(report.channels[0].settings,
+              (std::vector<std::pair<std::string, std::string>>{{"FrameWidth", "4 pixel"}}));
+    EXPECT_EQ(report.trigger, "");
+    ASSERT_EQ(report.options.size(), 1u);
+    EXPECT_EQ(report.options[0].name, "--seconds");
+    EXPECT_THAT(report.startedUtc, testing::MatchesRegex("20..-..-..T..:..:..\\....Z"));
+}
+
 TEST_F(RecordingTest, UsesOnlyTheChannelsAskedFor) {
     host::RecordingOptions only = options();
     only.cameras.channels = {1};
@@ -160,6 +174,17 @@ TEST_F(RecordingTest, TellsMessagesOfPreparationOnce) {
     };
     EXPECT_THAT(record().messages, ElementsAre("channel 0: Too little bandwidth"));
     EXPECT_THAT(m_told, ElementsAre("channel 0: Too little bandwidth"));
+}
+
+TEST_F(RecordingTest, KeepsInMindThatACameraCannotFollowTheTrigger) {
+    plugin().m_behaviour["prepareAcquisition"] = [this] {
+        plugin().m_channels.at(1)->m_listener(
+            exception_manager::Exception(0, "Sync Out AUX frequency is too fast for the camera", "TEST"));
+        return true;
+    };
+    const RecordingReport report = record();
+    EXPECT_FALSE(report.channels[0].warnedTooFast);
+    EXPECT_TRUE(report.channels[1].warnedTooFast);
 }
 
 TEST_F(RecordingTest, PutsTheReasonOfAFailedPreparationIntoOneSentence) {

@@ -5,6 +5,7 @@
 
 #include "checks.h"
 #include "good_report.h"
+#include "quantity_text.h"
 #include "report_json.h"
 #include "report_text.h"
 
@@ -45,14 +46,33 @@ TEST(DevicesText, AlignsItsColumns) {
               "  12  Other                         GigE  Y800    640\u00d7480        n/a\n");
 }
 
+TEST(DevicesText, SaysWhichCamerasAreSwitchedOff) {
+    EXPECT_EQ(host::devicesText({{0, colourCamera()}, {12, triggeredCamera()}}, {0}),
+              "  id  camera                        type  format  size               rate\n"
+              "   0  Manta_G-033C (50-0503300001)  GigE  Y422    656\u00d7492       50.00 fps\n"
+              "  12  Other                         GigE          switched off\n");
+}
+
+TEST(DevicesText, SaysThatACameraIsNotOpen) {
+    host::ChannelInfo closed = triggeredCamera();
+    closed.format.clear();
+    closed.width = 0;
+    closed.height = 0;
+    EXPECT_EQ(host::devicesText({{12, closed}}),
+              "  id  camera  type  format  size      rate\n"
+              "  12  Other   GigE  n/a     not open   n/a\n");
+    EXPECT_EQ(nlohmann::json::parse(host::devicesJson("P", {}, {{12, closed}}))["channels"][0]["open"],
+              false);
+}
+
 TEST(RecordingText, ShowsATableTheFilesAndTheVerdict) {
     const RecordingReport report = goodReport();
-    EXPECT_EQ(
-        host::recordingText(report, host::makeChecks(report)),
-        "  id  frames  lost  picture matches stamp  time error: constant (way) / spread p99 / spread max\n"
-        "   0     250     0  250 of 250             37.02 ms (36.99 ms) / 41 \u00b5s / 88 \u00b5s\n"
-        "wrote 1 raw + CSV, 2 PNG, summary.json\n"
-        "all 6 checks passed: the recording can be trusted\n");
+    EXPECT_EQ(host::recordingText(report, host::makeChecks(report)),
+              "  id  frames  lost  pictures intact  time error: constant (way) / spread p99 / spread max\n"
+              "   0     250     0  250 of 250       37.02 ms (36.99 ms) / 41 \u00b5s / 88 \u00b5s\n"
+              "wrote 1 raw + CSV, 2 PNG, summary.json\n"
+              "all 9 checks passed: the recording can be trusted\n"
+              "times are good to 41 \u00b5s (spread of 99 % of the frames)\n");
 }
 
 TEST(RecordingText, NamesFailedChecksAndAssertions) {
@@ -62,14 +82,14 @@ TEST(RecordingText, NamesFailedChecksAndAssertions) {
     const std::string text = host::recordingText(report, host::makeChecks(report));
     EXPECT_THAT(text, HasSubstr("\ncheck failed: 2 assertions of the plug-in failed\n"));
     EXPECT_THAT(text, HasSubstr("\ncheck failed: channel 0: 1 frame lost\n"));
-    EXPECT_THAT(text, testing::EndsWith("2 of 7 checks failed: the recording cannot be trusted\n"));
+    EXPECT_THAT(text, HasSubstr("\n2 of 10 checks failed: the recording cannot be trusted\n"));
 }
 
 TEST(RecordingText, SaysWhenItWasCutShort) {
     RecordingReport report = goodReport();
     report.outcome = Outcome::Interrupted;
     EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
-                testing::EndsWith("the recording was cut short; what is there passed all 5 checks\n"));
+                HasSubstr("\nthe recording was cut short; what is there passed all 8 checks\n"));
 }
 
 TEST(RecordingText, HasNothingToSayOfStampsThatAreNotThere) {
@@ -77,7 +97,7 @@ TEST(RecordingText, HasNothingToSayOfStampsThatAreNotThere) {
     report.channels[0].stamped = false;
     report.channels[0].timeError.reset();
     EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
-                HasSubstr("   0     250     0  n/a                    n/a\n"));
+                HasSubstr("   0     250     0  n/a              n/a\n"));
 }
 
 TEST(DevicesJson, HoldsWhatTheTableShows) {
@@ -113,7 +133,7 @@ TEST(RecordingJson, HoldsTheWholeResult) {
     EXPECT_EQ(json["vendor_library"]["simulator"], "two-cameras");
     EXPECT_EQ(json["messages"][0], "Camera X is no longer connected");
     EXPECT_EQ(json["pictures"].size(), 2u);
-    EXPECT_EQ(json["checks"].size(), 6u);
+    EXPECT_EQ(json["checks"].size(), 9u);
     const auto& channel = json["channels"][0];
     EXPECT_EQ(channel["frames"], 250);
     EXPECT_EQ(channel["frames_expected"], 250.0);
@@ -128,6 +148,39 @@ TEST(RecordingJson, HoldsTheWholeResult) {
     EXPECT_EQ(channel["time_error"]["delay_p99_ns"], 20'000);
     EXPECT_EQ(channel["time_error"]["spread_p99_ns"], 41'000);
     EXPECT_EQ(channel["time_error"]["spread_max_ns"], 88'400);
+    EXPECT_EQ(channel["time_error"]["early"], 0);
+    EXPECT_EQ(channel["slope_ppm"], 1.5);
+}
+
+TEST(RecordingJson, SaysHowItCameAbout) {
+    RecordingReport report = goodReport();
+    EXPECT_EQ(nlohmann::json::parse(host::recordingJson(report, {}))["trigger"], nullptr);
+    report.startedUtc = "2026-11-21T03:36:35.123Z";
+    report.trigger = "30000/1001";
+    report.options = {{"--seconds", {"5"}}, {"--set", {"A=1", "B=2"}}, {"--from", {}}};
+    report.channels[0].settings = {{"FrameWidth", "656 pixel"}, {"CAMERA/Gain", "3"}};
+    const auto json = nlohmann::json::parse(host::recordingJson(report, {}));
+    EXPECT_EQ(json["started_utc"], "2026-11-21T03:36:35.123Z");
+    EXPECT_EQ(json["trigger"], "30000/1001");
+    EXPECT_EQ(json["options"],
+              nlohmann::json::parse(R"({"--seconds": ["5"], "--set": ["A=1", "B=2"], "--from": []})"));
+    EXPECT_EQ(json["channels"][0]["settings"],
+              nlohmann::json::parse(R"({"FrameWidth": "656 pixel", "CAMERA/Gain": "3"})"));
+}
+
+TEST(RecordingText, SaysThatTheTimesOfATriggeredCameraArePulseNumbers) {
+    RecordingReport report = goodReport();
+    report.channels[0].timeError.reset();
+    report.channels[0].pulses = host::PulseReport{};
+    EXPECT_THAT(host::recordingText(report, {}), HasSubstr("  250 of 250       times are pulse numbers\n"));
+}
+
+TEST(UtcText, HasSecondsAndMilliseconds) {
+    using namespace std::chrono;
+    const auto day = sys_days(year(2026) / 11 / 21);
+    EXPECT_EQ(host::utcText(day + hours(3) + minutes(4) + seconds(5) + milliseconds(6)),
+              "2026-11-21T03:04:05.006Z");
+    EXPECT_EQ(host::utcText(day - microseconds(1)), "2026-11-20T23:59:59.999Z");
 }
 
 TEST(RecordingJson, SaysWhyARecordingIsNotToBeTrusted) {

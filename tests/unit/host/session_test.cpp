@@ -305,6 +305,24 @@ TEST(Session, SaysThatThePluginHasNoFrameCounters) {
     EXPECT_EQ(codeOf(creator, options), ExitCode::NoService);
 }
 
+TEST(Session, ListensOnlyToTheChannelsThatAreUsed) {
+    FakeCreator creator;
+    for (const std::uint32_t id : {0u, 1u}) creator.m_plugin->addChannel(id);
+    SessionOptions options;
+    options.wanted = {1};
+    const Session session(creator.source(), options, noVendor());
+    EXPECT_FALSE(creator.m_plugin->m_channels.at(0)->m_listener);
+    EXPECT_TRUE(creator.m_plugin->m_channels.at(1)->m_listener);
+}
+
+TEST(Session, KnowsTheChannelsThatAreSwitchedOn) {
+    FakeCreator creator;
+    for (const std::uint32_t id : {0u, 1u}) creator.m_plugin->addChannel(id);
+    Session session(creator.source(), SessionOptions{}, noVendor());
+    EXPECT_TRUE(host::setUsed(*session.config(0), false));
+    EXPECT_EQ(session.usedChannels(), std::set<std::uint32_t>{1});
+}
+
 TEST(Session, ChoosesAllChannelsOrThoseAskedFor) {
     FakeCreator creator;
     for (const std::uint32_t id : {0u, 1u, 4u}) creator.m_plugin->addChannel(id);

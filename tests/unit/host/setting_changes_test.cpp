@@ -33,7 +33,7 @@ auto choice(const char* text) {
 }
 
 SettingOrder set(const std::string& key, const std::string& value, const std::string& channel = {}) {
-    return {"--set", channel, key, value, SettingOrder::Kind::Set};
+    return {"--set", channel, key, value, SettingOrder::Kind::Set, !channel.empty()};
 }
 
 class SettingChanges : public testing::Test {
@@ -207,6 +207,36 @@ TEST_F(SettingChanges, RefusedByTheCameraTellItsMessage) {
                                                           host::ChannelMessage{1, "another channel's"}));
     channel(0).m_set = [](const std::string&, const host_test::ConfigItemVariant&) { return false; };
     EXPECT_THAT(complaint({set("Width", "8")}), HasSubstr("was refused: it gave no reason;"));
+}
+
+TEST_F(SettingChanges, RefusedThoughInTheRangeNameItAndThatThereMayBeSteps) {
+    channel(0).m_set = [&](const std::string&, const host_test::ConfigItemVariant&) {
+        channel(0).m_listener(exception_manager::Exception(0, "The feature 'Width' is not supported", ""));
+        return false;
+    };
+    EXPECT_EQ(complaint({set("Width", "321")}),
+              "--set: Width of channel 0 cannot be 321: the camera refused it (The feature 'Width' is not "
+              "supported). Allowed is 8 .. 640 pixel, and the camera may take steps only: try values near to "
+              "it.");
+}
+
+TEST_F(SettingChanges, OfOneChannelNeedNoFile) {
+    SettingOrder order = set("Width", "16", "DEV_1");
+    order.ofFile = false;
+    std::vector<std::string> texts;
+    host::carryOut(*m_session, {order, order}, {0, 1},
+                   [&](const auto& change) { texts.push_back(host::changeText(change)); });
+    EXPECT_THAT(texts, ElementsAre("channel 1: Width is 16 pixel now", "channel 1: Width is 16 pixel now"));
+    EXPECT_EQ(number(0, "Width"), 640);
+}
+
+TEST_F(SettingChanges, OfAChannelThatIsNotChosenAreRefusedWithoutAFile) {
+    SettingOrder order = set("Width", "16", "1");
+    order.ofFile = false;
+    const auto carry = [&] { host::carryOut(*m_session, {order}, {0}, [](const auto&) {}); };
+    EXPECT_THROW(carry(), host::HostFailure);
+    order.ofFile = true;
+    EXPECT_NO_THROW(carry());
 }
 
 TEST_F(SettingChanges, RunActions) {

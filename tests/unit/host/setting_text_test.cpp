@@ -120,9 +120,15 @@ TEST(SettingText, ReadsEveryKindThatCanBeGiven) {
 
 TEST(SettingText, SaysWhatIsWrongWithAValueAndWhatWouldBeRight) {
     const std::string help = "; a number is written like 640 or 0.5, a fraction like 30000/1001";
-    for (const char* text : {"abc", "", "1,5", "0x10", "12 mm", "nan", "inf", "1e999"}) {
+    for (const char* text : {"abc", "", "1,5", "0x10", "nan", "inf", "1e999"}) {
         EXPECT_EQ(complaint(ScalarConfigItem(0, "pixel"), text),
                   '"' + std::string(text) + "\" is no number" + help);
+    }
+    EXPECT_EQ(complaint(ScalarConfigItem(0, "pixel"), "12 mm"),
+              "\"12 mm\" is no number; the unit is pixel: write 12 pixel");
+    for (const char* text : {"5000 us", "5000\u00b5s"}) {
+        EXPECT_EQ(complaint(ScalarConfigItem(0, ""), text),
+                  '"' + std::string(text) + "\" is no number; this setting has no unit: write 5000");
     }
     EXPECT_EQ(complaint(ScalarConfigItem(0, "fps"), "30/0"),
               "\"30/0\" is no fraction; the number below the line must be greater than 0");

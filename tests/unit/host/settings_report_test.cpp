@@ -15,6 +15,8 @@ host::ChannelSettings manta() {
     channel.id = 2;
     channel.name = "Manta";
     channel.shortId = "DEV_2";
+    channel.width = 640;
+    channel.height = 480;
     return {
         channel,
         {SettingInfo{
@@ -38,7 +40,7 @@ TEST(SettingsReport, IsATableForEveryChannel) {
 TEST(SettingsReport, TellsProgramsSettingsChangesAndMessages) {
     const json result = json::parse(host::settingsJson(
         {{2, "Width", "643", "640 pixel", ""}, {2, "ACTION:Once", "", "", ""}, {2, "Mode", "On", "", "why"}},
-        {manta()}, {{2, "too wide"}}));
+        {manta()}, {{2, "too wide"}}, ""));
     EXPECT_EQ(result["exit_code"], 0);
     EXPECT_EQ(result["changes"][0],
               json::parse(R"({"channel": 2, "key": "Width", "asked": "643", "became": "640 pixel",
@@ -53,6 +55,18 @@ TEST(SettingsReport, TellsProgramsSettingsChangesAndMessages) {
     EXPECT_EQ(settings[1]["range"], nullptr);
     EXPECT_EQ(settings[2]["value"], nullptr);
     EXPECT_EQ(result["messages"], json::parse(R"([{"channel": 2, "text": "too wide"}])"));
+}
+
+TEST(SettingsReport, ShowsNoSettingsOfACameraThatIsNotOpen) {
+    host::ChannelSettings closed = manta();
+    closed.channel.width = 0;
+    closed.settings.clear();
+    EXPECT_EQ(host::settingsText({closed}), "channel 2 \u00b7 Manta \u00b7 not open\n");
+    const json result = json::parse(host::settingsJson({}, {closed}, {}, "Camera 2 is held."));
+    EXPECT_EQ(result["exit_code"], 12);
+    EXPECT_EQ(result["error"], "Camera 2 is held.");
+    EXPECT_EQ(result["channels"][0]["open"], false);
+    EXPECT_EQ(result["channels"][0]["settings"], json::array());
 }
 
 TEST(CheckReport, SaysWhetherTheCamerasCanRecord) {
