@@ -28,6 +28,7 @@ void Acquisition::fail(const std::string& what, const std::string& reason) {
     const std::string closed = notOpenSentence(m_session, m_session.usedChannels(), messages);
     if (!closed.empty()) throw HostFailure(ExitCode::CameraFailed, closed);
     std::vector<std::string> reasons;
+    reasons.reserve(latest.size() + 1);
     for (const ChannelMessage& message : latest) reasons.push_back(message.sentence);
     // What a camera throws it has usually reported too.
     if (!reason.empty() && std::find(reasons.begin(), reasons.end(), reason) == reasons.end()) {

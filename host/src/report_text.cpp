@@ -80,6 +80,7 @@ std::string verdict(const RecordingReport& report, const std::vector<Check>& che
         if (!check.passed) text += "check failed: " + check.sentence + '\n';
     }
     if (failed != 0) {
+        if (report.outcome != Outcome::Complete) text += "the recording was cut short; ";
         return text + std::to_string(failed) + " of " + std::to_string(checks.size()) +
                " checks failed: the recording cannot be trusted\n";
     }

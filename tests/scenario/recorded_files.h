@@ -81,14 +81,16 @@ inline nlohmann::json readSummary(const fs::path& directory) {
 }
 
 /// Whether everything that failed is times of cameras whose frames this machine handed over late, as the
-/// moments of their arrival show, which no clock fit goes through.
+/// moments of their arrival show, which no clock fit goes through. Times tell where a recording ends, and so
+/// how many frames are in it.
 inline bool onlyTimesOfLateFramesFailed(const nlohmann::json& summary) {
     constexpr std::int64_t kLate = 300'000;
     for (const auto& check : summary["checks"]) {
         if (check["passed"] == true) continue;
         const auto text = check["text"].get<std::string>();
         bool isOfTimes = false;
-        for (const char* words : {"time error", "have times more than", "slope of recorded time"}) {
+        for (const char* words :
+             {"time error", "have times more than", "slope of recorded time", "expected (within one frame"}) {
             isOfTimes = isOfTimes || text.find(words) != std::string::npos;
         }
         bool isLate = false;

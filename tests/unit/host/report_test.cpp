@@ -90,6 +90,10 @@ TEST(RecordingText, SaysWhenItWasCutShort) {
     report.outcome = Outcome::Interrupted;
     EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
                 HasSubstr("\nthe recording was cut short; what is there passed all 8 checks\n"));
+    report.channels[0].lost = 1;
+    EXPECT_THAT(host::recordingText(report, host::makeChecks(report)),
+                HasSubstr("\nthe recording was cut short; 1 of 8 checks failed: the recording cannot be "
+                          "trusted\n"));
 }
 
 TEST(RecordingText, HasNothingToSayOfStampsThatAreNotThere) {
