@@ -90,6 +90,22 @@ typedef enum VmbSimChoice {
 /// VmbErrorNotFound for an unknown choice, VmbErrorInvalidValue for an option that it does not have.
 IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
 
+// Network -------------------------------------------------------------------------------------------------
+
+/// What the packets of an interface's cameras meet on their way. Chances are in parts of 10^6, up to 10^6.
+/// All zero, as at first: nothing happens to them.
+typedef struct VmbSimLink {
+    VmbUint32_t largestPacket;  ///< bytes of the largest packet that passes, 500 to 16384; 0 means 8999
+    VmbUint32_t lossPpm;        ///< chance of each packet to get lost, also of one that was requested
+    VmbUint32_t burstPpm;       ///< chance of each packet that a burst of lost ones begins with it
+    VmbUint32_t burstPackets;   ///< length of a burst, which ends with its frame; up to 10^6
+} VmbSimLink;
+
+/// From now on the cameras of an interface send over this link; what is under way stays as it is. The random
+/// numbers follow from the seed, the camera and the frame's id. VmbErrorNotFound for an unknown interface,
+/// VmbErrorInvalidValue for what is out of range.
+IMEXPORTC VmbError_t VmbSimSetLink(const char* interfaceId, const VmbSimLink* link);
+
 // Clocks and lines ----------------------------------------------------------------------------------------
 
 /// Picks the random numbers of jitter. The same seed gives the same ones; a fresh scenario has 0.

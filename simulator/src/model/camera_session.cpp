@@ -196,7 +196,7 @@ Result CameraSession::execute(Lock&, const char* command) {
     if (is("TriggerSoftware")) m_engine.softwareTrigger();
     if (is("GevTimestampControlReset")) m_camera->resetClock(now);
     if (is("GevTimestampControlLatch")) m_camera->latchClock(now);
-    if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize();
+    if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize(m_surroundings.link->row().largestPacket);
     if (is("UserSetSave")) return m_camera->saveUserSet();
     if (is("UserSetLoad")) {
         m_engine.catchUp();

@@ -103,6 +103,8 @@ class Simulation {
     /// InvalidAccess while the camera acquires.
     Result replaceClock(const std::string& id, const OscillatorRow& oscillator);
     Result setScene(const std::string& id, const Scene& scene);
+    /// What the cameras of an interface share.
+    Result setLink(const std::string& interfaceId, const LinkRow& link);
     /// Does something with the line of one camera, or with every camera's for a null id.
     Result useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds now)>& use);
     /// BadHandle; a handle that was closed is a misuse.
@@ -115,6 +117,7 @@ class Simulation {
   private:
     struct Link {
         const InterfaceRow* row = nullptr;
+        std::shared_ptr<NetworkLink> network;
         bool plugged = true;
     };
     /// A place for a camera; without its cable, or its interface's, it has none.

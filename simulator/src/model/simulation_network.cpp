@@ -63,6 +63,14 @@ Result Simulation::plugInterface(const std::string& id, bool plugged) {
     return Result::Success;
 }
 
+Result Simulation::setLink(const std::string& interfaceId, const LinkRow& link) {
+    const Lock lock(m_mutex);
+    const Link* known = findLink(interfaceId);
+    if (known == nullptr) return Result::NotFound;
+    known->network->set(link);
+    return Result::Success;
+}
+
 Result Simulation::takeControl(const std::string& id, bool taken) {
     {
         const Lock lock(m_mutex);

@@ -36,7 +36,34 @@ bool isWithinPpb(VmbInt32_t error) {
     return error >= -1'000'000 && error <= 1'000'000;
 }
 
+bool isWithin(VmbUint64_t least, VmbUint64_t value, VmbUint64_t most) {
+    return value >= least && value <= most;
+}
+
+bool isPossible(const VmbSimLink& link) {
+    constexpr VmbUint64_t kMillion = 1'000'000;
+    return (link.largestPacket == 0 || isWithin(500, link.largestPacket, 16'384)) &&
+           link.lossPpm <= kMillion && link.burstPpm <= kMillion && link.burstPackets <= kMillion;
+}
+
+LinkRow linkRow(const VmbSimLink& link) {
+    LinkRow row;
+    if (link.largestPacket != 0) row.largestPacket = link.largestPacket;
+    row.lossPpm = link.lossPpm;
+    row.burstPpm = link.burstPpm;
+    row.burstPackets = link.burstPackets;
+    return row;
+}
+
 }  // namespace
+
+VmbError_t VmbSimSetLink(const char* interfaceId, const VmbSimLink* link) {
+    return guarded([&]() -> VmbError_t {
+        if (interfaceId == nullptr || link == nullptr) return VmbErrorBadParameter;
+        if (!isPossible(*link)) return VmbErrorInvalidValue;
+        return code(simulation().setLink(interfaceId, linkRow(*link)));
+    });
+}
 
 VmbError_t VmbSimSetScene(const char* cameraId, const VmbSimScene* scene) {
     return guarded([&]() -> VmbError_t {

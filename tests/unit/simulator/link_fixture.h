@@ -1,0 +1,61 @@
+/// Cameras on a link that a test describes, in virtual time.
+#pragma once
+
+#include <cmath>
+
+#include "virtual_fixture.h"
+
+namespace test_support {
+
+inline constexpr const char* kInterface = "SimulatedNetwork0";
+
+/// What the library's counters of a stream say.
+struct StreamCounts {
+    explicit StreamCounts(VmbHandle_t camera)
+        : delivered(intOf(camera, "StatFrameDelivered")),
+          dropped(intOf(camera, "StatFrameDropped")),
+          rescued(intOf(camera, "StatFrameRescued")),
+          underrun(intOf(camera, "StatFrameUnderrun")),
+          received(intOf(camera, "StatPacketReceived")),
+          missed(intOf(camera, "StatPacketMissed")),
+          requested(intOf(camera, "StatPacketRequested")),
+          resent(intOf(camera, "StatPacketResent")),
+          errors(intOf(camera, "StatPacketErrors")) {}
+    VmbInt64_t delivered;
+    VmbInt64_t dropped;
+    VmbInt64_t rescued;
+    VmbInt64_t underrun;
+    VmbInt64_t received;
+    VmbInt64_t missed;
+    VmbInt64_t requested;
+    VmbInt64_t resent;
+    VmbInt64_t errors;
+};
+
+class LinkTest : public VirtualTimeTest {
+  protected:
+    static void setLink(const VmbSimLink& link) {
+        ASSERT_EQ(VmbSimSetLink(kInterface, &link), VmbErrorSuccess);
+    }
+    /// Pictures of 64 x 64 bytes in packets of 64 bytes of them: 64 packets, each a row of the picture.
+    static VmbHandle_t openInRows(const char* id = kColourCamera) {
+        const VmbHandle_t camera = openFast(id);
+        setInt(camera, "Height", 64);
+        EXPECT_EQ(VmbSimForceFeature(id, "GevSCPSPacketSize", "100"), VmbErrorSuccess);
+        return camera;
+    }
+    static void acquire(Stream& stream, std::uint64_t milliseconds) {
+        stream.startCapture();
+        run(stream.camera, "AcquisitionStart");
+        advance(milliseconds * kMillisecond);
+        run(stream.camera, "AcquisitionStop");
+        advance(kSecond);
+    }
+    /// `sigmas` standard deviations of a count of `trials` with this chance. Five are left once in 1.7
+    /// million runs.
+    static double spread(double trials, double chance, double sigmas = 5) {
+        return sigmas * std::sqrt(trials * chance * (1 - chance));
+    }
+};
+
+}  // namespace test_support
