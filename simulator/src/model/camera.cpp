@@ -87,7 +87,8 @@ void Camera::settle() {
     m_features.compute("PayloadSize", payload + static_cast<std::int64_t>(m_sensor.trailer));
     settleTiming(picture);
     settleTrigger();
-    m_stream = {m_features.integer("GevSCPSPacketSize"), m_features.integer("GVSPMaxRequests")};
+    m_stream = {m_features.integer("GevSCPSPacketSize"), m_features.integer("GVSPMaxRequests"),
+                m_features.integer("GVSPTiltingSize")};
 }
 
 void Camera::settleEventBits() {

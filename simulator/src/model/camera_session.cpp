@@ -138,6 +138,11 @@ void CameraSession::hold(bool hold) {
     m_engine.hold(hold);
 }
 
+void CameraSession::cut(Nanoseconds until) {
+    const Lock lock(mutex());
+    m_engine.cut(until);
+}
+
 void CameraSession::settle() {
     const Lock lock(mutex());
     m_engine.settle();

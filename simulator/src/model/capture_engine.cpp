@@ -109,7 +109,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     if (std::exchange(m_triggerRestart, false)) m_agenda.softwareTrigger(now);
     m_camera.setAcquiring(true);
     m_camera.resetStatistics(now);
-    m_linkFreeAt = m_arrivedAt = now;
+    m_linkFreeAt = m_arrivedAt = m_dueAt = now;
     m_lastSent = m_nextId - 1;
     report(CameraEvent::AcquisitionStart, m_nextId, now);
 }

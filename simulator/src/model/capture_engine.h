@@ -86,6 +86,8 @@ class CaptureEngine {
     void abortAcquisition();
     void softwareTrigger();
     void hold(bool hold);
+    /// The network is gone from now to then: what is on it is lost.
+    void cut(Nanoseconds until);
     /// To be called before settings change: exposes what is due with those of now, should the thread be late.
     void catchUp();
     /// To be called after settings changed.
@@ -130,8 +132,9 @@ class CaptureEngine {
         FrameFate fate;
         // Known from the beginning of its transfer on.
         Nanoseconds transferAt = 0;
-        Nanoseconds arrivedAt = 0;
-        Nanoseconds dueAt = 0;
+        Nanoseconds sentAt = 0;     // the transfer ends
+        Nanoseconds arrivedAt = 0;  // with all that was requested
+        Nanoseconds dueAt = 0;      // at the client
         FramePackets packets;
         PacketTally tally;
     };
@@ -181,6 +184,7 @@ class CaptureEngine {
     std::optional<Nanoseconds> nextBooking() const;
     /// Settles when and how that frame arrives.
     void book(Nanoseconds begin);
+    void send(Exposure& exposure);
     static void weigh(Exposure& exposure);
     /// Of a frame that is booked: into the client's memory.
     void beginTransfer(Lock& lock);
@@ -224,7 +228,10 @@ class CaptureEngine {
     std::uint64_t m_nextId = 1;
     std::uint64_t m_lastSent = 0;  // id of the last frame that came to the end of its way
     Nanoseconds m_linkFreeAt = 0;  // for this camera's next frame
-    Nanoseconds m_arrivedAt = 0;   // the last frame, with all that was requested
+    Nanoseconds m_arrivedAt = 0;   // of the frame booked last, as the next
+    Nanoseconds m_dueAt = 0;
+    Nanoseconds m_goneSince = 0;  // the network of late
+    Nanoseconds m_goneUntil = 0;
     Nanoseconds m_stoppedAt = 0;
     std::uint64_t m_callbacks = 0;
     std::uint64_t m_transfers = 0;

@@ -26,7 +26,7 @@ void CaptureEngine::draw(const Transfer& transfer) {
     stamp.frameId = exposure.id;
     stamp.cameraTicks = exposure.ticks;
     stamp.exposureStart = static_cast<std::uint64_t>(exposure.start);
-    stamp.way = static_cast<std::uint64_t>(exposure.dueAt - exposure.start);
+    stamp.way = static_cast<std::uint64_t>(exposure.arrivedAt - exposure.start);
     stamp.width = exposure.shape.width;
     stamp.height = exposure.shape.height;
     if (memory.size >= payload + exposure.trailer) {

@@ -41,19 +41,44 @@ std::optional<Nanoseconds> CaptureEngine::nextBooking() const {
 void CaptureEngine::book(Nanoseconds begin) {
     Exposure& exposure = inFlight(m_bookedCount++);
     exposure.transferAt = begin;
-    exposure.arrivedAt = exposure.transferAt + exposure.transfer;
-    m_linkFreeAt = exposure.arrivedAt;
+    send(exposure);
+    m_linkFreeAt = exposure.sentAt;
     m_lastSent = exposure.id;
+    if (exposure.fate.lost) return;
+    const Nanoseconds requests = exposure.tally.rounds * kRequestRound;
+    exposure.arrivedAt = m_arrivedAt = std::max(exposure.sentAt + requests, m_arrivedAt);
+    exposure.dueAt = m_dueAt = std::max(exposure.arrivedAt + exposure.packets.lateness(), m_dueAt);
+}
+
+void CaptureEngine::send(Exposure& exposure) {
     FramePackets& packets = exposure.packets;
     packets.stream = m_camera.stream();
-    packets.link = m_surroundings.link->row();
     packets.seed = noise(m_camera.clock().seed() ^ kNetworkDraws, exposure.id);
     packets.image = exposure.shape.payload();
     packets.trailer = exposure.trailer;
+    exposure.sentAt = exposure.transferAt + exposure.transfer;
+    if (exposure.transferAt < m_goneUntil && exposure.sentAt > m_goneSince) {
+        exposure.fate.lost = true;
+        return;
+    }
+    const Passage passage = m_surroundings.link->pass(
+        {exposure.transferAt, exposure.transfer, packets.stream.packet, packets.wireBytes()});
+    packets.link = passage.link;
+    packets.overflow = passage.overflow;
+    exposure.sentAt = passage.end;
     weigh(exposure);
-    exposure.arrivedAt = m_arrivedAt =
-        std::max(exposure.arrivedAt + exposure.tally.rounds * kRequestRound, m_arrivedAt);
-    exposure.dueAt = exposure.arrivedAt;
+}
+
+void CaptureEngine::cut(Nanoseconds until) {
+    const Nanoseconds now = m_clock.now();
+    if (m_goneUntil <= now) m_goneSince = now;
+    m_goneUntil = std::max(m_goneUntil, until);
+    for (std::size_t i = 0; i < m_bookedCount; ++i) {
+        if (inFlight(i).sentAt > now) inFlight(i).fate.lost = true;
+    }
+    if (m_transfer && m_transfer->exposure.sentAt > now) giveUpTransfer(Withdrawal::PutBack);
+    m_changed.notify();
+    progress();
 }
 
 void CaptureEngine::weigh(Exposure& exposure) {

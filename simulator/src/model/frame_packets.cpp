@@ -11,7 +11,7 @@ constexpr std::uint64_t kMillion = 1'000'000;
 /// More requests than any setting permits.
 constexpr std::uint64_t kMostRequests = 1024;
 
-enum Draw : std::uint64_t { kLoss, kBurst, kAnswer };
+enum Draw : std::uint64_t { kLoss, kBurst, kAnswer, kReorder, kLate, kLateness };
 
 /// Does something of this chance happen? One draw for each kind and position of a frame.
 bool happens(std::uint64_t seed, Draw draw, std::uint64_t position, std::int64_t ppm) {
@@ -22,7 +22,8 @@ bool happens(std::uint64_t seed, Draw draw, std::uint64_t position, std::int64_t
 }  // namespace
 
 std::uint64_t FramePackets::perPacket() const {
-    return static_cast<std::uint64_t>(std::max<std::int64_t>(1, stream.packet - kPacketOverhead));
+    return static_cast<std::uint64_t>(
+        std::max<std::int64_t>(1, stream.packet - static_cast<std::int64_t>(kPacketOverhead)));
 }
 
 std::uint64_t FramePackets::imageBytes(std::uint64_t packet) const {
@@ -30,10 +31,20 @@ std::uint64_t FramePackets::imageBytes(std::uint64_t packet) const {
     return std::min(image - first, perPacket());
 }
 
+Nanoseconds FramePackets::lateness() const {
+    if (link.late == 0 || !happens(seed, kLate, 0, link.latePpm)) return 0;
+    return static_cast<Nanoseconds>(noise(noise(seed, kLateness), 0) %
+                                    static_cast<std::uint64_t>(link.late)) +
+           1;
+}
+
 PacketFate PacketWalk::next() {
     const std::uint64_t packet = m_next++;
     PacketFate fate;
-    if (!isMissed(packet)) return fate;
+    if (!isMissed(packet)) {
+        fate.requests = isOvertaken(packet) ? 1 : 0;
+        return fate;
+    }
     fate.missed = true;
     fate.arrived = false;
     while (!fate.arrived && fate.requests < m_frame.stream.requests) {
@@ -48,12 +59,19 @@ bool PacketWalk::isMissed(std::uint64_t packet) {
     }
     const bool inBurst = m_burst > 0;
     if (inBurst) --m_burst;
-    return inBurst || !m_frame.passes() || happens(m_frame.seed, kLoss, packet, m_frame.link.lossPpm);
+    return inBurst || !m_frame.passes() || packet + m_frame.overflow >= m_count ||
+           happens(m_frame.seed, kLoss, packet, m_frame.link.lossPpm);
 }
 
 bool PacketWalk::isAnswered(std::uint64_t packet, std::int64_t request) const {
     const std::uint64_t position = packet * kMostRequests + static_cast<std::uint64_t>(request);
     return m_frame.passes() && !happens(m_frame.seed, kAnswer, position, m_frame.link.lossPpm);
+}
+
+bool PacketWalk::isOvertaken(std::uint64_t packet) const {
+    const auto behind = static_cast<std::int64_t>(m_count - 1 - packet);
+    return std::min(behind, m_frame.link.reorderPackets) > m_frame.stream.tilting &&
+           happens(m_frame.seed, kReorder, packet, m_frame.link.reorderPpm);
 }
 
 PacketTally tally(const FramePackets& frame) {

@@ -117,7 +117,10 @@ void Simulation::shutdown() {
     m_sessions.clear();
     m_interfaces.clear();
     m_ancillaries.clear();
-    for (Slot& slot : m_slots) slot.session.reset();
+    for (Slot& slot : m_slots) {
+        slot.session.reset();
+        slot.goneUntil = 0;
+    }
 }
 
 const char* Simulation::scenarioName() const {
@@ -193,7 +196,7 @@ std::vector<CameraListing> Simulation::foundCameras() {
 Result Simulation::describe(const std::string& id, CameraListing& listing) {
     const Lock lock(m_mutex);
     const Slot* slot = findToOpen(id);
-    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    if (slot == nullptr || !isReachable(*slot)) return Result::NotFound;
     listing = this->listing(*slot);
     return Result::Success;
 }
@@ -211,7 +214,7 @@ CameraListing Simulation::listing(const Slot& slot) const {
 Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     const Lock lock(m_mutex);
     Slot* slot = findToOpen(id);
-    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    if (slot == nullptr || !isReachable(*slot)) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
     if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
     const auto onStart = [player = m_player, row = slot->row] { player->noteStart(row->id); };

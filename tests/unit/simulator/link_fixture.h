@@ -11,6 +11,7 @@ inline constexpr const char* kInterface = "SimulatedNetwork0";
 
 /// What the library's counters of a stream say.
 struct StreamCounts {
+    StreamCounts() = default;
     explicit StreamCounts(VmbHandle_t camera)
         : delivered(intOf(camera, "StatFrameDelivered")),
           dropped(intOf(camera, "StatFrameDropped")),
@@ -21,15 +22,23 @@ struct StreamCounts {
           requested(intOf(camera, "StatPacketRequested")),
           resent(intOf(camera, "StatPacketResent")),
           errors(intOf(camera, "StatPacketErrors")) {}
-    VmbInt64_t delivered;
-    VmbInt64_t dropped;
-    VmbInt64_t rescued;
-    VmbInt64_t underrun;
-    VmbInt64_t received;
-    VmbInt64_t missed;
-    VmbInt64_t requested;
-    VmbInt64_t resent;
-    VmbInt64_t errors;
+    StreamCounts& operator+=(const StreamCounts& more) {
+        for (const auto field : {&StreamCounts::delivered, &StreamCounts::dropped, &StreamCounts::rescued,
+                                 &StreamCounts::underrun, &StreamCounts::received, &StreamCounts::missed,
+                                 &StreamCounts::requested, &StreamCounts::resent, &StreamCounts::errors}) {
+            this->*field += more.*field;
+        }
+        return *this;
+    }
+    VmbInt64_t delivered = 0;
+    VmbInt64_t dropped = 0;
+    VmbInt64_t rescued = 0;
+    VmbInt64_t underrun = 0;
+    VmbInt64_t received = 0;
+    VmbInt64_t missed = 0;
+    VmbInt64_t requested = 0;
+    VmbInt64_t resent = 0;
+    VmbInt64_t errors = 0;
 };
 
 class LinkTest : public VirtualTimeTest {
