@@ -95,12 +95,11 @@ IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
 /// The link between an interface's cameras and the host. Chances are in parts of 10^6, up to 10^6. All zero,
 /// as at first: each camera has a path of its own, on which nothing happens.
 typedef struct VmbSimLink {
-    VmbUint64_t
-        bytesPerSecond;       ///< capacity that the cameras share, headers included; up to 10^12; 0: no limit
-    VmbUint64_t bufferBytes;  ///< what may wait for the capacity outside of the cameras, up to 10^12: packets
-                              ///< beyond it are lost; 0: no limit
-    VmbUint64_t lateNs;       ///< late frames come by 1 to so many nanoseconds later, up to 10^9
-    VmbUint32_t latePpm;      ///< chance of each frame to come late, and those behind it no earlier
+    VmbUint64_t bytesPerSecond;  ///< capacity for all cameras, headers included; to 10^12; 0: no limit
+    VmbUint64_t bufferBytes;     ///< what may wait for the capacity outside of the cameras, up to 10^12:
+                                 ///< packets beyond it are lost; 0: no limit
+    VmbUint64_t lateNs;          ///< late frames come by 1 to so many nanoseconds later, up to 10^9
+    VmbUint32_t latePpm;         ///< chance of each frame to come late, and those behind it no earlier
     VmbUint32_t largestPacket;   ///< bytes of the largest packet that passes, 500 to 16384; 0 means 8999
     VmbUint32_t lossPpm;         ///< chance of each packet to get lost, also of one that was requested
     VmbUint32_t burstPpm;        ///< chance of each packet that a burst of lost ones begins with it
