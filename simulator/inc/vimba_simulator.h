@@ -90,6 +90,36 @@ typedef enum VmbSimChoice {
 /// VmbErrorNotFound for an unknown choice, VmbErrorInvalidValue for an option that it does not have.
 IMEXPORTC VmbError_t VmbSimChoose(VmbSimChoice choice, VmbUint32_t option);
 
+// Network -------------------------------------------------------------------------------------------------
+
+/// The link between an interface's cameras and the host. Chances are in parts of 10^6, up to 10^6. All zero,
+/// as at first: each camera has a path of its own, on which nothing happens.
+typedef struct VmbSimLink {
+    VmbUint64_t bytesPerSecond;  ///< capacity for all cameras, headers included; to 10^12; 0: no limit
+    VmbUint64_t bufferBytes;     ///< what may wait for the capacity outside of the cameras, up to 10^12:
+                                 ///< packets beyond it are lost; 0: no limit
+    VmbUint64_t lateNs;          ///< late frames come by 1 to so many nanoseconds later, up to 10^9
+    VmbUint32_t latePpm;         ///< chance of each frame to come late, and those behind it no earlier
+    VmbUint32_t largestPacket;   ///< bytes of the largest packet that passes, 500 to 16384; 0 means 8999
+    VmbUint32_t lossPpm;         ///< chance of each packet to get lost, also of one that was requested
+    VmbUint32_t burstPpm;        ///< chance of each packet that a burst of lost ones begins with it
+    VmbUint32_t burstPackets;    ///< length of a burst, which ends with its frame; up to 10^6
+    VmbUint32_t reorderPpm;      ///< chance of each packet to be overtaken by others of its frame
+    VmbUint32_t reorderPackets;  ///< by so many, up to 10^6
+} VmbSimLink;
+
+/// From now on the cameras of an interface send over this link; transfers that have begun stay as they are.
+/// The random numbers follow from the seed, the camera and the frame's id. VmbErrorNotFound for an unknown
+/// interface, VmbErrorInvalidValue for what is out of range.
+IMEXPORTC VmbError_t VmbSimSetLink(const char* interfaceId, const VmbSimLink* link);
+
+/// The camera cannot be reached for so long, 1 to 10^15 nanoseconds from now, and is as before then: with
+/// automatic discovery on the events Missing and Detected come, meanwhile it is neither found nor opened, and
+/// frames are lost whose transfer falls into that time. It keeps power and settings, calls with open handles
+/// go on working. Without effect on a camera without its cable. VmbErrorApiNotStarted before VmbStartup;
+/// VmbShutdown ends it.
+IMEXPORTC VmbError_t VmbSimHiccup(const char* cameraId, VmbUint64_t ns);
+
 // Clocks and lines ----------------------------------------------------------------------------------------
 
 /// Picks the random numbers of jitter. The same seed gives the same ones; a fresh scenario has 0.
@@ -177,7 +207,7 @@ IMEXPORTC VmbError_t VmbSimWaitForFrames(const char* cameraId, VmbUint64_t count
 IMEXPORTC void VmbSimSetWatchdog(VmbUint32_t limitMs);
 
 /// Waits until every event raised so far (discovery, features) has been delivered and its callback returned;
-/// also for a round of discovery and a stop of acquisition that are under way. Not from a callback.
+/// also for a round of discovery, a hiccup and a stop of acquisition that are under way. Not from a callback.
 IMEXPORTC VmbError_t VmbSimWaitForEvents(VmbUint32_t timeoutMs);
 
 /// While held, an acquiring camera exposes nothing; everything else goes on.
@@ -245,7 +275,8 @@ typedef struct VmbSimFrameStamp {
     VmbUint64_t frameId;          ///< as in the frame record
     VmbUint64_t cameraTicks;      ///< camera clock at the start of exposure, as in the frame record
     VmbUint64_t exposureStartNs;  ///< true start of exposure, VmbSimTime
-    VmbUint64_t wayNs;            ///< nominal time from there to the callback: exposure, readout, transfer
+    VmbUint64_t wayNs;            ///< nominal time from there to the callback: exposure, readout, transfer,
+                                  ///< all waiting and requests; without what a late frame is late
     VmbUint32_t width;            ///< pixels
     VmbUint32_t height;           ///< pixels
 } VmbSimFrameStamp;

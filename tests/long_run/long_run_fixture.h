@@ -47,7 +47,19 @@ class FrameSink final : public zelt::IfChannelSink {
     std::vector<StampedFrame> frames;
 };
 
-/// Channels that count the frames of channel 0.
+/// The latest value of a counter.
+class LatestCount final : public zelt::IfChannelSink {
+  public:
+    void addSample(std::int64_t, const void* data, std::uint64_t size) override {
+        ASSERT_EQ(size, sizeof value);
+        std::memcpy(&value, data, sizeof value);
+        ++samples;
+    }
+    std::uint64_t value = 0;
+    std::uint64_t samples = 0;
+};
+
+/// Channels that count the frames of channel 0; those of the others follow.
 inline constexpr std::uint32_t kSentFrames = 0x0001'0000;
 inline constexpr std::uint32_t kReceivedFrames = 0x0002'0000;
 

@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 
 #include "disturbed_pulses.h"
 
@@ -28,6 +27,7 @@ using test_support::kMonochromeCamera;
 using test_support::kReceivedFrames;
 using test_support::kSentFrames;
 using test_support::kShorterBy;
+using test_support::LatestCount;
 using test_support::LogCapture;
 using test_support::LongRun;
 using test_support::readFrame;
@@ -114,18 +114,6 @@ class PulseAuditor final : public zelt::IfChannelSink {
     Rules m_rules;
     std::int64_t m_index = 0;
     std::int64_t m_pulse = 0;
-};
-
-/// The latest value of a counter.
-class LatestCount final : public zelt::IfChannelSink {
-  public:
-    void addSample(std::int64_t, const void* data, std::uint64_t size) override {
-        ASSERT_EQ(size, sizeof value);
-        std::memcpy(&value, data, sizeof value);
-        ++samples;
-    }
-    std::uint64_t value = 0;
-    std::uint64_t samples = 0;
 };
 
 std::size_t countOf(const std::vector<std::string>& lines, const char* what) {

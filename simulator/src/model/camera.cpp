@@ -9,8 +9,6 @@
 namespace simulator {
 namespace {
 
-constexpr std::int64_t kLargestPassingPacket = 8999;
-
 std::int64_t onGrid(std::int64_t value, const IntRange& range) {
     return value < range.min ? range.min : value - (value - range.min) % range.increment;
 }
@@ -89,6 +87,8 @@ void Camera::settle() {
     m_features.compute("PayloadSize", payload + static_cast<std::int64_t>(m_sensor.trailer));
     settleTiming(picture);
     settleTrigger();
+    m_stream = {m_features.integer("GevSCPSPacketSize"), m_features.integer("GVSPMaxRequests"),
+                m_features.integer("GVSPTiltingSize")};
 }
 
 void Camera::settleEventBits() {
@@ -244,8 +244,8 @@ void Camera::latchClock(Nanoseconds now) {
     m_features.compute("GevTimestampValue", static_cast<std::int64_t>(m_clock.ticks(now)));
 }
 
-void Camera::adjustPacketSize() {
-    m_features.compute("GevSCPSPacketSize", kLargestPassingPacket);
+void Camera::adjustPacketSize(std::int64_t largest) {
+    m_features.compute("GevSCPSPacketSize", largest);
     settle();
 }
 

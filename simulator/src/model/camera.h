@@ -15,6 +15,7 @@
 #include "chunk_data.h"
 #include "clock.h"
 #include "feature_table.h"
+#include "frame_packets.h"
 #include "sensor.h"
 #include "user_sets.h"
 
@@ -36,6 +37,7 @@ class Camera {
     CameraMemory& memory() { return m_memory; }
     const CameraClock& clock() const { return m_clock; }
     const SensorSettings& sensor() const { return m_sensor; }
+    const StreamSettings& stream() const { return m_stream; }
 
     /// Sets a feature to what it shall have at power-up. InvalidAccess for what cannot be set, or what a
     /// camera keeps without power.
@@ -64,7 +66,8 @@ class Camera {
     void replaceClock(const OscillatorRow& oscillator, Nanoseconds now);
     void seedClock(std::uint64_t seed) { m_clock.setSeed(seed); }
     void latchClock(Nanoseconds now);
-    void adjustPacketSize();
+    /// To the largest one that passes.
+    void adjustPacketSize(std::int64_t largest);
 
     void setScene(const Scene& scene) { m_scene = scene; }
     /// Lets the automatic functions work. Bits of AutomaticChange.
@@ -75,8 +78,8 @@ class Camera {
     /// The statistics of an acquisition that starts now.
     void resetStatistics(Nanoseconds now);
     void count(const char* statistic, std::int64_t times = 1);
-    /// A frame of `payload` bytes reached the client at true time `now`.
-    void noteFrame(std::uint64_t ticks, Nanoseconds now, std::uint64_t payload, bool complete);
+    /// A frame reached the client at true time `now`.
+    void noteFrame(std::uint64_t ticks, Nanoseconds now, const PacketTally& packets, bool complete);
     void noteElapsed(Nanoseconds now);
 
   private:
@@ -96,6 +99,7 @@ class Camera {
     CameraMemory m_memory;
     CameraClock m_clock;
     SensorSettings m_sensor;
+    StreamSettings m_stream;
     bool m_acquiring = false;
     AutoFunctions m_autoFunctions;
     Scene m_scene;

@@ -36,6 +36,7 @@ class CameraClock {
     Nanoseconds trueTime(Nanoseconds own) const;
 
     void setSeed(std::uint64_t seed) { m_oscillator.seed = seed; }
+    std::uint64_t seed() const { return m_oscillator.seed; }
     std::int64_t tickFrequency() const { return m_oscillator.tickFrequency; }
 
   private:

@@ -10,7 +10,7 @@ const IntRange kPackets{500, 16'384, 1};
 constexpr std::int64_t kPowerUpPacket = 8228;
 const std::vector<const char*> kRates = {"AcquisitionFrameRateLimit", "AcquisitionFrameRateAbs"};
 
-/// A setting of the library's driver that changes nothing here.
+/// A setting of the library's driver. Few change anything here.
 FeatureRow driverRow(const char* name, IntRange range, std::int64_t initial, const char* text) {
     return intRow(name, range, initial).in("/Stream/Settings").text(text);
 }

@@ -9,6 +9,7 @@
 
 #include "camera_clock.h"
 #include "feature_row.h"
+#include "network_link.h"
 
 namespace simulator {
 
@@ -35,6 +36,7 @@ struct InterfaceRow {
     const char* id;
     const char* name;
     const char* serial;
+    LinkRow link = {};
 };
 
 inline constexpr const char* kVendorName = "Allied Vision Technologies";

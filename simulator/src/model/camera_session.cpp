@@ -138,6 +138,11 @@ void CameraSession::hold(bool hold) {
     m_engine.hold(hold);
 }
 
+void CameraSession::cut(Nanoseconds until) {
+    const Lock lock(mutex());
+    m_engine.cut(until);
+}
+
 void CameraSession::settle() {
     const Lock lock(mutex());
     m_engine.settle();
@@ -196,7 +201,7 @@ Result CameraSession::execute(Lock&, const char* command) {
     if (is("TriggerSoftware")) m_engine.softwareTrigger();
     if (is("GevTimestampControlReset")) m_camera->resetClock(now);
     if (is("GevTimestampControlLatch")) m_camera->latchClock(now);
-    if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize();
+    if (is("GVSPAdjustPacketSize")) m_camera->adjustPacketSize(m_surroundings.link->row().largestPacket);
     if (is("UserSetSave")) return m_camera->saveUserSet();
     if (is("UserSetLoad")) {
         m_engine.catchUp();

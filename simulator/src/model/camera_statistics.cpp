@@ -6,9 +6,6 @@
 namespace simulator {
 namespace {
 
-/// Bytes of a packet that are not the picture's: headers of network, datagram and stream.
-constexpr std::int64_t kPacketOverhead = 20 + 8 + 8;
-
 constexpr const char* kCounts[] = {
     "StatFrameDelivered", "StatFrameDropped", "StatFrameUnderrun", "StatFrameRescued",    "StatFrameShoved",
     "StatPacketReceived", "StatPacketMissed", "StatPacketErrors",  "StatPacketRequested", "StatPacketResent"};
@@ -29,16 +26,16 @@ void Camera::resetStatistics(Nanoseconds now) {
 }
 
 void Camera::count(const char* statistic, std::int64_t times) {
-    m_features.compute(statistic, m_features.integer(statistic) + times);
+    if (times != 0) m_features.compute(statistic, m_features.integer(statistic) + times);
 }
 
-void Camera::noteFrame(std::uint64_t ticks, Nanoseconds now, std::uint64_t payload, bool complete) {
-    const std::int64_t perPacket =
-        std::max<std::int64_t>(1, m_features.integer("GevSCPSPacketSize") - kPacketOverhead);
-    const std::int64_t packets = (static_cast<std::int64_t>(payload) + perPacket - 1) / perPacket;
-    const std::int64_t missed = complete ? 0 : 1;
-    count("StatPacketReceived", packets - missed);
-    count("StatPacketMissed", missed);
+void Camera::noteFrame(std::uint64_t ticks, Nanoseconds now, const PacketTally& packets, bool complete) {
+    count(complete ? "StatFrameDelivered" : "StatFrameDropped");
+    if (complete && packets.missed > 0) count("StatFrameRescued");
+    count("StatPacketReceived", packets.received());
+    count("StatPacketMissed", packets.missed);
+    count("StatPacketRequested", packets.requested);
+    count("StatPacketResent", packets.resent);
 
     if (m_lastTicks != 0 && ticks > m_lastTicks) {
         m_features.compute("StatFrameRate", static_cast<double>(m_clock.tickFrequency()) /

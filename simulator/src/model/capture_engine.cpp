@@ -51,7 +51,7 @@ void CaptureEngine::halt() {
     m_halted = true;
     m_capturing = false;
     m_restart = m_triggerRestart = false;
-    m_inFlightCount = 0;
+    dropInFlight();
     giveUpTransfer(Withdrawal::PutBack);
     m_agenda.finish();
     m_changed.notify();
@@ -109,7 +109,7 @@ void CaptureEngine::begin(Nanoseconds now) {
     if (std::exchange(m_triggerRestart, false)) m_agenda.softwareTrigger(now);
     m_camera.setAcquiring(true);
     m_camera.resetStatistics(now);
-    m_linkFreeAt = now;
+    m_linkFreeAt = m_arrivedAt = m_dueAt = now;
     m_lastSent = m_nextId - 1;
     report(CameraEvent::AcquisitionStart, m_nextId, now);
 }
@@ -131,7 +131,7 @@ void CaptureEngine::abortAcquisition() {
     m_stoppedAt = m_clock.now();
     m_linkFreeAt = m_stoppedAt;
     m_agenda.finish();
-    m_inFlightCount = 0;
+    dropInFlight();
     giveUpTransfer(Withdrawal::PutBack);
     m_camera.setAcquiring(false);
     report(CameraEvent::AcquisitionEnd, m_lastSent, m_stoppedAt);
@@ -176,17 +176,8 @@ void CaptureEngine::settle() {
     const bool released = m_settled.holdsStream && !settings.holdsStream;
     m_settled = settings;
     m_agenda.settle(m_clock.now(), settings, isLineHigh());
-    if (released) releaseStream();
-}
-
-void CaptureEngine::releaseStream() {
-    m_linkFreeAt = m_clock.now();
-    for (std::size_t i = 0; i < m_inFlightCount; ++i) {
-        Exposure& exposure = m_inFlight[(m_firstInFlight + i) % kInFlight];
-        const Nanoseconds transfer = exposure.dueAt - exposure.transferAt;
-        exposure.transferAt = std::max(exposure.transferAt, m_linkFreeAt);
-        exposure.dueAt = m_linkFreeAt = exposure.transferAt + transfer;
-    }
+    // What was held in the camera's memory goes on its way now.
+    if (released) m_linkFreeAt = std::max(m_linkFreeAt, m_clock.now());
 }
 
 Result CaptureEngine::enqueue(const QueuedFrame& frame) {

@@ -13,6 +13,7 @@
 
 #include "camera.h"
 #include "clock.h"
+#include "frame_packets.h"
 #include "frame_queue.h"
 #include "library_thread.h"
 #include "sensor.h"
@@ -85,6 +86,8 @@ class CaptureEngine {
     void abortAcquisition();
     void softwareTrigger();
     void hold(bool hold);
+    /// The network is gone from now to then: what is on it is lost.
+    void cut(Nanoseconds until);
     /// To be called before settings change: exposes what is due with those of now, should the thread be late.
     void catchUp();
     /// To be called after settings changed.
@@ -120,13 +123,20 @@ class CaptureEngine {
         std::uint64_t id = 0;
         std::uint64_t capture = 0;  // the capture that it is for; of no use to a later one
         Nanoseconds start = 0;
-        Nanoseconds transferAt = 0;
-        Nanoseconds dueAt = 0;
+        Nanoseconds readyAt = 0;   // in the camera's memory
+        Nanoseconds transfer = 0;  // by the camera's own rate
         std::uint64_t ticks = 0;
         PictureShape shape;
         std::uint64_t trailer = 0;  // bytes behind the picture
         ChunkData chunk;
         FrameFate fate;
+        // Known from the beginning of its transfer on.
+        Nanoseconds transferAt = 0;
+        Nanoseconds sentAt = 0;     // the transfer ends
+        Nanoseconds arrivedAt = 0;  // with all that was requested
+        Nanoseconds dueAt = 0;      // at the client
+        FramePackets packets;
+        PacketTally tally;
     };
     enum class Stage { Drawing, Ready, Calling };
     enum class Withdrawal { None, Drop, PutBack };
@@ -136,7 +146,7 @@ class CaptureEngine {
         Stage stage = Stage::Drawing;
         Withdrawal withdrawal = Withdrawal::None;
     };
-    enum class Step { Edge, Trigger, Deliver, Transfer, Expose };
+    enum class Step { Edge, Trigger, Deliver, Transfer, Book, Expose };
     struct Next {
         Nanoseconds at;
         Step step;
@@ -157,18 +167,29 @@ class CaptureEngine {
     void watchLine();
     void takeEdge(Nanoseconds at);
     bool isLineHigh();
-    /// What was held in the camera's memory goes on its way now.
-    void releaseStream();
     void report(CameraEvent event, std::uint64_t id, Nanoseconds at);
     std::uint64_t clientId(std::uint64_t id) const;
     std::size_t memoryFrames() const;
+    /// Of frames whose transfer has not begun.
+    bool isMemoryFull() const;
+    void dropInFlight();
+    Exposure& inFlight(std::size_t index);
+    const Exposure& inFlight(std::size_t index) const;
     bool isUnderWay(const void* record) const;
     /// Tells those who wait in a call.
     void progress();
     void finishIfDone();
     void expose(Nanoseconds start);
+    /// When the next transfer begins, if one can.
+    std::optional<Nanoseconds> nextBooking() const;
+    /// Settles when and how that frame arrives.
+    void book(Nanoseconds begin);
+    void send(Exposure& exposure);
+    static void weigh(Exposure& exposure);
+    /// Of a frame that is booked: into the client's memory.
     void beginTransfer(Lock& lock);
     void draw(const Transfer& transfer);
+    static void damage(const Exposure& exposure, std::uint8_t* image);
     void deliver(Lock& lock);
     void giveUpTransfer(Withdrawal withdrawal);
     bool isCalling() const { return m_transfer && m_transfer->stage == Stage::Calling; }
@@ -206,7 +227,11 @@ class CaptureEngine {
     bool m_quit = false;
     std::uint64_t m_nextId = 1;
     std::uint64_t m_lastSent = 0;  // id of the last frame that came to the end of its way
-    Nanoseconds m_linkFreeAt = 0;
+    Nanoseconds m_linkFreeAt = 0;  // for this camera's next frame
+    Nanoseconds m_arrivedAt = 0;   // of the frame booked last, as the next
+    Nanoseconds m_dueAt = 0;
+    Nanoseconds m_goneSince = 0;  // the network of late
+    Nanoseconds m_goneUntil = 0;
     Nanoseconds m_stoppedAt = 0;
     std::uint64_t m_callbacks = 0;
     std::uint64_t m_transfers = 0;
@@ -214,6 +239,7 @@ class CaptureEngine {
     std::array<Exposure, kInFlight> m_inFlight;
     std::size_t m_firstInFlight = 0;
     std::size_t m_inFlightCount = 0;
+    std::size_t m_bookedCount = 0;  // of these, the first ones
     std::optional<Transfer> m_transfer;
 
     // Of the frame thread alone.

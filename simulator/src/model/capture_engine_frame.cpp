@@ -7,20 +7,13 @@
 namespace simulator {
 namespace {
 
+constexpr std::int32_t kIncomplete = -1;
 constexpr std::int32_t kTooSmall = -2;
-/// Image bytes of a lost packet.
-constexpr std::uint64_t kPacket = 1464;
+/// Image bytes that a frame lacks whose damage was ordered.
+constexpr std::uint64_t kOrderedGap = 1464;
 
 std::uint64_t gap(std::uint64_t payload) {
-    return std::min(payload, kPacket);
-}
-
-// The bytes of a packet that did not come are whatever was there.
-void damage(std::uint8_t* bytes, std::uint64_t count, std::uint64_t seed) {
-    for (std::uint64_t i = 0; i < count; ++i) {
-        seed = seed * 6'364'136'223'846'793'005U + 1'442'695'040'888'963'407U;
-        bytes[i] = static_cast<std::uint8_t>(seed >> 56);
-    }
+    return std::min(payload, kOrderedGap);
 }
 
 }  // namespace
@@ -33,19 +26,27 @@ void CaptureEngine::draw(const Transfer& transfer) {
     stamp.frameId = exposure.id;
     stamp.cameraTicks = exposure.ticks;
     stamp.exposureStart = static_cast<std::uint64_t>(exposure.start);
-    stamp.way = static_cast<std::uint64_t>(exposure.dueAt - exposure.start);
+    stamp.way = static_cast<std::uint64_t>(exposure.arrivedAt - exposure.start);
     stamp.width = exposure.shape.width;
     stamp.height = exposure.shape.height;
     if (memory.size >= payload + exposure.trailer) {
         m_picture.draw(exposure.shape, stamp, memory.buffer);
         if (exposure.trailer > 0) writeChunkTrailer(memory.buffer + payload, exposure.chunk);
-        if (exposure.fate.status != 0) {
-            damage(memory.buffer + (payload - gap(payload)) / 2, gap(payload), exposure.id);
-        }
+        damage(exposure, memory.buffer);
     } else {
         m_scratch.resize(payload);
         m_picture.draw(exposure.shape, stamp, m_scratch.data());
+        damage(exposure, m_scratch.data());
         std::memcpy(memory.buffer, m_scratch.data(), std::min<std::uint64_t>(memory.size, payload));
+    }
+}
+
+void CaptureEngine::damage(const Exposure& exposure, std::uint8_t* image) {
+    const std::uint64_t payload = exposure.shape.payload();
+    if (exposure.fate.status != 0) {
+        spoil(image + (payload - gap(payload)) / 2, gap(payload), exposure.id);
+    } else if (exposure.tally.absent() > 0) {
+        spoil(exposure.packets, image);
     }
 }
 
@@ -58,7 +59,9 @@ FrameReport CaptureEngine::report(const Transfer& transfer) const {
     report.id = clientId(exposure.id);
     report.ticks = exposure.ticks;
     report.status = exposure.fate.status;
-    report.imageSize = static_cast<std::uint32_t>(report.status == 0 ? payload : payload - gap(payload));
+    if (report.status == 0 && exposure.tally.absent() > 0) report.status = kIncomplete;
+    const std::uint64_t lacking = exposure.fate.status != 0 ? gap(payload) : exposure.tally.absentImage;
+    report.imageSize = static_cast<std::uint32_t>(payload - lacking);
     if (transfer.frame.memory.size < payload + exposure.trailer) {
         if (report.status == 0) report.status = kTooSmall;
         report.imageSize = std::min(report.imageSize, transfer.frame.memory.size);

@@ -48,9 +48,10 @@ std::optional<CaptureEngine::Next> CaptureEngine::next() const {
     };
     if (m_transfer) {
         if (m_listener.isStartAnnounced()) consider(m_transfer->exposure.dueAt, Step::Deliver);
-    } else if (m_inFlightCount > 0 && !m_camera.sensor().holdsStream) {
-        consider(m_inFlight[m_firstInFlight].transferAt, Step::Transfer);
+    } else if (m_bookedCount > 0) {
+        consider(inFlight(0).transferAt, Step::Transfer);
     }
+    if (const auto booking = nextBooking()) consider(*booking, Step::Book);
     return first;
 }
 
@@ -66,6 +67,9 @@ void CaptureEngine::step(Lock& lock, const Next& next) {
             break;
         case Step::Transfer:
             beginTransfer(lock);
+            break;
+        case Step::Book:
+            book(next.at);
             break;
         default:
             stepSensor(next);
@@ -114,68 +118,18 @@ void CaptureEngine::expose(Nanoseconds start) {
     if (changes != 0) m_listener.onAutomaticChange(changes);
     m_settled = m_camera.sensor();
     const FrameFate fate = m_surroundings.faults->next();
-    if (m_inFlightCount >= memoryFrames()) return;  // The camera's memory is full: the picture is lost.
-    Exposure& exposure = m_inFlight[(m_firstInFlight + m_inFlightCount++) % kInFlight];
+    if (isMemoryFull()) return;  // The camera's memory is full: the picture is lost.
+    Exposure& exposure = inFlight(m_inFlightCount++);
     exposure.id = id;
     exposure.capture = m_captures;
     exposure.start = start;
-    exposure.transferAt = std::max(start + settings.exposure + settings.readout, m_linkFreeAt);
-    exposure.dueAt = exposure.transferAt + settings.transfer;
+    exposure.readyAt = start + settings.exposure + settings.readout;
+    exposure.transfer = settings.transfer;
     exposure.ticks = clock.stamp(start, m_exposures++);
     exposure.shape = settings.shape;
     exposure.trailer = settings.trailer;
     if (settings.trailer > 0) exposure.chunk = m_camera.chunkData(m_agenda.exposed());
     exposure.fate = fate;
-    m_linkFreeAt = exposure.dueAt;
-}
-
-std::size_t CaptureEngine::memoryFrames() const {
-    return std::min(kInFlight, static_cast<std::size_t>(m_camera.row().memoryFrames));
-}
-
-void CaptureEngine::beginTransfer(Lock& lock) {
-    const Exposure exposure = m_inFlight[m_firstInFlight];
-    m_firstInFlight = (m_firstInFlight + 1) % kInFlight;
-    --m_inFlightCount;
-    m_lastSent = exposure.id;
-    if (!m_capturing || exposure.capture != m_captures || exposure.fate.lost) return;
-    Transfer transfer;
-    transfer.exposure = exposure;
-    if (!m_queue.take(exposure.transferAt, transfer.frame)) {
-        m_camera.count("StatFrameUnderrun");
-        return;
-    }
-    if (!isAccessible(transfer.frame.memory)) {
-        m_surroundings.misuses.add(kBufferGone, m_camera.row().id);
-        progress();
-        return;
-    }
-    m_transfer = transfer;
-    ++m_transfers;
-    lock.unlock();
-    draw(transfer);
-    lock.lock();
-    m_transfer->stage = Stage::Ready;
-    if (m_transfer->withdrawal != Withdrawal::None) giveUpTransfer(m_transfer->withdrawal);
-    progress();
-}
-
-void CaptureEngine::deliver(Lock& lock) {
-    m_transfer->stage = Stage::Calling;
-    const FrameReport frame = report(*m_transfer);
-    m_camera.count(frame.status == 0 ? "StatFrameDelivered" : "StatFrameDropped");
-    m_camera.noteFrame(frame.ticks, m_clock.now(), frame.shape.payload() + m_transfer->exposure.trailer,
-                       m_transfer->exposure.fate.status == 0);
-    m_queue.markFilled(frame.frame.memory.record);
-    for (FrameWaiter* waiter : m_frameWaiters) {
-        if (waiter->record == frame.frame.memory.record) waiter->filled = true;
-    }
-    lock.unlock();
-    m_surroundings.outlet.deliver(m_owner, frame);
-    lock.lock();
-    if (frame.frame.callback != nullptr) ++m_callbacks;
-    m_transfer.reset();
-    progress();
 }
 
 }  // namespace simulator

@@ -27,7 +27,9 @@ void Simulation::fill(const Scenario& scenario) {
     m_seed = scenario.seed;
     m_scenario = &scenario;
     m_links.clear();
-    for (const InterfaceRow& row : scenario.interfaces) m_links.push_back({&row, true});
+    for (const InterfaceRow& row : scenario.interfaces) {
+        m_links.push_back({&row, std::make_shared<NetworkLink>(row.link), true});
+    }
     m_slots.clear();
     for (const ScenarioCamera& camera : scenario.cameras) m_slots.push_back(slotOf(camera));
     m_system = std::make_shared<SystemModule>(library(), [this] { return pluggedIds(); });
@@ -115,7 +117,10 @@ void Simulation::shutdown() {
     m_sessions.clear();
     m_interfaces.clear();
     m_ancillaries.clear();
-    for (Slot& slot : m_slots) slot.session.reset();
+    for (Slot& slot : m_slots) {
+        slot.session.reset();
+        slot.goneUntil = 0;
+    }
 }
 
 const char* Simulation::scenarioName() const {
@@ -191,7 +196,7 @@ std::vector<CameraListing> Simulation::foundCameras() {
 Result Simulation::describe(const std::string& id, CameraListing& listing) {
     const Lock lock(m_mutex);
     const Slot* slot = findToOpen(id);
-    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    if (slot == nullptr || !isReachable(*slot)) return Result::NotFound;
     listing = this->listing(*slot);
     return Result::Success;
 }
@@ -209,11 +214,12 @@ CameraListing Simulation::listing(const Slot& slot) const {
 Result Simulation::open(const std::string& id, OpenMode mode, void*& handle) {
     const Lock lock(m_mutex);
     Slot* slot = findToOpen(id);
-    if (slot == nullptr || slot->camera == nullptr) return Result::NotFound;
+    if (slot == nullptr || !isReachable(*slot)) return Result::NotFound;
     if (slot->session != nullptr) return Result::InvalidAccess;
     if (slot->taken && mode == OpenMode::Full) return Result::InvalidAccess;
     const auto onStart = [player = m_player, row = slot->row] { player->noteStart(row->id); };
-    const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line, onStart};
+    const auto network = findLink(slot->row->interfaceId)->network;
+    const Surroundings surroundings{library(), m_outlet, slot->faults, slot->line, network, onStart};
     auto session = std::make_shared<CameraSession>(surroundings, slot->camera, mode == OpenMode::Full);
     void* const fresh = freshHandle();
     session->hold(slot->held);

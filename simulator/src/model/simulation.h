@@ -103,6 +103,10 @@ class Simulation {
     /// InvalidAccess while the camera acquires.
     Result replaceClock(const std::string& id, const OscillatorRow& oscillator);
     Result setScene(const std::string& id, const Scene& scene);
+    /// The camera cannot be reached for so long.
+    Result hiccup(const std::string& id, Nanoseconds span);
+    /// What the cameras of an interface share.
+    Result setLink(const std::string& interfaceId, const LinkRow& link);
     /// Does something with the line of one camera, or with every camera's for a null id.
     Result useLine(const char* id, const std::function<Result(LineInput&, Nanoseconds now)>& use);
     /// BadHandle; a handle that was closed is a misuse.
@@ -115,14 +119,16 @@ class Simulation {
   private:
     struct Link {
         const InterfaceRow* row = nullptr;
+        std::shared_ptr<NetworkLink> network;
         bool plugged = true;
     };
     /// A place for a camera; without its cable, or its interface's, it has none.
     struct Slot {
         const CameraRow* row = nullptr;
         bool cabled = true;
-        bool taken = false;       // another program controls it
-        bool controlled = false;  // the session does
+        Nanoseconds goneUntil = 0;  // it cannot be reached before
+        bool taken = false;         // another program controls it
+        bool controlled = false;    // the session does
         std::set<std::string> removed;
         bool held = false;
         OscillatorRow oscillator;
@@ -146,6 +152,7 @@ class Simulation {
     Slot* findToOpen(const std::string& id);
     Link* findLink(const std::string& id);
     CameraListing listing(const Slot& slot) const;
+    bool isReachable(const Slot& slot) const;
     /// Makes or takes away the slot's camera, whichever its cables ask for. The session that this cuts off.
     std::shared_ptr<CameraSession> settleCable(Slot& slot);
     std::shared_ptr<SystemModule> system() const;

@@ -1,4 +1,6 @@
 // Cables, interfaces, and who controls a camera.
+#include <algorithm>
+
 #include "simulation.h"
 
 namespace simulator {
@@ -10,12 +12,16 @@ Simulation::Link* Simulation::findLink(const std::string& id) {
     return nullptr;
 }
 
+bool Simulation::isReachable(const Slot& slot) const {
+    return slot.camera != nullptr && slot.goneUntil <= clock().now();
+}
+
 std::vector<std::string> Simulation::pluggedIds(const std::string& interfaceId) {
     const Lock lock(m_mutex);
     std::vector<std::string> ids;
     for (const Slot& slot : m_slots) {
         const bool asked = interfaceId.empty() || interfaceId == slot.row->interfaceId;
-        if (asked && slot.camera != nullptr) ids.emplace_back(slot.row->id);
+        if (asked && isReachable(slot)) ids.emplace_back(slot.row->id);
     }
     return ids;
 }
@@ -60,6 +66,29 @@ Result Simulation::plugInterface(const std::string& id, bool plugged) {
     }
     for (const auto& session : cut) session->disconnect();
     system()->onInterface(plugged ? "Detected" : "Missing", id);
+    return Result::Success;
+}
+
+Result Simulation::hiccup(const std::string& id, Nanoseconds span) {
+    const Nanoseconds until = clock().now() + span;
+    {
+        const Lock lock(m_mutex);
+        Slot* slot = find(id);
+        if (slot == nullptr) return Result::NotFound;
+        if (!isStarted()) return Result::ApiNotStarted;
+        if (slot->camera == nullptr) return Result::Success;
+        slot->goneUntil = std::max(slot->goneUntil, until);
+        if (slot->session != nullptr) slot->session->cut(until);
+    }
+    system()->onHiccup(until);
+    return Result::Success;
+}
+
+Result Simulation::setLink(const std::string& interfaceId, const LinkRow& link) {
+    const Lock lock(m_mutex);
+    const Link* known = findLink(interfaceId);
+    if (known == nullptr) return Result::NotFound;
+    known->network->set(link);
     return Result::Success;
 }
 

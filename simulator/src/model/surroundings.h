@@ -9,6 +9,7 @@
 #include "faults.h"
 #include "line_input.h"
 #include "misuse_log.h"
+#include "network_link.h"
 
 namespace simulator {
 
@@ -24,6 +25,7 @@ struct Surroundings : LibraryContext {
     FrameOutlet& outlet;
     std::shared_ptr<FrameFaults> faults;
     std::shared_ptr<LineInput> line;
+    std::shared_ptr<NetworkLink> link;
     std::function<void()> onStart;  ///< for every AcquisitionStart; called with the camera's mutex held
 };
 

@@ -51,6 +51,12 @@ void SystemModule::onCabling() {
     if (m_alive && m_automatic && !m_rounding) scan(false);
 }
 
+void SystemModule::onHiccup(Nanoseconds until) {
+    onCabling();
+    const Lock lock(m_mutex);
+    if (m_alive) events().post({{}, [this] { onCabling(); }, until});
+}
+
 void SystemModule::onInterface(const std::string& event, const std::string& id) {
     const Lock lock(m_mutex);
     if (!m_alive || !m_automatic) return;

@@ -31,6 +31,8 @@ class SystemModule : public FeatureModule {
     std::vector<std::string> found();
     /// A camera came or went.
     void onCabling();
+    /// A camera cannot be reached until then.
+    void onHiccup(Nanoseconds until);
     /// An interface came or went, and its cameras with it.
     void onInterface(const std::string& event, const std::string& id);
     /// Another program took a camera or gave it back.

@@ -122,6 +122,20 @@ EventAct forceFeature(const Call& call) {
     return [=](Simulation& all) { return all.forceFeature(orNull(id), feature, text); };
 }
 
+EventAct setLink(const Call& call) {
+    const std::string id = call.interfaceId();
+    const auto& rows = call.scenario.interfaces;
+    const auto own =
+        std::find_if(rows.begin(), rows.end(), [&](const InterfaceRow& row) { return id == row.id; });
+    const LinkRow link = readLink(call.arguments["link"], own->link);
+    return [id, link](Simulation& all) { return all.setLink(id, link); };
+}
+
+EventAct hiccup(const Call& call) {
+    const Nanoseconds span = call.arguments["ns"];
+    return [id = call.cameraId(), span](Simulation& all) { return all.hiccup(id, span); };
+}
+
 EventAct setScene(const Call& call) {
     const Scene scene = readScene(call.arguments["scene"], call.camera().scene);
     return [id = call.cameraId(), scene](Simulation& all) { return all.setScene(id, scene); };
@@ -154,6 +168,8 @@ constexpr ActionRow kActions[] = {
     {"silenceLine", &silenceLine},
     {"disturbLine", &disturbLine},
     {"forceFeature", &forceFeature},
+    {"setLink", &setLink},
+    {"hiccup", &hiccup},
     {"setScene", &setScene},
     {"setOscillator", &setOscillator},
 };
@@ -167,6 +183,22 @@ OscillatorRow readOscillator(const Json& object, OscillatorRow base) {
     base.driftPpb = object.value("driftPpb", base.driftPpb);
     base.driftPeriod = object.value("driftPeriodS", base.driftPeriod / kSecond) * kSecond;
     base.stampJitter = object.value("jitterNs", base.stampJitter);
+    return base;
+}
+
+LinkRow readLink(const Json& object, LinkRow base) {
+    static constexpr std::pair<const char*, std::int64_t LinkRow::*> kFields[] = {
+        {"bytesPerSecond", &LinkRow::bytesPerSecond},
+        {"bufferBytes", &LinkRow::bufferBytes},
+        {"largestPacket", &LinkRow::largestPacket},
+        {"lossPpm", &LinkRow::lossPpm},
+        {"burstPpm", &LinkRow::burstPpm},
+        {"burstPackets", &LinkRow::burstPackets},
+        {"reorderPpm", &LinkRow::reorderPpm},
+        {"reorderPackets", &LinkRow::reorderPackets},
+        {"latePpm", &LinkRow::latePpm},
+        {"lateNs", &LinkRow::late}};
+    for (const auto& [key, field] : kFields) base.*field = object.value(key, base.*field);
     return base;
 }
 

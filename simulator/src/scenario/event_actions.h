@@ -8,8 +8,10 @@ namespace simulator {
 
 using EventAct = std::function<Result(Simulation&)>;
 
-/// Oscillator, light, rhythm and fault as the schema describes them; what is left out is that of `base`.
+/// Oscillator, link, light, rhythm and fault as the schema describes them; what is left out is that of
+/// `base`.
 OscillatorRow readOscillator(const Json& object, OscillatorRow base);
+LinkRow readLink(const Json& object, LinkRow base);
 Scene readScene(const Json& object, Scene base);
 ScenarioRhythm readRhythm(const Json& object, const Place& at);
 PulseFaultRow readPulseFault(const Json& object);

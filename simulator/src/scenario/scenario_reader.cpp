@@ -84,7 +84,8 @@ class Reader {
             const Place at = Place("/interfaces") / i;
             const char* id = text(given, "id", "", at);
             if (findInterface(id) != nullptr) refuse(at / "id", inQuotes(id) + " is there twice");
-            m_scenario.interfaces.push_back({id, text(given, "name", id, at), text(given, "serial", id, at)});
+            m_scenario.interfaces.push_back({id, text(given, "name", id, at), text(given, "serial", id, at),
+                                             readLink(given.value("link", Json::object()), {})});
         }
     }
 

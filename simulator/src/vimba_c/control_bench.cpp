@@ -1,5 +1,7 @@
 // The control interface of what cameras find around them: light, clocks, the line, and open choices.
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "vendor_call.h"
 #include "vimba_simulator.h"
@@ -9,6 +11,7 @@ using namespace simulator;
 namespace {
 
 constexpr VmbUint64_t kLongest = kNever / 16;  // some 18 years
+constexpr VmbUint64_t kLongestHiccup = 1'000'000'000'000'000;
 
 template <typename Use>
 VmbError_t withLine(const char* cameraId, bool given, Use&& use) {
@@ -36,7 +39,50 @@ bool isWithinPpb(VmbInt32_t error) {
     return error >= -1'000'000 && error <= 1'000'000;
 }
 
+bool isPossible(const VmbSimLink& link) {
+    constexpr VmbUint64_t kMillion = 1'000'000;
+    const bool isPacket =
+        link.largestPacket == 0 || (link.largestPacket >= 500 && link.largestPacket <= 16'384);
+    const VmbUint32_t millions[] = {link.lossPpm,    link.burstPpm,       link.burstPackets,
+                                    link.reorderPpm, link.reorderPackets, link.latePpm};
+    return isPacket && link.bytesPerSecond <= kMillion * kMillion &&
+           link.bufferBytes <= kMillion * kMillion && link.lateNs <= kSecond &&
+           std::all_of(std::begin(millions), std::end(millions),
+                       [](auto value) { return value <= kMillion; });
+}
+
+LinkRow linkRow(const VmbSimLink& link) {
+    LinkRow row;
+    row.bytesPerSecond = static_cast<std::int64_t>(link.bytesPerSecond);
+    row.bufferBytes = static_cast<std::int64_t>(link.bufferBytes);
+    if (link.largestPacket != 0) row.largestPacket = link.largestPacket;
+    row.lossPpm = link.lossPpm;
+    row.burstPpm = link.burstPpm;
+    row.burstPackets = link.burstPackets;
+    row.reorderPpm = link.reorderPpm;
+    row.reorderPackets = link.reorderPackets;
+    row.latePpm = link.latePpm;
+    row.late = static_cast<Nanoseconds>(link.lateNs);
+    return row;
+}
+
 }  // namespace
+
+VmbError_t VmbSimSetLink(const char* interfaceId, const VmbSimLink* link) {
+    return guarded([&]() -> VmbError_t {
+        if (interfaceId == nullptr || link == nullptr) return VmbErrorBadParameter;
+        if (!isPossible(*link)) return VmbErrorInvalidValue;
+        return code(simulation().setLink(interfaceId, linkRow(*link)));
+    });
+}
+
+VmbError_t VmbSimHiccup(const char* cameraId, VmbUint64_t ns) {
+    return guarded([&]() -> VmbError_t {
+        if (cameraId == nullptr) return VmbErrorBadParameter;
+        if (ns < 1 || ns > kLongestHiccup) return VmbErrorInvalidValue;
+        return code(simulation().hiccup(cameraId, static_cast<Nanoseconds>(ns)));
+    });
+}
 
 VmbError_t VmbSimSetScene(const char* cameraId, const VmbSimScene* scene) {
     return guarded([&]() -> VmbError_t {

@@ -73,8 +73,13 @@ TEST_F(StreamTest, QueueingAllocatesNothing) {
     EXPECT_EQ(Counting::allocations(), 0);
 }
 
-TEST_F(StreamTest, AFrameAllocatesNothingFromExposureToQueueing) {
-    const VmbHandle_t camera = openFast();
+class FrameAllocations : public StreamTest {
+  protected:
+    /// While ten frames come from a camera that is set up.
+    static int duringFrames(VmbHandle_t camera);
+};
+
+int FrameAllocations::duringFrames(VmbHandle_t camera) {
     static std::atomic<int> s_frames;
     static std::atomic<int> s_counted;
     s_frames = 0;
@@ -102,9 +107,31 @@ TEST_F(StreamTest, AFrameAllocatesNothingFromExposureToQueueing) {
         VmbCaptureFrameQueue(camera, &frame, callback);
     }
     run(camera, "AcquisitionStart");
-    waitForFrames(14);
+    EXPECT_EQ(VmbSimWaitForFrames(test_support::kColourCamera, 14, test_support::kPatienceMs),
+              VmbErrorSuccess);
     stream.endCapture();
-    EXPECT_EQ(s_counted, 0);
+    return s_counted;
+}
+
+TEST_F(FrameAllocations, ThereAreNoneFromExposureToQueueing) {
+    EXPECT_EQ(duringFrames(openFast()), 0);
+}
+
+TEST_F(FrameAllocations, ThereAreNoneWherePacketsGetLostEither) {
+    VmbSimLink link{};
+    link.bytesPerSecond = 100'000'000;
+    link.bufferBytes = 100'000;
+    link.lossPpm = 100'000;
+    link.burstPpm = 1'000;
+    link.burstPackets = 5;
+    link.reorderPpm = 100'000;
+    link.reorderPackets = 1'000;
+    link.latePpm = 500'000;
+    link.lateNs = 1'000'000;
+    ASSERT_EQ(VmbSimSetLink("SimulatedNetwork0", &link), VmbErrorSuccess);
+    const VmbHandle_t camera = openFast();
+    test_support::setInt(camera, "GevSCPSPacketSize", 1500);
+    EXPECT_EQ(duringFrames(camera), 0);
 }
 
 }  // namespace

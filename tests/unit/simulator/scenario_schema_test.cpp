@@ -104,7 +104,7 @@ TEST_F(ScenarioSchema, KnowsEveryModel) {
 TEST_F(ScenarioSchema, NamesEveryKeyInTheTableForItsReaders) {
     const std::string readme = readFile(ZELT_SOURCE_DIR "/simulator/README.md");
     std::set<std::string> keys = keysOf(schema);
-    for (const char* group : {"camera", "event", "action", "rhythm", "oscillator", "scene"}) {
+    for (const char* group : {"camera", "event", "action", "rhythm", "oscillator", "link", "scene"}) {
         keys.merge(keysOf(schema["$defs"][group]));
     }
     for (const std::string& key : keys) {
