@@ -38,7 +38,7 @@ class ScenarioActions : public ScenarioTest {
         for (const ReceivedFrame& frame : stream.received()) all.push_back(frame.stamp.exposureStartNs);
         return all;
     }
-    static constexpr const char* kOfColour = R"({"camera": "DEV_000F31A10001"})";
+    static
 };
 
 TEST_F(ScenarioActions, PullAndPlugAnInterface) {
