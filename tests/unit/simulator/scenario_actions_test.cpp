@@ -38,7 +38,6 @@ class ScenarioActions : public ScenarioTest {
         for (const ReceivedFrame& frame : stream.received()) all.push_back(frame.stamp.exposureStartNs);
         return all;
     }
-    static
 };
 
 TEST_F(ScenarioActions, PullAndPlugAnInterface) {
