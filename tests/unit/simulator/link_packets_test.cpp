@@ -252,7 +252,7 @@ TEST_F(LinkPackets, EachRoundOfRequestsCostsAMillisecond) {
 }
 
 TEST_F(LinkPackets, TheSameSeedLosesTheSameAndAnotherOneOthers) {
-    const auto lost = [this](std::uint64_t seed, const char* id) {
+    const auto lost = [](std::uint64_t seed, const char* id) {
         restart();
         VmbSimSeed(seed);
         const VmbHandle_t camera = openInRows(id);
