@@ -12,18 +12,11 @@ using host::Check;
 using host::ExitCode;
 using host::Outcome;
 using host::RecordingReport;
+using host_test::failedSentences;
 using host_test::goodReport;
 using testing::HasSubstr;
 
 namespace {
-
-std::vector<std::string> failedSentences(const RecordingReport& report) {
-    std::vector<std::string> sentences;
-    for (const Check& check : host::makeChecks(report)) {
-        if (!check.passed) sentences.push_back(check.sentence);
-    }
-    return sentences;
-}
 
 ExitCode codeOf(const RecordingReport& report) {
     return host::exitCode(report, host::makeChecks(report));

@@ -1,6 +1,10 @@
 /// A recording in which nothing went wrong, for tests of what is made of it.
 #pragma once
 
+#include <string>
+#include <vector>
+
+#include "checks.h"
 #include "recording_report.h"
 
 namespace host_test {
@@ -38,6 +42,14 @@ inline RecordingReport goodReport() {
     report.channels = {goodChannel()};
     report.pictureFiles = {"channel-0-first.png", "channel-0-last.png"};
     return report;
+}
+
+inline std::vector<std::string> failedSentences(const RecordingReport& report) {
+    std::vector<std::string> sentences;
+    for (const host::Check& check : host::makeChecks(report)) {
+        if (!check.passed) sentences.push_back(check.sentence);
+    }
+    return sentences;
 }
 
 }  // namespace host_test

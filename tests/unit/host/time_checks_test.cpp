@@ -7,8 +7,8 @@
 #include "report_json.h"
 #include "report_text.h"
 
-using host::Check;
 using host::RecordingReport;
+using host_test::failedSentences;
 using host_test::goodReport;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -16,14 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-std::vector<std::string> failedSentences(const RecordingReport& report) {
-    std::vector<std::string> sentences;
-    for (const Check& check : host::makeChecks(report)) {
-        if (!check.passed) sentences.push_back(check.sentence);
-    }
-    return sentences;
-}
 
 std::string textOf(const RecordingReport& report) {
     return host::recordingText(report, host::makeChecks(report));
