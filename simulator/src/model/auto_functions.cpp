@@ -9,6 +9,9 @@ namespace {
 constexpr std::int64_t kOff = 1;
 constexpr std::int64_t kOnce = 3;
 constexpr int kLeastExposures = 3;
+constexpr double kGainStep = 0.1;
+/// Of a step: by so much its multiples may be off.
+constexpr double kRounding = 1e-6;
 
 double level(const FeatureTable& features, const Scene& scene) {
     const double milliseconds = features.number("ExposureTimeAbs") / 1000;
@@ -21,6 +24,14 @@ double percentOf(const FeatureTable& features, const char* name) {
 
 bool isWithin(double value, double aim, double tolerancePercent) {
     return std::abs(value - aim) <= aim * tolerancePercent / 100;
+}
+
+/// The lowest and the highest step of the grid within limits that may lie between two.
+double firstStep(double least, double grid) {
+    return std::ceil(least / grid - kRounding) * grid;
+}
+double lastStep(double most, double grid) {
+    return std::floor(most / grid + kRounding) * grid;
 }
 
 /// A share of the way, but one step of the grid at least; `now` when the aim is less than that away.
@@ -93,10 +104,10 @@ unsigned AutoFunctions::runGain(FeatureTable& features, const Scene& scene, bool
     const double now = level(features, scene);
     if (isWithin(now, aim, percentOf(features, "GainAutoAdjustTol"))) return 0;
     const double wanted = now > 0 && aim > 0 ? features.number("Gain") + 20 * std::log10(aim / now) : 1e9;
-    const double least = features.number("GainAutoMin");
-    const double most = std::max(least, features.number("GainAutoMax"));
-    const bool moved =
-        approach(features, "Gain", std::clamp(wanted, least, most), percentOf(features, "GainAutoRate"), 0.1);
+    const double least = firstStep(features.number("GainAutoMin"), kGainStep);
+    const double most = std::max(least, lastStep(features.number("GainAutoMax"), kGainStep));
+    const bool moved = approach(features, "Gain", std::clamp(wanted, least, most),
+                                percentOf(features, "GainAutoRate"), kGainStep);
     settled = !moved;
     return moved ? kGainMoved : 0U;
 }

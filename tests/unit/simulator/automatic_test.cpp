@@ -169,6 +169,27 @@ TEST_F(Automatic, TheSlowestRateArrivesAllTheSame) {
     EXPECT_NEAR(balance(camera, "Red"), 2.0, 0.1);
 }
 
+TEST_F(Automatic, GainStaysWithinLimitsThatAreBetweenItsSteps) {
+    const VmbHandle_t camera = acquire();
+    setFloat(camera, "GainAutoMin", 3.04);
+    setFloat(camera, "GainAutoMax", 12.36);
+    setEnum(camera, "GainAuto", "Continuous");
+    light(0.5);
+    frames(5);
+    EXPECT_NEAR(floatOf(camera, "Gain"), 12.3, 1e-9);
+    light(1'000);
+    frames(5);
+    EXPECT_NEAR(floatOf(camera, "Gain"), 3.1, 1e-9);
+    // Limits that are steps are reached.
+    setFloat(camera, "GainAutoMax", 12.4);
+    setFloat(camera, "GainAutoMin", 0.3);
+    frames(5);
+    EXPECT_NEAR(floatOf(camera, "Gain"), 0.3, 1e-9);
+    light(0.5);
+    frames(5);
+    EXPECT_NEAR(floatOf(camera, "Gain"), 12.4, 1e-9);
+}
+
 TEST_F(Automatic, WhiteBalanceSettlesOnBothRatios) {
     light(10, 1.73, 2.41);
     const VmbHandle_t camera = acquire();
