@@ -87,8 +87,10 @@ void Camera::settle() {
     m_features.compute("PayloadSize", payload + static_cast<std::int64_t>(m_sensor.trailer));
     settleTiming(picture);
     settleTrigger();
-    m_stream = {m_features.integer("GevSCPSPacketSize"), m_features.integer("GVSPMaxRequests"),
-                m_features.integer("GVSPTiltingSize")};
+    // A forced value may be anything; a lost packet must come to its end all the same.
+    const std::int64_t requests =
+        std::min(m_features.integer("GVSPMaxRequests"), m_features.at("GVSPMaxRequests").intRange.max);
+    m_stream = {m_features.integer("GevSCPSPacketSize"), requests, m_features.integer("GVSPTiltingSize")};
 }
 
 void Camera::settleEventBits() {

@@ -215,6 +215,22 @@ TEST_F(LinkPackets, AFrameOfWhichNothingCameNeverArrives) {
     stream.endCapture();
 }
 
+TEST_F(LinkPackets, RequestsThatWereForcedBeyondAllMeasureEndWithTheMostOfTheSetting) {
+    const VmbHandle_t camera = openInRows();
+    allowRequests("1000000000000");
+    VmbSimLink link{};
+    link.largestPacket = 500;
+    setLink(link);
+    ASSERT_EQ(VmbSimForceFeature(kColourCamera, "GevSCPSPacketSize", "1000"), VmbErrorSuccess);
+    Stream stream(camera);
+    acquire(stream, 5);
+    const StreamCounts counts(camera);
+    EXPECT_EQ(counts.dropped, 1);
+    EXPECT_EQ(counts.missed, 5) << "packets with 964 of 4096 bytes each";
+    EXPECT_EQ(counts.requested, 5 * 512);
+    stream.endCapture();
+}
+
 TEST_F(LinkPackets, EachRoundOfRequestsCostsAMillisecond) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);
