@@ -90,6 +90,8 @@ void CaptureEngine::endCapture(Lock& lock) {
     waitUntilQuiet(lock);
     // Behind the wait: the last callback may have queued its frame again.
     m_queue.flush();
+    // The thread may wait for the time of a frame that was given up.
+    m_changed.notify();
     progress();
 }
 

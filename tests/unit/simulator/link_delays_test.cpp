@@ -89,6 +89,26 @@ TEST_F(LinkDelays, NoFrameOvertakesALateOne) {
     stream.endCapture();
 }
 
+TEST_F(LinkDelays, AStopDoesNotWaitForALateFrameThatNobodyTakesAnyMore) {
+    const VmbHandle_t camera = openFast();
+    test_support::setEnum(camera, "EventSelector", "AcquisitionEnd");
+    test_support::setEnum(camera, "EventNotification", "On");
+    Invalidations ends;
+    ends.registerOn(camera, "EventAcquisitionEnd");
+    setLink(late(1'000'000, kSecond));
+    Stream stream(camera);
+    stream.startCapture();
+    run(camera, "AcquisitionStart");
+    advance(95 * kMillisecond);
+    run(camera, "AcquisitionStop");
+    advance(5 * kMillisecond);
+    EXPECT_LT(stream.ids().size(), 10u);
+    EXPECT_THAT(ends.names(), ::testing::IsEmpty()) << "the others may still come";
+    stream.endCapture();
+    advance(1);
+    EXPECT_EQ(ends.names().size(), 1u);
+}
+
 TEST_F(LinkDelays, WhatIsOvertakenByMoreThanTheLibraryPutsUpWithIsRequestedForNothing) {
     const VmbHandle_t camera = openInRows();
     setInt(camera, "GVSPTiltingSize", 10);
