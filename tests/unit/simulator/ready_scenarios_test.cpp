@@ -1,4 +1,5 @@
 // Each ready scenario keeps its promise.
+#include <map>
 #include <set>
 
 #include "link_fixture.h"
@@ -46,6 +47,26 @@ class ReadyScenarios : public test_support::ScenarioTest {
         rhythm.widthNs = 5 * kMillisecond;
         ASSERT_EQ(VmbSimDriveLine(nullptr, &rhythm), VmbErrorSuccess);
     }
+    /// Three packets in a thousand alone would be 0.63 of a frame's 210. Bursts add 0.0001 times 20 for each
+    /// packet, less for the last 19, with which they end: 0.401. A burst of n counts n times n in the
+    /// variance.
+    static void expectBursts(VmbInt64_t missed, double frames) {
+        const double mean = frames * (0.401 + 0.003 * (210 - 0.401));
+        const double variance = frames * (0.0001 * (191 * 400 + 2'470) + 0.63);
+        EXPECT_NEAR(static_cast<double>(missed), mean, 5 * std::sqrt(variance));
+        EXPECT_GT(mean - 5 * std::sqrt(variance), frames * 0.63 + 5 * std::sqrt(frames * 0.63))
+            << "bursts can be told";
+    }
+    /// Ways of four frames that were exposed at once: 307200 bytes and 210 headers of 36 at 60 million bytes
+    /// per second, one behind the other; a round of requests costs any of them a millisecond.
+    static void expectShared(Numbers ways) {
+        ASSERT_EQ(ways.size(), 4u);
+        std::sort(ways.begin(), ways.end());
+        for (std::size_t i = 1; i < ways.size(); ++i) {
+            const auto step = static_cast<std::int64_t>(ways[i] - ways[i - 1]);
+            EXPECT_TRUE(step == 4'246'000 || step == 5'246'000 || step == 6'246'000) << step;
+        }
+    }
     static Numbers pulses(const Stream& stream, std::uint64_t start) {
         Numbers numbers;
         for (const auto& frame : stream.received()) {
@@ -73,8 +94,11 @@ TEST_F(ReadyScenarios, AreTheFilesOfTheirNamesAndToldToReaders) {
 TEST_F(ReadyScenarios, TwoCameras) {
     startReady("two-cameras");
     EXPECT_EQ(cameraCount(), 2u);
-    EXPECT_EQ(intOf(open(kColourCamera), "SensorWidth"), 656);
+    EXPECT_EQ(enumOf(open(kColourCamera), "SensorType"), "Bayer");
     EXPECT_EQ(enumOf(open(kMonochromeCamera), "SensorType"), "Mono");
+    VmbUint32_t interfaces = 0;
+    VmbInterfacesList(nullptr, 0, &interfaces, sizeof(VmbInterfaceInfo_t));
+    EXPECT_EQ(interfaces, 1u);
     EXPECT_STREQ(VmbSimScenarioName(), "two-cameras");
 }
 
@@ -227,8 +251,12 @@ TEST_F(ReadyScenarios, BusyNetwork) {
     constexpr VmbInt64_t kPulses = 600;
     advance(kPulses * 50 * kMillisecond - kMillisecond);
     test_support::StreamCounts all;
+    std::map<std::uint64_t, Numbers> ways;  // of the frames of each pulse
+    double late = 0;
     for (const auto& stream : streams) {
         const test_support::StreamCounts counts(stream->camera);
+        EXPECT_EQ(intOf(stream->camera, "SensorWidth"), 640);
+        EXPECT_EQ(intOf(stream->camera, "SensorHeight"), 480);
         EXPECT_EQ(counts.underrun, 0);
         EXPECT_EQ(counts.delivered + counts.dropped, kPulses) << "every frame arrives";
         EXPECT_EQ(counts.received + counts.missed - counts.resent, kPulses * 210) << "of 1464 bytes";
@@ -238,6 +266,10 @@ TEST_F(ReadyScenarios, BusyNetwork) {
             const bool whole = frame.record.receiveStatus == VmbFrameStatusComplete;
             EXPECT_EQ(frame.verdict, whole ? VmbErrorSuccess : VmbErrorIncomplete) << frame.record.frameID;
             EXPECT_LT(frame.at, frame.stamp.exposureStartNs + 50 * kMillisecond) << "before the next";
+            ways[frame.record.frameID].push_back(frame.stamp.wayNs);
+            const std::uint64_t lateness = frame.at - frame.stamp.exposureStartNs - frame.stamp.wayNs;
+            EXPECT_LE(lateness, 20 * kMillisecond);
+            late += lateness > 0 ? 1 : 0;
         }
         all += counts;
         stream->endCapture();
@@ -250,6 +282,9 @@ TEST_F(ReadyScenarios, BusyNetwork) {
     EXPECT_GE(all.dropped, 1);
     EXPECT_LE(all.dropped, 25);
     EXPECT_GT(all.requested, all.missed) << "some were only overtaken";
+    EXPECT_NEAR(late, 4 * kPulses * 0.005, 5 * std::sqrt(4 * kPulses * 0.005));
+    expectBursts(all.missed, 4 * kPulses);
+    for (const auto& [id, those] : ways) expectShared(those);
 }
 
 TEST_F(ReadyScenarios, HeldByAnother) {
