@@ -8,6 +8,9 @@
 namespace simulator {
 namespace {
 
+/// The sum of all that waits leaves 64 bits after some centuries.
+constexpr Nanoseconds kLongestQueue = kNever / 4;
+
 /// Packets that find no room in the buffer while `ahead` of the link's time is left to be sent.
 std::uint64_t overflowing(const LinkRow& link, const Transmission& frame, Nanoseconds ahead) {
     const double seconds = static_cast<double>(ahead) / static_cast<double>(kSecond);
@@ -36,6 +39,7 @@ Passage NetworkLink::pass(const Transmission& frame) {
     // Packets that are too large never come as far as the part that is shared.
     if (m_row.bytesPerSecond == 0 || frame.packet > m_row.largestPacket) return passage;
     m_freeAt = std::max(m_freeAt, frame.begin) + transferTime(frame.bytes, m_row.bytesPerSecond);
+    m_freeAt = std::min(m_freeAt, kLongestQueue);
     if (m_row.bufferBytes > 0) {
         // The buffer is fullest when the camera's last byte comes.
         passage.overflow = overflowing(m_row, frame, m_freeAt - sent);

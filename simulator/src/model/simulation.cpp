@@ -88,14 +88,18 @@ Result Simulation::startup(void* systemHandle) {
     {
         const Lock lock(m_mutex);
         m_systemHandle = systemHandle;
+        m_eventful = true;
     }
-    m_player->start();
     try {
+        m_player->start();
         m_system->start(systemHandle);
     } catch (...) {
         m_player->stop();
+        endEvents();
         throw;
     }
+    // Those that began with the player were nothing to a system that was not there yet.
+    for (const Nanoseconds end : endsOfHiccups()) m_system->onHiccup(end);
     m_startups = 1;
     m_started = true;
     return Result::Success;
@@ -113,14 +117,12 @@ void Simulation::shutdown() {
     // Those that another thread is closing.
     for (const auto& session : closingSessions()) session->close();
     for (const auto& module : openInterfaces()) module->close();
+    endEvents();
     const Lock lock(m_mutex);
     m_sessions.clear();
     m_interfaces.clear();
     m_ancillaries.clear();
-    for (Slot& slot : m_slots) {
-        slot.session.reset();
-        slot.goneUntil = 0;
-    }
+    for (Slot& slot : m_slots) slot.session.reset();
 }
 
 const char* Simulation::scenarioName() const {

@@ -163,6 +163,9 @@ class Simulation {
     std::vector<std::shared_ptr<CameraSession>> closingSessions();
 
     Result startAgain();
+    /// Of the hiccups under way; in no order.
+    std::vector<Nanoseconds> endsOfHiccups();
+    void endEvents();
     Result reload(const Scenario* scenario, SimulatorClock& clock);
     VirtualClock* drivenClock();
 
@@ -190,6 +193,7 @@ class Simulation {
     std::map<void*, std::shared_ptr<AncillaryModule>> m_ancillaries;
     std::uintptr_t m_handles = 0;  // given out so far, none of them twice
     void* m_systemHandle = nullptr;
+    bool m_eventful = false;  // from a start's first event to the end of the shutdown
     std::shared_ptr<SystemModule> m_system;
     std::shared_ptr<EventPlayer> m_player;
     CallFaults m_callFaults;

@@ -75,13 +75,28 @@ Result Simulation::hiccup(const std::string& id, Nanoseconds span) {
         const Lock lock(m_mutex);
         Slot* slot = find(id);
         if (slot == nullptr) return Result::NotFound;
-        if (!isStarted()) return Result::ApiNotStarted;
+        if (!m_eventful) return Result::ApiNotStarted;
         if (slot->camera == nullptr) return Result::Success;
         slot->goneUntil = std::max(slot->goneUntil, until);
         if (slot->session != nullptr) slot->session->cut(until);
     }
     system()->onHiccup(until);
     return Result::Success;
+}
+
+std::vector<Nanoseconds> Simulation::endsOfHiccups() {
+    const Lock lock(m_mutex);
+    std::vector<Nanoseconds> ends;
+    for (const Slot& slot : m_slots) {
+        if (!isReachable(slot) && slot.camera != nullptr) ends.push_back(slot.goneUntil);
+    }
+    return ends;
+}
+
+void Simulation::endEvents() {
+    const Lock lock(m_mutex);
+    m_eventful = false;
+    for (Slot& slot : m_slots) slot.goneUntil = 0;
 }
 
 Result Simulation::setLink(const std::string& interfaceId, const LinkRow& link) {

@@ -247,4 +247,43 @@ TEST_F(LinkOfAScenario, AHiccupIsAnEventToo) {
     EXPECT_TRUE(isThere());
 }
 
+TEST_F(LinkOfAScenario, AHiccupAtZeroIsUnderWayWhenTheLibraryIsStartedAndItsEndIsTold) {
+    startWith(R"({"cameras": [{"model": "Manta_G-033C"}],
+                  "events": [{"at": 0, "do": {"hiccup": {"camera": "DEV_000F31A10001", "ns": 500000000}}}]})");
+    EXPECT_FALSE(isThere());
+    run(test_support::kSystem, "GeVDiscoveryAllAuto");
+    test_support::Invalidations news;
+    news.registerOn(test_support::kSystem, "DiscoveryCameraEvent");
+    advance(kSecond / 2 - 1);
+    EXPECT_FALSE(isThere());
+    EXPECT_THAT(news.names(), ::testing::IsEmpty());
+    advance(1);
+    EXPECT_TRUE(isThere());
+    EXPECT_THAT(news.names(), ::testing::ElementsAre("DiscoveryCameraEvent"));
+    EXPECT_EQ(test_support::enumOf(test_support::kSystem, "DiscoveryCameraEvent"), "Detected");
+}
+
+TEST_F(LinkOfAScenario, WhatWaitsForCenturiesStillWaits) {
+    // 50 million bytes at one byte per second take 1.6 years, and what was aborted has taken its capacity.
+    startWith(R"({"interfaces": [{"id": "SimulatedNetwork0", "link": {"bytesPerSecond": 1}}],
+                  "cameras": [{"model": "Manta_G-033C", "sensor": {"width": 4096, "height": 4096},
+                               "features": {"PixelFormat": "RGB8Packed", "TriggerMode": "Off",
+                                            "ExposureTimeAbs": 1000}}]})");
+    const VmbHandle_t camera = open();
+    const auto acquireAndAbort = [&] {
+        run(camera, "AcquisitionStart");
+        advance(kSecond);
+        run(camera, "AcquisitionAbort");
+    };
+    // Some 270 years, without a picture drawn; nanoseconds have 64 bits for 292.
+    for (int time = 0; time < 170; ++time) acquireAndAbort();
+    Stream stream(camera, 1);
+    stream.startCapture();
+    for (int time = 0; time < 30; ++time) {
+        acquireAndAbort();
+        ASSERT_THAT(stream.ids(), ::testing::IsEmpty()) << time;
+    }
+    stream.endCapture();
+}
+
 }  // namespace
