@@ -138,6 +138,11 @@ void CameraSession::hold(bool hold) {
     m_engine.hold(hold);
 }
 
+void CameraSession::onNetworkChanging() {
+    const Lock lock(mutex());
+    m_engine.catchUpWithNetwork();
+}
+
 void CameraSession::cut(Nanoseconds until) {
     const Lock lock(mutex());
     m_engine.cut(until);

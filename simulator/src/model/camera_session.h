@@ -52,6 +52,8 @@ class CameraSession : public FeatureModule, private AcquisitionListener {
     void counts(std::uint32_t& announced, std::uint32_t& queued);
     std::uint32_t frameNumber(const void* record);
     void hold(bool hold);
+    /// The link will be another one.
+    void onNetworkChanging();
     /// The camera cannot be reached until then.
     void cut(Nanoseconds until);
     /// Settings were changed from outside.

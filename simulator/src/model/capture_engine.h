@@ -88,8 +88,11 @@ class CaptureEngine {
     void hold(bool hold);
     /// The network is gone from now to then: what is on it is lost.
     void cut(Nanoseconds until);
-    /// To be called before settings change: exposes what is due with those of now, should the thread be late.
-    void catchUp();
+    /// To be called before settings change: exposes and sends what is due with those of now, should the
+    /// thread be late.
+    void catchUp() { catchUp(m_clock.now()); }
+    /// The same before the network changes.
+    void catchUpWithNetwork();
     /// To be called after settings changed.
     void settle();
 
@@ -157,9 +160,10 @@ class CaptureEngine {
 
     void run();
     void enterOwnThread();
-    /// What the sensor does next; no step of it gives up the lock.
-    std::optional<Next> nextOfSensor() const;
-    void stepSensor(const Next& next);
+    /// What the camera does next, up to the beginning of a transfer; no step of it gives up the lock.
+    std::optional<Next> nextOfCamera() const;
+    void stepCamera(const Next& next);
+    void catchUp(Nanoseconds until);
     std::optional<Next> next() const;
     void step(Lock& lock, const Next& next);
     void begin(Nanoseconds now);

@@ -27,7 +27,7 @@ void CaptureEngine::run() {
     }
 }
 
-std::optional<CaptureEngine::Next> CaptureEngine::nextOfSensor() const {
+std::optional<CaptureEngine::Next> CaptureEngine::nextOfCamera() const {
     std::optional<Next> first;
     const auto consider = [&](Nanoseconds at, Step step) {
         if (!first || at < first->at) first = {at, step};
@@ -36,28 +36,34 @@ std::optional<CaptureEngine::Next> CaptureEngine::nextOfSensor() const {
         if (const auto edge = m_line.next()) consider(edge->at, Step::Edge);
     }
     if (m_agenda.nextTrigger() != kNever) consider(m_agenda.nextTrigger(), Step::Trigger);
+    // Before an exposure of the same time: a frame that leaves makes room in the camera's memory.
+    if (const auto booking = nextBooking()) consider(*booking, Step::Book);
     if (const auto start = m_agenda.next(m_camera.sensor(), m_camera.clock())) consider(*start, Step::Expose);
     return first;
 }
 
 std::optional<CaptureEngine::Next> CaptureEngine::next() const {
-    std::optional<Next> first = nextOfSensor();
+    std::optional<Next> first = nextOfCamera();
     const auto consider = [&](Nanoseconds at, Step step) {
-        // Before an exposure of the same time: a frame that leaves makes room in the camera's memory.
-        if (!first || at < first->at || (at == first->at && first->step == Step::Expose)) first = {at, step};
+        const bool isSignal = first && (first->step == Step::Edge || first->step == Step::Trigger);
+        if (!first || at < first->at || (at == first->at && !isSignal)) first = {at, step};
     };
     if (m_transfer) {
         if (m_listener.isStartAnnounced()) consider(m_transfer->exposure.dueAt, Step::Deliver);
     } else if (m_bookedCount > 0) {
         consider(inFlight(0).transferAt, Step::Transfer);
     }
-    if (const auto booking = nextBooking()) consider(*booking, Step::Book);
     return first;
 }
 
-void CaptureEngine::catchUp() {
-    const Nanoseconds now = m_clock.now();
-    for (auto due = nextOfSensor(); due && due->at <= now; due = nextOfSensor()) stepSensor(*due);
+void CaptureEngine::catchUp(Nanoseconds until) {
+    if (m_halted) return;
+    for (auto due = nextOfCamera(); due && due->at <= until; due = nextOfCamera()) stepCamera(*due);
+}
+
+void CaptureEngine::catchUpWithNetwork() {
+    // What happens now comes behind the change.
+    catchUp(m_clock.now() - 1);
 }
 
 void CaptureEngine::step(Lock& lock, const Next& next) {
@@ -68,18 +74,16 @@ void CaptureEngine::step(Lock& lock, const Next& next) {
         case Step::Transfer:
             beginTransfer(lock);
             break;
-        case Step::Book:
-            book(next.at);
-            break;
         default:
-            stepSensor(next);
+            stepCamera(next);
             break;
     }
 }
 
-void CaptureEngine::stepSensor(const Next& next) {
+void CaptureEngine::stepCamera(const Next& next) {
     if (next.step == Step::Edge) takeEdge(next.at);
     if (next.step == Step::Trigger) m_agenda.takeTrigger(m_camera.sensor(), m_camera.clock());
+    if (next.step == Step::Book) book(next.at);
     if (next.step == Step::Expose) expose(next.at);
 }
 

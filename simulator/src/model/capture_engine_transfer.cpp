@@ -70,6 +70,7 @@ void CaptureEngine::send(Exposure& exposure) {
 }
 
 void CaptureEngine::cut(Nanoseconds until) {
+    catchUpWithNetwork();
     const Nanoseconds now = m_clock.now();
     if (m_goneUntil <= now) m_goneSince = now;
     m_goneUntil = std::max(m_goneUntil, until);

@@ -103,6 +103,10 @@ Result Simulation::setLink(const std::string& interfaceId, const LinkRow& link) 
     const Lock lock(m_mutex);
     const Link* known = findLink(interfaceId);
     if (known == nullptr) return Result::NotFound;
+    for (const Slot& slot : m_slots) {
+        const bool concerned = slot.session != nullptr && interfaceId == slot.row->interfaceId;
+        if (concerned) slot.session->onNetworkChanging();
+    }
     known->network->set(link);
     return Result::Success;
 }

@@ -207,6 +207,73 @@ TEST_F(Hiccup, OfANanosecondTakesTheFrameThatIsOnItsWay) {
     stream.endCapture();
 }
 
+/// A callback that keeps the camera's thread from the first frame on for 900 ms, with buffers for all frames.
+class LateThread : public Hiccup {
+  protected:
+    LateThread() {
+        setInt(kSystem, "GeVDiscoveryAllDuration", 900);
+        m_stream.hook = [](VmbFrame_t& frame) {
+            if (frame.frameID == 1) run(kSystem, "GeVDiscoveryAllOnce");
+        };
+        m_stream.startCapture();
+        m_zero = VmbSimTime() + kFirst;
+        run(m_stream.camera, "AcquisitionStart");
+    }
+    ~LateThread() override { m_stream.endCapture(); }
+    /// Ids of a hundred frames.
+    std::vector<std::uint64_t> finish() {
+        advance(995 * kMillisecond - VmbSimTime());
+        EXPECT_THAT(m_stream.ids(), ::testing::SizeIs(::testing::Gt(1u))) << "it is free again";
+        run(m_stream.camera, "AcquisitionStop");
+        advance(kSecond);
+        return m_stream.ids();
+    }
+
+    Stream m_stream{openFast(), 100};
+    std::uint64_t m_zero = 0;
+};
+
+TEST_F(LateThread, FindsTheFramesLostThatEachHiccupTook) {
+    advance(200 * kMillisecond);
+    hiccup(100 * kMillisecond);
+    advance(400 * kMillisecond);
+    hiccup(100 * kMillisecond);
+    EXPECT_THAT(m_stream.ids(), ::testing::ElementsAre(1)) << "its thread is kept";
+    std::vector<std::uint64_t> expected;
+    for (std::uint64_t n = 0; n < 100; ++n) {
+        const std::uint64_t begin = m_zero + n * 10 * kMillisecond + kReady;
+        const auto hits = [=](std::uint64_t from) {
+            return begin + kTransfer > from * kMillisecond && begin < (from + 100) * kMillisecond;
+        };
+        if (!hits(200) && !hits(600)) expected.push_back(n + 1);
+    }
+    EXPECT_EQ(expected.size(), 80u);
+    EXPECT_EQ(finish(), expected);
+}
+
+TEST_F(LateThread, LeavesTransfersThatHaveBegunToTheLinkOfTheirTime) {
+    advance(500 * kMillisecond);
+    VmbSimLink lossy{};
+    lossy.lossPpm = 1'000'000;
+    setLink(lossy);
+    std::vector<std::uint64_t> expected;
+    for (std::uint64_t n = 0; m_zero + n * 10 * kMillisecond + kReady < 500 * kMillisecond; ++n) {
+        expected.push_back(n + 1);
+    }
+    EXPECT_EQ(expected.size(), 50u);
+    EXPECT_EQ(finish(), expected);
+}
+
+TEST_F(LateThread, LosesNothingWhenSettingsChangeMeanwhile) {
+    // More frames are due than the camera's memory holds, but they are not there any more.
+    advance(850 * kMillisecond);
+    EXPECT_LT(intOf(m_stream.camera, "StreamHoldCapacity"), 85);
+    test_support::setFloat(m_stream.camera, "Gain", 1);
+    const auto ids = finish();
+    ASSERT_EQ(ids.size(), 100u);
+    EXPECT_EQ(ids.back(), 100u);
+}
+
 TEST_F(Hiccup, IsToldByMissingAndDetected) {
     run(kSystem, "GeVDiscoveryAllAuto");
     advance(kSecond);
