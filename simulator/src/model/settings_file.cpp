@@ -11,6 +11,9 @@
 namespace simulator {
 namespace {
 
+// Texts are to stay as they are, ends of lines and blanks alone included.
+constexpr unsigned kReading = (pugi::parse_default & ~pugi::parse_eol) | pugi::parse_ws_pcdata_single;
+
 constexpr const char* kRoot = "CameraSettings";
 constexpr const char* kFeature = "Feature";
 constexpr const char* kName = "Name";
@@ -77,7 +80,7 @@ Result saveSettings(FeatureModule& module, const char* file, const PersistSettin
 
 Result loadSettings(FeatureModule& module, const char* file, const PersistSettings& settings) {
     pugi::xml_document document;
-    if (!document.load_file(file, pugi::parse_default | pugi::parse_ws_pcdata_single)) return Result::Other;
+    if (!document.load_file(file, kReading)) return Result::Other;
     const pugi::xml_node root = document.child(kRoot);
     if (!root) return Result::Other;
     std::vector<Setting> all = settingsOf(root);

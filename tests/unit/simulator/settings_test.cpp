@@ -96,6 +96,17 @@ TEST_F(SettingsFile, OverridesModesThatExcludeTheSavedOne) {
     EXPECT_EQ(intOf(camera, "Height"), 246);
 }
 
+TEST_F(SettingsFile, KeepsTextsToTheByte) {
+    for (const char* text :
+         {"", " ", " a ", "a\r\nb", "\r", "\t\n", "\x01\x1f", "]]>", "&#13;", "\xC3\xA4"}) {
+        ASSERT_EQ(VmbFeatureStringSet(camera, "DeviceUserID", text), VmbErrorSuccess);
+        ASSERT_EQ(save(), VmbErrorSuccess);
+        ASSERT_EQ(VmbFeatureStringSet(camera, "DeviceUserID", "other"), VmbErrorSuccess);
+        EXPECT_EQ(load(), VmbErrorSuccess) << text;
+        EXPECT_EQ(stringOf(camera, "DeviceUserID"), text);
+    }
+}
+
 TEST_F(SettingsFile, TakesAsManyPassesAsItMay) {
     // The offset only fits when the width is set, which comes behind it.
     write(
