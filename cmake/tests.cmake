@@ -1,11 +1,24 @@
 enable_testing()
 
+set(ZELT_SYSTEM posix)
+set(ZELT_OTHER_SYSTEM windows)
+if(WIN32)
+    set(ZELT_SYSTEM windows)
+    set(ZELT_OTHER_SYSTEM posix)
+endif()
+
+# Takes the files for the other system, *_posix.cpp and *_posix_test.cpp or *_windows*, out of a list.
+macro(zelt_drop_other_systems list)
+    list(FILTER ${list} EXCLUDE REGEX "_${ZELT_OTHER_SYSTEM}(_test)?\\.c(pp)?$")
+endmacro()
+
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
 # One program per folder, its sources found by glob; a test that skips itself fails. They take both
 # processors, since some measure time; those that need virtual time alone set PROCESSORS to 1.
 function(zelt_add_test)
     cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
+    zelt_drop_other_systems(sources)
     add_executable(${ARG_NAME} ${sources})
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
         zelt_warnings)

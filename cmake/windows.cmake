@@ -6,6 +6,10 @@ set(CMAKE_SHARED_LIBRARY_PREFIX "")
 set(CMAKE_SHARED_MODULE_PREFIX "")
 add_compile_definitions(WIN32_LEAN_AND_MEAN NOMINMAX)
 
+if(CMAKE_CROSSCOMPILING)
+    set(CMAKE_CROSSCOMPILING_EMULATOR "${PROJECT_SOURCE_DIR}/tools/wine.sh")
+endif()
+
 if(MSVC)
     add_compile_options(/utf-8 /permissive- /EHsc $<$<COMPILE_LANGUAGE:CXX>:/Zc:preprocessor>)
 endif()

@@ -38,8 +38,11 @@ ExitCode runTopology(const CommandLine& line, Console& console, const AssertionM
     if (!line.out.empty()) writeFile(line.out, document);
     if (line.json) {
         console.print(dumpJson({{"exit_code", 0}, {"topology", document}}));
+    } else if (line.out.empty()) {
+        console.printForPrograms();
+        console.print(document);
     } else {
-        console.print(line.out.empty() ? document : "wrote " + line.out.string() + '\n');
+        console.print("wrote " + line.out.string() + '\n');
     }
     return ExitCode::Ok;
 }

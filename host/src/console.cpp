@@ -23,6 +23,10 @@ bool startsCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0u) != 0x80u;
 }
 
+std::string encoded(const std::string& text, bool utf8) {
+    return utf8 ? text : toAscii(text);
+}
+
 }  // namespace
 
 std::string toAscii(const std::string& utf8) {
@@ -48,12 +52,12 @@ std::size_t displayWidth(const std::string& utf8) {
 }
 
 Console::Console(std::FILE* out, std::FILE* error, bool utf8, std::FILE* progress)
-    : m_out(out), m_error(error), m_utf8(utf8), m_progress(progress) {}
+    : m_out(out), m_error(error), m_utf8(utf8), m_out_utf8(utf8), m_progress(progress) {}
 
 void Console::print(const std::string& text) {
     const std::lock_guard lock(m_mutex);
     wipe();
-    if (std::fputs(encoded(text).c_str(), m_out) < 0 || std::fflush(m_out) != 0) {
+    if (std::fputs(encoded(text, m_out_utf8).c_str(), m_out) < 0 || std::fflush(m_out) != 0) {
         throw HostFailure(ExitCode::WriteFailed, "The result cannot be written to the standard output (" +
                                                      std::generic_category().message(errno) +
                                                      "); make room there or send it elsewhere.");
@@ -63,7 +67,7 @@ void Console::print(const std::string& text) {
 void Console::tell(const std::string& line) {
     const std::lock_guard lock(m_mutex);
     wipe();
-    std::fputs((encoded(line) + '\n').c_str(), m_error);
+    std::fputs((encoded(line, m_utf8) + '\n').c_str(), m_error);
     std::fflush(m_error);
 }
 
@@ -71,7 +75,7 @@ void Console::drawProgress(const std::string& line) {
     if (m_progress == nullptr) return;
     const std::lock_guard lock(m_mutex);
     wipe();
-    std::fputs(encoded(line).c_str(), m_progress);
+    std::fputs(encoded(line, m_utf8).c_str(), m_progress);
     std::fflush(m_progress);
     m_drawn = true;
 }

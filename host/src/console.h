@@ -23,6 +23,8 @@ class Console {
     bool utf8() const { return m_utf8; }
     bool hasProgressLine() const { return m_progress != nullptr; }
     void setProgressStream(std::FILE* progress) { m_progress = progress; }
+    /// What programs read, JSON or XML, is UTF-8 on the output stream whatever the user sees.
+    void printForPrograms() { m_out_utf8 = true; }
 
     /// Writes text to the output stream as it is; lines end in '\n'.
     void print(const std::string& text);
@@ -35,12 +37,12 @@ class Console {
 
   private:
     void wipe();
-    std::string encoded(const std::string& text) const { return m_utf8 ? text : toAscii(text); }
 
     std::mutex m_mutex;
     std::FILE* m_out;
     std::FILE* m_error;
-    bool m_utf8;
+    const bool m_utf8;
+    bool m_out_utf8;
     std::FILE* m_progress;
     bool m_drawn = false;
 };

@@ -62,13 +62,30 @@ HMODULE load(const std::filesystem::path& file, DWORD& error) {
     return module;
 }
 
+std::filesystem::path folder(UINT WINAPI get(wchar_t*, UINT)) {
+    std::wstring name(MAX_PATH, L'\0');
+    name.resize(get(name.data(), MAX_PATH));
+    return name;
+}
+
+// Where the loader looks for what a library in `directory` needs; the program's own folder is not among it.
+std::wstring searchPath(const std::filesystem::path& directory) {
+    const wchar_t* const more = ::_wgetenv(L"PATH");
+    return directory.wstring() + L';' + folder(&::GetSystemDirectoryW).wstring() + L';' +
+           folder(&::GetWindowsDirectoryW).wstring() + L";.;" + (more != nullptr ? more : L"");
+}
+
 // The loader does not say which library it missed, so the vendor's is tried alone.
 DWORD vendorError(const std::filesystem::path& directory) {
-    const std::filesystem::path beside = directory / kVendorFileName;
-    std::error_code ignored;
+    const std::filesystem::path name = kVendorFileName;
+    std::wstring found(32768, L'\0');
+    const auto size = static_cast<DWORD>(found.size());
+    const DWORD length =
+        ::SearchPathW(searchPath(directory).c_str(), name.c_str(), nullptr, size, found.data(), nullptr);
+    if (length == 0 || length >= size) return ERROR_MOD_NOT_FOUND;
+    found.resize(length);
     DWORD error = ERROR_SUCCESS;
-    const bool isBeside = std::filesystem::exists(beside, ignored);
-    HMODULE module = load(isBeside ? beside : std::filesystem::path(kVendorFileName), error);
+    HMODULE module = load(found, error);
     if (module != nullptr) ::FreeLibrary(module);
     return error;
 }
@@ -113,8 +130,11 @@ std::unique_ptr<Library> loadLibrary(const std::filesystem::path& file, LoadErro
     error.text = errorText(code);
     if (exists) {
         const DWORD vendor = vendorError(absolute.parent_path());
-        const bool lacksFunction = code == ERROR_PROC_NOT_FOUND && vendor == ERROR_SUCCESS;
-        if (vendor == code || lacksFunction) error.text.insert(0, std::string(kVendorFileName) + ": ");
+        // Without the vendor's library the plug-in cannot be loaded, whatever the loader gave as its reason.
+        if (vendor != ERROR_SUCCESS) error.text = errorText(vendor);
+        const bool lacksFunction = code == ERROR_PROC_NOT_FOUND;
+        if (vendor != ERROR_SUCCESS || lacksFunction)
+            error.text.insert(0, std::string(kVendorFileName) + ": ");
     }
     error.problem = classifyLoadError(error.text, exists);
     return nullptr;

@@ -59,6 +59,7 @@ ExitCode runGuarded(int argc, const char* const* argv, Console& console) {
     // Looked for by hand, so that a program gets its answer to a wrong command line too.
     const bool json =
         std::any_of(argv, argv + argc, [](const char* arg) { return arg == std::string("--json"); });
+    if (json) console.printForPrograms();
     try {
         return runCommand(parseCommandLine(argc, argv), console);
     } catch (const HostFailure& failure) {

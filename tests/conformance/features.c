@@ -66,12 +66,17 @@ static void integers_have_their_ranges_and_defaults(void) {
     }
 }
 
+/// Not isnan, which one compiler expands to a conversion that another warning of its refuses.
+static bool isNumber(double value) {
+    return value == value;
+}
+
 static void checkFloatRow(const FloatRow* row) {
     double min = 0;
     double max = 0;
     SUCCEEDS(VmbFeatureFloatRangeQuery(camera, row->name, &min, &max));
-    if (!isnan(row->min)) CHECK_NEAR(row->min, min, 1e-9);
-    if (!isnan(row->max)) CHECK_NEAR(row->max, max, 1e-9);
+    if (isNumber(row->min)) CHECK_NEAR(row->min, min, 1e-9);
+    if (isNumber(row->max)) CHECK_NEAR(row->max, max, 1e-9);
     const double value = floatOf(row->name);
     if (fabs(value - row->defaults[1]) > 1e-9) CHECK_NEAR(row->defaults[0], value, 1e-9);
 }

@@ -32,6 +32,9 @@ unsigned readCount(const unsigned* count);
 bool pollUntil(bool (*holds)(void));
 bool pollWithin(bool (*holds)(void), uint32_t milliseconds);
 
+/// Gives the processor to another thread that is ready.
+void letOthersRun(void);
+
 /// Runs `work` on another thread; one at a time, each to be joined.
 void runBeside(void (*work)(void));
 void joinBeside(void);

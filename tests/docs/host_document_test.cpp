@@ -132,7 +132,7 @@ TEST(HostDocument, NamesTheFilesOfARecording) {
     scenario::runProgram({"record", "--seconds", "0.3", "--out", out.string(), "--counters"});
     std::set<std::string> found;
     for (const auto& entry : fs::directory_iterator(out))
-        found.insert(withoutNumbers(entry.path().filename()));
+        found.insert(withoutNumbers(entry.path().filename().string()));
     std::set<std::string> documented;
     for (const Row& row : rowsOf("A recording")) {
         if (!row.contains("File")) continue;

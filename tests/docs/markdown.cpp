@@ -170,11 +170,11 @@ std::vector<std::string> documentFiles() {
     for (const char* folder : {"docs", "lib", "simulator", "host", "tests", "bench"}) {
         for (const auto& entry : fs::recursive_directory_iterator(sourceTree() / folder)) {
             if (entry.path().extension() == ".md")
-                files.push_back(entry.path().lexically_relative(sourceTree()));
+                files.push_back(entry.path().lexically_relative(sourceTree()).generic_string());
         }
     }
     for (const auto& entry : fs::directory_iterator(sourceTree())) {
-        if (entry.path().extension() == ".md") files.push_back(entry.path().filename());
+        if (entry.path().extension() == ".md") files.push_back(entry.path().filename().string());
     }
     std::sort(files.begin(), files.end());
     return files;

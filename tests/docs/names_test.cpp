@@ -33,7 +33,7 @@ const std::map<std::string, std::string>& sources() {
         std::map<std::string, std::string> read;
         const auto add = [&read](const fs::path& path) {
             std::ifstream stream(path);
-            read.emplace(path.lexically_relative(sourceTree()),
+            read.emplace(path.lexically_relative(sourceTree()).generic_string(),
                          std::string{std::istreambuf_iterator<char>(stream), {}});
         };
         for (const char* folder : kFolders) {
@@ -167,7 +167,8 @@ std::set<std::string> reachedFrom(const std::string& first) {
         open.pop_back();
         if (!reached.insert(file).second) continue;
         for (const Link& link : Document(file).links()) {
-            const std::string target = (fs::path(file).parent_path() / link.target).lexically_normal();
+            const std::string target =
+                (fs::path(file).parent_path() / link.target).lexically_normal().generic_string();
             if (target.ends_with(".md") && fs::exists(sourceTree() / target)) open.push_back(target);
         }
     }
@@ -198,9 +199,9 @@ std::set<std::string> includedBy(const std::string& folder, const std::vector<st
     }
     std::map<std::string, std::set<std::string>> places;
     for (const auto& [path, text] : sources())
-        places[fs::path(path).filename()].insert(folderOf(path, folders));
+        places[fs::path(path).filename().string()].insert(folderOf(path, folders));
     for (const std::string& header : headers) {
-        const std::set<std::string>& found = places[fs::path(header).filename()];
+        const std::set<std::string>& found = places[fs::path(header).filename().string()];
         if (!found.contains(folder)) included.insert(found.begin(), found.end());
     }
     included.erase("");
@@ -231,7 +232,7 @@ TEST(Architecture, SaysWhichFoldersUseWhich) {
 TEST(Decisions, AreNumberedAndListedInOrder) {
     std::vector<std::string> files;
     for (const auto& entry : fs::directory_iterator(sourceTree() / "docs/decisions")) {
-        if (entry.path().filename() != "README.md") files.push_back(entry.path().filename());
+        if (entry.path().filename() != "README.md") files.push_back(entry.path().filename().string());
     }
     std::sort(files.begin(), files.end());
     const Document index("docs/decisions/README.md");

@@ -222,8 +222,8 @@ std::vector<Source::Assertion> Source::assertions() const {
 std::vector<Source> productSources() {
     std::vector<Source> sources;
     for (const auto& entry : fs::recursive_directory_iterator(sourceTree() / "lib")) {
-        const std::string path = entry.path().lexically_relative(sourceTree());
-        const std::string kind = entry.path().extension();
+        const std::string path = entry.path().lexically_relative(sourceTree()).generic_string();
+        const std::string kind = entry.path().extension().string();
         if ((kind != ".cpp" && kind != ".h") || path.rfind("lib/vimba_c/", 0) == 0) continue;
         sources.emplace_back(path);
     }

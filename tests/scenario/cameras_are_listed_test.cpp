@@ -12,11 +12,12 @@ namespace {
 TEST(CamerasAreListed, AsATable) {
     const ProgramResult result = runProgram({"devices"});
     EXPECT_EQ(result.code, 0) << result.error;
-    EXPECT_THAT(result.out, HasSubstr("plug-in GIGECAMERA \u00b7 vendor library "));
+    EXPECT_THAT(result.out, HasSubstr(scenario::shown("plug-in GIGECAMERA \u00b7 vendor library ")));
     EXPECT_THAT(result.out,
-                HasSubstr("\n  id  camera                        type  format  size          rate\n"
-                          "   0  Manta_G-033C (50-0503300001)  GigE  Y422    656\u00d7492  50.00 fps\n"
-                          "   1  Manta_G-032B (50-0503200002)  GigE  Y800    656\u00d7492  40.00 fps\n"));
+                HasSubstr(scenario::shown(
+                    "\n  id  camera                        type  format  size          rate\n"
+                    "   0  Manta_G-033C (50-0503300001)  GigE  Y422    656\u00d7492  50.00 fps\n"
+                    "   1  Manta_G-032B (50-0503200002)  GigE  Y800    656\u00d7492  40.00 fps\n")));
 }
 
 TEST(CamerasAreListed, AsJsonAndNothingElse) {

@@ -57,7 +57,7 @@ TEST_F(CamerasTakeSettings, AreListedWithRangesAndChoices) {
     EXPECT_EQ(find(result, 0, "CAMERA/Type")["changeable"], "no");
     EXPECT_EQ(find(result, 0, "ACTION:Camera/AutoGain")["changeable"], "by --action");
     const ProgramResult text = settings({"--channel", "1"});
-    EXPECT_THAT(text.out, HasSubstr("channel 1 \u00b7 Manta_G-032B (50-0503200002)\n"));
+    EXPECT_THAT(text.out, HasSubstr(scenario::shown("channel 1 \u00b7 Manta_G-032B (50-0503200002)\n")));
     EXPECT_THAT(text.out, testing::Not(HasSubstr("channel 0")));
 }
 

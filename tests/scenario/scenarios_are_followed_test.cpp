@@ -84,7 +84,9 @@ TEST_F(ScenariosAreFollowed, WhenAnotherProgramHoldsACamera) {
     EXPECT_THAT(devices.out, HasSubstr("not open"));
     const ProgramResult settings = runProgram({"settings"}, options);
     EXPECT_EQ(settings.code, 12);
-    EXPECT_THAT(settings.out, HasSubstr("channel 1 \u00b7 Manta_G-032B (50-0503200002) \u00b7 not open\n"));
+    EXPECT_THAT(
+        settings.out,
+        HasSubstr(scenario::shown("channel 1 \u00b7 Manta_G-032B (50-0503200002) \u00b7 not open\n")));
     EXPECT_THAT(settings.sentences(), testing::ElementsAre(held));
     EXPECT_EQ(runProgram({"settings", "--channel", "0"}, options).code, 0);
     const ProgramResult one = runProgram(

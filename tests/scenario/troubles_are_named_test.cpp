@@ -1,6 +1,4 @@
-#include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <png.h>
 
 #include "program_run.h"
 
@@ -12,8 +10,8 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr const char* kPlugin = "libzelt_gige_camera.so";
-constexpr const char* kVendor = "libVimbaC.so";
+const std::string kPlugin = test_support::libraryFileName("zelt_gige_camera");
+const std::string kVendor = test_support::libraryFileName("VimbaC");
 
 class TroublesAreNamed : public testing::Test {
   protected:
@@ -55,7 +53,7 @@ TEST_F(TroublesAreNamed, MissingPlugin) {
 }
 
 TEST_F(TroublesAreNamed, LibraryThatIsNoPlugin) {
-    const std::string file = (binaries() / "libzelt_base.so").string();
+    const std::string file = (binaries() / test_support::libraryFileName("zelt_base")).string();
     expect(runProgram({"devices", "--plugin", file}), 4, {file, "does not export ZELT_getPluginDllName"});
 }
 
@@ -63,15 +61,6 @@ TEST_F(TroublesAreNamed, MissingVendorLibrary) {
     const path plugin = copyPlugin();
     expect(runProgram({"devices", "--plugin", plugin.string()}), 5,
            {kVendor, "was not found", plugin.string()});
-}
-
-TEST_F(TroublesAreNamed, WrongVendorLibrary) {
-    const path plugin = copyPlugin();
-    Dl_info other{};
-    ASSERT_NE(dladdr(reinterpret_cast<void*>(&png_access_version_number), &other), 0);
-    scenario::fs::copy_file(other.dli_fname, m_directory.path() / kVendor);
-    expect(runProgram({"devices", "--plugin", plugin.string()}), 6,
-           {kVendor, "is not the right one", "undefined symbol: Vmb"});
 }
 
 TEST_F(TroublesAreNamed, VendorLibraryThatIsNone) {
@@ -100,7 +89,8 @@ TEST_F(TroublesAreNamed, AnOutputStreamWithoutRoom) {
         for (const bool json : {false, true}) {
             if (json) command.emplace_back("--json");
             expect(runProgram(command, {.fullOutput = true}), 11,
-                   {"cannot be written to the standard output (No space left on device)"});
+                   {"cannot be written to the standard output (" + std::string(test_support::kFullOutput) +
+                    ")"});
             scenario::fs::remove_all(out());
         }
     }
@@ -110,8 +100,9 @@ TEST_F(TroublesAreNamed, AnOutputStreamWithoutRoomForAFailure) {
     const ProgramResult result =
         runProgram({"devices", "--plugin", "/none/plugin.so", "--json"}, {.fullOutput = true});
     EXPECT_EQ(result.code, 11);
-    EXPECT_THAT(result.sentences(), testing::ElementsAre(HasSubstr("/none/plugin.so"),
-                                                         HasSubstr("to the standard output (No space")));
+    EXPECT_THAT(result.sentences(),
+                testing::ElementsAre(HasSubstr("/none/plugin.so"),
+                                     HasSubstr("cannot be written to the standard output")));
 }
 
 TEST_F(TroublesAreNamed, UnknownChannel) {

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
 
 // clang-format off
 #include <windows.h>
@@ -15,11 +14,21 @@
 // clang-format on
 
 #include "allocation_counter.h"
+#include "import_tables.h"
 
 namespace {
 
-thread_local bool t_counting = false;
-thread_local std::size_t t_count = 0;
+// The compiler's own variables of a thread allocate at first use, which the counting functions must not.
+// Zero: this thread does not count; else one more than what it has counted.
+const DWORD s_slot = ::TlsAlloc();
+
+std::uintptr_t slot() {
+    return std::bit_cast<std::uintptr_t>(::TlsGetValue(s_slot));
+}
+
+void setSlot(std::uintptr_t value) {
+    ::TlsSetValue(s_slot, std::bit_cast<void*>(value));
+}
 
 using Malloc = void*(std::size_t);
 using Calloc = void*(std::size_t, std::size_t);
@@ -31,7 +40,7 @@ Realloc* s_realloc = nullptr;
 Calloc* s_aligned = nullptr;
 
 void countOne() {
-    if (t_counting) ++t_count;
+    if (const std::uintptr_t value = slot(); value != 0) setSlot(value + 1);
 }
 
 void* countedMalloc(std::size_t size) {
@@ -76,39 +85,6 @@ const Replacements& replacements() {
     return s_all;
 }
 
-void replaceIn(std::uintptr_t& entry) {
-    for (const Replacement& one : replacements()) {
-        if (entry != one.original) continue;
-        DWORD before = 0;
-        if (::VirtualProtect(&entry, sizeof entry, PAGE_READWRITE, &before) == FALSE) {
-            throw std::runtime_error("an import table cannot be written");
-        }
-        entry = one.counting;
-        ::VirtualProtect(&entry, sizeof entry, before, &before);
-        return;
-    }
-}
-
-void replaceIn(HMODULE module) {
-    auto* const base = std::bit_cast<std::byte*>(module);
-    const auto at = [&](auto*& out, std::size_t offset) {
-        out = std::bit_cast<std::remove_reference_t<decltype(out)>>(base + offset);
-    };
-    const IMAGE_DOS_HEADER* dos = nullptr;
-    at(dos, 0);
-    const IMAGE_NT_HEADERS* header = nullptr;
-    at(header, static_cast<std::size_t>(dos->e_lfanew));
-    const IMAGE_DATA_DIRECTORY& imports = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    if (imports.VirtualAddress == 0) return;
-    const IMAGE_IMPORT_DESCRIPTOR* library = nullptr;
-    at(library, imports.VirtualAddress);
-    for (; library->Name != 0; ++library) {
-        std::uintptr_t* entry = nullptr;
-        at(entry, library->FirstThunk);
-        for (; *entry != 0; ++entry) replaceIn(*entry);
-    }
-}
-
 // Also for what was loaded since the last time; system libraries keep to themselves.
 void replaceEverywhere() {
     std::array<HMODULE, 1024> modules{};
@@ -117,17 +93,20 @@ void replaceEverywhere() {
     for (std::size_t i = 0; i < bytes / sizeof(HMODULE) && i < modules.size(); ++i) {
         std::array<char, 32> runtime{};
         ::GetModuleBaseNameA(::GetCurrentProcess(), modules[i], runtime.data(), DWORD{runtime.size()});
-        if (std::strcmp(runtime.data(), "msvcrt.dll") != 0) replaceIn(modules[i]);
+        if (std::strcmp(runtime.data(), "msvcrt.dll") == 0) continue;
+        for (const Replacement& one : replacements()) {
+            test_support::replaceImport(modules[i], one.original, one.counting);
+        }
     }
 }
 
 bool countsOwnAllocation() {
-    t_count = 0;
-    t_counting = true;
+    setSlot(1);
     void* volatile memory = std::malloc(1);
-    t_counting = false;
+    const std::uintptr_t value = slot();
+    setSlot(0);
     std::free(memory);
-    return t_count == 1;
+    return value == 2;
 }
 
 }  // namespace
@@ -138,16 +117,15 @@ AllocationCounter::AllocationCounter() {
     replaceEverywhere();
     // A counter that never counts would pass every test.
     if (!countsOwnAllocation()) throw std::runtime_error("allocations are not counted here");
-    t_count = 0;
-    t_counting = true;
+    setSlot(1);
 }
 
 AllocationCounter::~AllocationCounter() {
-    t_counting = false;
+    setSlot(0);
 }
 
 std::size_t AllocationCounter::count() const {
-    return t_count;
+    return slot() - 1;
 }
 
 }  // namespace test_support

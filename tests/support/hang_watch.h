@@ -1,5 +1,4 @@
-/// Turns a test that hangs into the stacks of all its threads and a failure. Where the system has no alarm
-/// clock, the limit of the test's program has to do.
+/// Turns a test that hangs into the stacks of all its threads and a failure.
 #pragma once
 
 #include <string>

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include "hang_watch.h"
@@ -21,23 +20,7 @@ void onAlarm(int) {
     std::abort();
 }
 
-class Limit : public ::testing::EmptyTestEventListener {
-  public:
-    explicit Limit(unsigned seconds) : m_seconds(seconds) {}
-    void OnTestStart(const ::testing::TestInfo& test) override {
-        beginLimit(std::string(test.test_suite_name()) + "." + test.name(), m_seconds);
-    }
-    void OnTestEnd(const ::testing::TestInfo&) override { endLimit(); }
-
-  private:
-    const unsigned m_seconds;
-};
-
 }  // namespace
-
-void limitEveryTest(unsigned seconds) {
-    ::testing::UnitTest::GetInstance()->listeners().Append(new Limit(seconds));
-}
 
 void beginLimit(const std::string& name, unsigned seconds) {
     std::snprintf(s_sentence.data(), s_sentence.size(), "%s has lasted %u s. All threads:\n", name.c_str(),

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "file_size_limit.h"
+#include "full_files.h"
 #include "host_failure.h"
 #include "temporary_directory.h"
 
@@ -87,7 +87,7 @@ TEST_F(ChannelFilesTest, CutsBothFilesBackWhenThePictureDoesNotFit) {
     ChannelFiles files(m_directory.path(), 3, false);
     const std::string frame(1000, 'x');
     {
-        const host_test::FileSizeLimit limit(2500);
+        const test_support::FileSizeLimit limit(2500);
         EXPECT_TRUE(append(files, 1, frame));
         EXPECT_TRUE(append(files, 2, frame));
         EXPECT_FALSE(append(files, 3, frame));
@@ -96,7 +96,7 @@ TEST_F(ChannelFilesTest, CutsBothFilesBackWhenThePictureDoesNotFit) {
     EXPECT_EQ(table(), "frame,host_time_ns,offset,bytes\n0,1,0,1000\n1,2,1000,1000\n");
     EXPECT_EQ(files.frames(), 2u);
     EXPECT_EQ(files.last().offset, 1000u);
-    EXPECT_EQ(files.failure(), "File too large");
+    EXPECT_EQ(files.failure(), test_support::kTooLarge);
     EXPECT_FALSE(append(files, 4, "fits")) << "nothing is written after a failure";
     EXPECT_EQ(raw().size(), 2000u);
 }
@@ -105,7 +105,7 @@ TEST_F(ChannelFilesTest, CutsBothFilesBackWhenTheTableLineDoesNotFit) {
     ChannelFiles files(m_directory.path(), 3, false);
     {
         // The header takes 32 bytes, a line 8: the third line is cut in the middle, the picture is whole.
-        const host_test::FileSizeLimit limit(52);
+        const test_support::FileSizeLimit limit(52);
         EXPECT_TRUE(append(files, 1, "a"));
         EXPECT_TRUE(append(files, 2, "b"));
         EXPECT_FALSE(append(files, 3, "c"));
@@ -115,23 +115,23 @@ TEST_F(ChannelFilesTest, CutsBothFilesBackWhenTheTableLineDoesNotFit) {
 }
 
 TEST_F(ChannelFilesTest, SurvivesAFullDisk) {
-    std::filesystem::create_symlink("/dev/full", m_directory.path() / "channel-3.raw");
+    const test_support::FullFile full(m_directory.path() / "channel-3.raw");
     ChannelFiles files(m_directory.path(), 3, false);
     EXPECT_FALSE(append(files, 1, "abc"));
-    EXPECT_EQ(files.failure(), "No space left on device");
+    EXPECT_EQ(files.failure(), test_support::kNoRoom);
     EXPECT_EQ(table(), "frame,host_time_ns,offset,bytes\n");
     EXPECT_EQ(files.frames(), 0u);
 }
 
 TEST_F(ChannelFilesTest, RefusesToBeginOnAFullDisk) {
-    std::filesystem::create_symlink("/dev/full", m_directory.path() / "channel-3.csv");
+    const test_support::FullFile full(m_directory.path() / "channel-3.csv");
     try {
         const ChannelFiles files(m_directory.path(), 3, false);
         FAIL();
     } catch (const host::HostFailure& failure) {
         EXPECT_EQ(failure.code(), host::ExitCode::OutputDirectory);
         EXPECT_THAT(failure.what(), HasSubstr("channel-3.csv"));
-        EXPECT_THAT(failure.what(), HasSubstr("No space left on device"));
+        EXPECT_THAT(failure.what(), HasSubstr(test_support::kNoRoom));
     }
 }
 
@@ -141,7 +141,7 @@ TEST_F(ChannelFilesTest, RefusesADirectoryThatIsNotThere) {
         FAIL();
     } catch (const host::HostFailure& failure) {
         EXPECT_EQ(failure.code(), host::ExitCode::OutputDirectory);
-        EXPECT_THAT(failure.what(), HasSubstr("none/channel-3.raw"));
+        EXPECT_THAT(failure.what(), HasSubstr((m_directory.path() / "none" / "channel-3.raw").string()));
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "host_failure.h"
 #include "host_platform.h"
+#include "regex_matcher.h"
 
 using host::Command;
 using host::CommandLine;
@@ -242,7 +243,7 @@ TEST(CommandLine, GivesHelpWithTheExitCodes) {
 TEST(CommandLine, TellsItsVersion) {
     const CommandLine line = parse({"--version"});
     EXPECT_EQ(line.command, Command::Help);
-    EXPECT_THAT(line.helpText, testing::MatchesRegex("zelt_host [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    EXPECT_THAT(line.helpText, test_support::FindsRegex("^zelt_host [0-9]+\\.[0-9]+\\.[0-9]+\n$"));
 }
 
 TEST(LogLevel, KnowsEveryName) {

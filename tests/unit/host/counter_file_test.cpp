@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "file_size_limit.h"
+#include "full_files.h"
 #include "host_failure.h"
 #include "recording_writer.h"
 #include "temporary_directory.h"
@@ -133,12 +133,12 @@ TEST_F(CounterFileTest, HoldsWholeLinesOnlyWhenTheDiskIsFull) {
     CounterFile file(m_directory.path(), m_channel, CounterKind::Sent);
     {
         // "host_time_ns,sent\n" takes 18 bytes, each line 8: the second one has room for 5.
-        const host_test::FileSizeLimit limit(18 + 8 + 5);
+        const test_support::FileSizeLimit limit(18 + 8 + 5);
         EXPECT_TRUE(append(file, 1000, 11));
         EXPECT_FALSE(append(file, 2000, 12));
         EXPECT_FALSE(append(file, 3000, 13));
     }
-    EXPECT_EQ(file.failure(), "File too large");
+    EXPECT_EQ(file.failure(), test_support::kTooLarge);
     EXPECT_EQ(content("channel-3-sent.csv"), "host_time_ns,sent\n1000,11\n");
     EXPECT_EQ(file.counted(), 1u);
 }
@@ -198,7 +198,7 @@ TEST_F(CounterFileTest, IsReportedAsUnusableWhereCountsFoundNoRoom) {
 }
 
 TEST_F(CounterFileTest, ThatCannotBeWrittenEndsTheRecording) {
-    std::filesystem::create_symlink("/dev/full", m_directory.path() / "channel-3-sent.csv");
+    const test_support::FullFile full(m_directory.path() / "channel-3-sent.csv");
     EXPECT_THROW(CounterFile(m_directory.path(), m_channel, CounterKind::Sent), host::HostFailure);
 }
 

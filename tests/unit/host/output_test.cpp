@@ -2,10 +2,12 @@
 
 #include "assertion_monitor.h"
 #include "captured_console.h"
+#include "full_files.h"
 #include "host_failure.h"
 #include "log_console.h"
 #include "progress.h"
 #include "quantity_text.h"
+#include "temporary_directory.h"
 #include "text_table.h"
 
 using host_test::CapturedConsole;
@@ -23,8 +25,19 @@ TEST(Console, ReplacesWhatNeedsUtf8WhereTheUserCannotSeeIt) {
     EXPECT_EQ(captured.error(), "5 us\n");
 }
 
+TEST(Console, WritesUtf8ForProgramsWhateverTheUserSees) {
+    CapturedConsole captured(false);
+    captured.console().printForPrograms();
+    captured.console().print("0 \u00b0\n");
+    captured.console().tell("5 \u00b5s");
+    EXPECT_EQ(captured.out(), "0 \u00b0\n");
+    EXPECT_EQ(captured.error(), "5 us\n");
+}
+
 TEST(Console, SaysThatTheResultCannotBeWritten) {
-    std::FILE* const full = std::fopen("/dev/full", "w");
+    const test_support::TemporaryDirectory directory;
+    const test_support::FullFile nowhere(directory.path() / "full");
+    std::FILE* const full = std::fopen((directory.path() / "full").string().c_str(), "w");
     ASSERT_NE(full, nullptr);
     host::Console console(full, stderr, true);
     try {

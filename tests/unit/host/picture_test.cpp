@@ -73,7 +73,7 @@ TEST(PngFile, ReadsBackAsWritten) {
 
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
-    ASSERT_NE(png_image_begin_read_from_file(&image, file.c_str()), 0);
+    ASSERT_NE(png_image_begin_read_from_file(&image, file.string().c_str()), 0);
     EXPECT_EQ(image.width, 2u);
     EXPECT_EQ(image.height, 1u);
     image.format = PNG_FORMAT_RGB;

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "file_size_limit.h"
+#include "full_files.h"
 #include "temporary_directory.h"
 
 using host::ChannelInfo;
@@ -162,7 +162,7 @@ TEST_F(RecordingWriterTest, CountsFramesThatFoundNoRoom) {
 }
 
 TEST_F(RecordingWriterTest, StopsAllChannelsWhenAWriteFails) {
-    std::filesystem::create_symlink("/dev/full", m_directory.path() / "channel-1.raw");
+    const test_support::FullFile full(m_directory.path() / "channel-1.raw");
     RecordingWriter writer(nullptr);
     begin(writer);
     addSample(m_first, 0, 'a');
@@ -171,7 +171,7 @@ TEST_F(RecordingWriterTest, StopsAllChannelsWhenAWriteFails) {
     writer.start();
     writer.finish();
     EXPECT_TRUE(writer.hasFailed());
-    EXPECT_EQ(writer.failure(), "No space left on device");
+    EXPECT_EQ(writer.failure(), test_support::kNoRoom);
     EXPECT_EQ(file("channel-0.raw"), std::string("a\0", 2));
     EXPECT_EQ(file("channel-0.csv"), "frame,host_time_ns,offset,bytes\n0,0,0,2\n");
     EXPECT_EQ(file("channel-1.csv"), "frame,host_time_ns,offset,bytes\n");

@@ -4,12 +4,12 @@
 #include <latch>
 #include <thread>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-#ifndef _WIN32
-TEST(HangWatchDeathTest, ATestThatHangsEndsWithTheStacksOfItsThreads) {
+TEST(HangWatchDeathTest, ATestThatHangsEndsWithItsName) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(
         {
@@ -17,10 +17,8 @@ TEST(HangWatchDeathTest, ATestThatHangsEndsWithTheStacksOfItsThreads) {
             std::latch never(1);
             std::thread([&never] { never.wait(); }).join();
         },
-        "A\\.Test has lasted 1 s\\. All threads:\n"
-        "(.|\n)*thread [0-9]+ \"unit_platform\"(.|\n)*thread [0-9]+ \"unit_platform\"");
+        ::testing::StartsWith("A.Test has lasted 1 s. All threads:\n"));
 }
-#endif
 
 TEST(HangWatch, ATestThatEndsInTimeIsLeftAlone) {
     test_support::beginLimit("A.Test", 1000);

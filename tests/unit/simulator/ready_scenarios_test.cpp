@@ -85,7 +85,8 @@ TEST_F(ReadyScenarios, AreTheFilesOfTheirNamesAndToldToReaders) {
         if (name == "schema") continue;
         EXPECT_EQ(VmbSimScenarioName(), name);
         EXPECT_NE(readme.find("| `" + name + "` |"), std::string::npos) << name;
-        EXPECT_EQ(VmbSimLoadScenario(entry.path().c_str()), VmbErrorSuccess) << test_support::scenarioError();
+        EXPECT_EQ(VmbSimLoadScenario(entry.path().string().c_str()), VmbErrorSuccess)
+            << test_support::scenarioError();
         ++count;
     }
     EXPECT_EQ(count, 8u) << "each has a test below";

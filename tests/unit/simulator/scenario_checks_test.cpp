@@ -248,7 +248,7 @@ TEST_F(ScenarioChecks, FileThatIsNotThere) {
     EXPECT_EQ(VmbSimLoadScenario("none.json"), VmbErrorNotFound);
     EXPECT_EQ(scenarioError(), "none.json: there is no such file.");
     EXPECT_EQ(VmbSimLoadScenario(R"(C:\none)"), VmbErrorNotFound);
-    EXPECT_EQ(VmbSimLoadScenario(m_directory.path().c_str()), VmbErrorBadParameter);
+    EXPECT_EQ(VmbSimLoadScenario(m_directory.path().string().c_str()), VmbErrorBadParameter);
     EXPECT_EQ(scenarioError(), m_directory.path().string() + ": this is no file.");
 }
 

@@ -1,6 +1,4 @@
 // What happens in a scenario, and when.
-#include <filesystem>
-
 #include "scenario_fixture.h"
 
 namespace {
@@ -18,12 +16,7 @@ using testing::ElementsAre;
 class ScenarioEvents : public ScenarioTest {
   protected:
     /// Does the library have a thread for events of its scenario?
-    static bool hasThread() {
-        for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-            if (test_support::readFile(task.path() / "comm") == "scenario\n") return true;
-        }
-        return false;
-    }
+    static bool hasThread() { return test_support::hasThreadNamed("scenario"); }
 };
 
 constexpr const char* kPullAndPlug = R"("events": [

@@ -1,14 +1,20 @@
 // Which cameras there are.
+#include <algorithm>
 #include <cstdlib>
 
 #include "simulator_fixture.h"
 #include "temporary_directory.h"
+#include "test_system.h"
 
 namespace {
 
 using test_support::intOf;
 using test_support::kColourCamera;
 using test_support::SimulatorTest;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::ResultOf;
+using testing::StartsWith;
 
 TEST_F(SimulatorTest, AScenarioIsNotLoadedWhileTheLibraryIsStarted) {
     EXPECT_STREQ(VmbSimScenarioName(), "two-cameras");
@@ -39,8 +45,11 @@ TEST_F(SimulatorTest, AScenarioStartsEverythingAfresh) {
 class FirstUse : public ::testing::Test {
   protected:
     FirstUse() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-    ~FirstUse() override { unsetenv(VMBSIM_SCENARIO_VARIABLE); }
+    ~FirstUse() override { test_support::clearEnvironment(VMBSIM_SCENARIO_VARIABLE); }
 
+    static std::ptrdiff_t lineEnds(const std::string& text) {
+        return std::count(text.begin(), text.end(), '\n');
+    }
     static void exitWith(bool good) { std::_Exit(good ? 0 : 1); }
     static bool hasCameras() {
         VmbHandle_t camera = nullptr;
@@ -52,25 +61,27 @@ class FirstUse : public ::testing::Test {
 using FirstUseDeathTest = FirstUse;
 
 TEST_F(FirstUseDeathTest, TakesTheDefaultWithoutAVariable) {
-    unsetenv(VMBSIM_SCENARIO_VARIABLE);
+    test_support::clearEnvironment(VMBSIM_SCENARIO_VARIABLE);
     EXPECT_EXIT(exitWith(hasCameras()), ::testing::ExitedWithCode(0), "^$");
-    setenv(VMBSIM_SCENARIO_VARIABLE, "", 1);
+    test_support::setEnvironment(VMBSIM_SCENARIO_VARIABLE, "");
     EXPECT_EXIT(exitWith(hasCameras()), ::testing::ExitedWithCode(0), "^$");
 }
 
 TEST_F(FirstUseDeathTest, TakesTheScenarioThatTheVariableNames) {
-    setenv(VMBSIM_SCENARIO_VARIABLE, "zero-cameras", 1);
+    test_support::setEnvironment(VMBSIM_SCENARIO_VARIABLE, "zero-cameras");
     EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()) == "zero-cameras" && !hasCameras()),
                 ::testing::ExitedWithCode(0), "^$");
 }
 
 TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhyOnce) {
-    setenv(VMBSIM_SCENARIO_VARIABLE, "nowhere", 1);
+    test_support::setEnvironment(VMBSIM_SCENARIO_VARIABLE, "nowhere");
     EXPECT_EXIT(
         exitWith(VmbStartup() == VmbErrorOther && VmbStartup() == VmbErrorOther),
         ::testing::ExitedWithCode(0),
-        "^VIMBAC_SIMULATOR_SCENARIO: there is no scenario \"nowhere\"\\. There are [a-z, -]*"
-        "sixteen-cameras, two-cameras, zero-cameras, and files, whose names end in \"\\.json\"\\.\n$");
+        AllOf(StartsWith("VIMBAC_SIMULATOR_SCENARIO: there is no scenario \"nowhere\". There are "),
+              EndsWith(
+                  "sixteen-cameras, two-cameras, zero-cameras, and files, whose names end in \".json\".\n"),
+              ResultOf(lineEnds, 1)));
     EXPECT_EXIT(exitWith(std::string(VmbSimScenarioName()).empty() &&
                          VmbSimLoadScenario("two-cameras") == VmbErrorSuccess && hasCameras()),
                 ::testing::ExitedWithCode(0), "^$");
@@ -79,7 +90,7 @@ TEST_F(FirstUseDeathTest, FailsToStartWithAnUnknownScenarioAndSaysWhyOnce) {
 TEST_F(FirstUseDeathTest, TakesTheFileThatTheVariableNames) {
     const test_support::TemporaryDirectory directory;
     const std::string file = (directory.path() / "mine.json").string();
-    setenv(VMBSIM_SCENARIO_VARIABLE, file.c_str(), 1);
+    test_support::setEnvironment(VMBSIM_SCENARIO_VARIABLE, file);
     std::ofstream(file) << R"({"cameras": [{"model": "Manta_G-033C"}]})";
     EXPECT_EXIT(exitWith(VmbSimScenarioName() == file && hasCameras()), ::testing::ExitedWithCode(0), "^$");
     std::ofstream(file) << R"({"cameras": [{"model": "Manta"}]})";

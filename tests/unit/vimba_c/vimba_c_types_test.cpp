@@ -1,6 +1,5 @@
 // The vendor's names and numbers as clients of the binary interface need them.
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -80,8 +79,7 @@ const std::vector<std::string> kFunctions = {
 };
 
 std::vector<std::string> linesOf(const char* path) {
-    const auto here = std::filesystem::path(__FILE__).parent_path();
-    std::ifstream file(here / "../../../lib/vimba_c" / path);
+    std::ifstream file(std::string(ZELT_SOURCE_DIR "/lib/vimba_c/") + path);
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) lines.push_back(line);
     return lines;

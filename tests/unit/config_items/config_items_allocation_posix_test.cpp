@@ -1,7 +1,5 @@
 // Replaces the program's allocation so that tests can count allocations and refuse one. Other libraries of
 // the process use the replacement only where the loader lets a program replace symbols of its libraries.
-#if !defined(_WIN32)
-
 #include <cstdlib>
 #include <new>
 
@@ -98,5 +96,3 @@ TEST(Allocation, FailureMakesConstraintsDifferInsteadOfThrowing) {
 }
 
 }  // namespace
-
-#endif
