@@ -11,6 +11,12 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN")
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
+if(NOT MSVC)
+    # Texts that name a source do so from the project's root, on whatever machine it was built.
+    add_compile_options("-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
+endif()
+# A package needs the product, not the tests.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 option(ZELT_TESTS "build the tests" ON)
 
 # A second build of the same sources costs little where the compiler cache is installed.

@@ -1,4 +1,23 @@
-# What is the same for every binary for Windows: plain names, and the shared runtime beside the programs.
+# What is the same for every binary for Windows: plain names, the shared runtime beside the programs, and what
+# the properties of a file show.
+
+# zelt_describe(zelt_base "what it is"): version information, where the system has it.
+function(zelt_describe target description)
+    if(NOT WIN32)
+        return()
+    endif()
+    set(file $<TARGET_FILE_NAME:${target}>)
+    set(type VFT_DLL)
+    get_target_property(kind ${target} TYPE)
+    if(kind STREQUAL EXECUTABLE)
+        set(type VFT_APP)
+    endif()
+    set(resource "${CMAKE_CURRENT_BINARY_DIR}/${target}_version")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${resource}.in" @ONLY)
+    file(GENERATE OUTPUT "${resource}.rc" INPUT "${resource}.in" TARGET ${target})
+    target_sources(${target} PRIVATE "${resource}.rc")
+endfunction()
+
 if(NOT WIN32)
     return()
 endif()
@@ -14,6 +33,9 @@ if(MSVC)
     add_compile_options(/utf-8 /permissive- /EHsc $<$<COMPILE_LANGUAGE:CXX>:/Zc:preprocessor>)
 endif()
 if(MINGW)
+    # Two builds of the same sources give the same bytes.
+    add_link_options(-Wl,--no-insert-timestamp)
+    add_compile_options("-ffile-prefix-map=${ZELT_WINDOWS_PREFIX}/=" "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}/=")
     # Sources full of templates have more sections than the old object format counts.
     add_compile_options(-Wa,-mbig-obj)
     # Exceptions and types cross the border between host and plug-in, so all share one runtime.

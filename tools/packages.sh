@@ -3,10 +3,10 @@
 
 build_packages=(g++ cmake ninja-build libboost-log1.81-dev libpng-dev libpugixml-dev libcli11-dev
     nlohmann-json3-dev libgtest-dev libgmock-dev librapidcheck-dev)
-check_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev doxygen python3)
+check_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev doxygen python3 unzip)
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev)
-# What runs it; apart, since what the libraries are built by is in the name of their folder.
-windows_run_packages=(wine wine64)
+# What runs and packs it; apart, since what the libraries are built by is in the name of their folder.
+windows_run_packages=(wine wine64 nsis)
 
 is_installed() { dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed; }
 

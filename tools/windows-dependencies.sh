@@ -113,7 +113,9 @@ fetch() {
 build() {
     local from=$1 into=$work/build-${1##*/}
     shift
-    CXXFLAGS=-w CFLAGS=-w cmake -S "$from" -B "$into" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
+    # No binary tells where it was built.
+    local flags="-w -ffile-prefix-map=$work/= -ffile-prefix-map=/usr/src/="
+    CXXFLAGS=$flags CFLAGS=$flags cmake -S "$from" -B "$into" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
         -DZELT_WINDOWS_PREFIX="$made" -DCMAKE_INSTALL_PREFIX="$made" \
         -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_FLAGS_RELEASE="-O2 -DNDEBUG" \
         -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" "$@"
@@ -169,6 +171,16 @@ copy_header_only() {
     done
 }
 
+# What is handed on with the packages: the terms of everything that becomes part of them.
+collect_licenses() {
+    local source package
+    mkdir "$made/licenses"
+    for source in "${sources[@]}"; do cp "$work/$source/debian/copyright" "$made/licenses/$source.txt"; done
+    for package in "${copied[@]}" gcc-mingw-w64-base mingw-w64-common libz-mingw-w64-dev; do
+        cp -L "/usr/share/doc/$package/copyright" "$made/licenses/$package.txt"
+    done
+}
+
 # What must lie beside the programs: Boost.Log and the compiler's shared runtime with all they need of ours.
 collect_runtime() {
     local wanted=(libboost_log.dll libstdc++-6.dll libgcc_s_seh-1.dll) name from
@@ -197,6 +209,7 @@ step "zlib" "reinstall libz-mingw-w64-dev" copy_zlib
 step "libpng" "$report" build "$work/libpng1.6" -DPNG_SHARED=OFF -DPNG_EXECUTABLES=OFF -DPNG_TESTS=OFF
 step "GoogleTest" "reinstall googletest" build /usr/src/googletest -DBUILD_GMOCK=ON -DINSTALL_GTEST=ON
 step "header-only libraries" "reinstall ${copied[*]}" copy_header_only
+step "licenses" "reinstall ${copied[*]}" collect_licenses
 step "runtime" "reinstall g++-mingw-w64-x86-64-posix" collect_runtime
 
 echo "$recipe" >"$made/recipe"

@@ -181,6 +181,11 @@ void demandNeeded(const CLI::App& app, Command command) {
     }
 }
 
+// Made of chars, a path would follow the C locale on Windows instead of the program's UTF-8.
+std::filesystem::path pathOf(const std::string& text) {
+    return std::u8string(text.begin(), text.end());
+}
+
 // An empty path would be taken for an option that was left out.
 void refuseEmptyPaths(const CLI::App& app) {
     const CLI::App* command = app.get_subcommands().front();
@@ -213,14 +218,14 @@ void interpret(const CLI::App& app, const Texts& texts, CommandLine& line) {
     line.command = chosenCommand(app);
     line.logLevel = parseLevel(texts.logLevel);
     line.plugin = texts.plugin.empty() ? platform::executableDirectory() / platform::kPluginFileName
-                                       : std::filesystem::path(texts.plugin);
+                                       : pathOf(texts.plugin);
     demandNeeded(app, line.command);
     refuseEmptyPaths(app);
     if (isGiven(app, "--seconds")) line.seconds = parseSeconds(texts.seconds);
-    line.out = texts.out;
-    line.to = texts.to;
+    line.out = pathOf(texts.out);
+    line.to = pathOf(texts.to);
     line.counters = texts.counters;
-    line.cameras.from = texts.from;
+    line.cameras.from = pathOf(texts.from);
     line.cameras.channels = parseChannels(texts.channels);
     line.cameras.orders = parseSets(texts.sets);
     const auto actions = parseActions(texts.actions);

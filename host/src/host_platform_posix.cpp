@@ -9,7 +9,7 @@
 
 namespace host::platform {
 
-const char* const kPluginFileName = "libzelt_gige_camera.so";
+const char* const kPluginFileName = "libzelt_plugin_gige_camera.so";
 const char* const kVendorFileName = "libVimbaC.so";
 
 namespace {

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <bit>
 #include <cstdio>
+#include <cstdlib>
 
 #include <io.h>
 #include <windows.h>
@@ -9,7 +10,7 @@
 
 namespace host::platform {
 
-const char* const kPluginFileName = "zelt_gige_camera.dll";
+const char* const kPluginFileName = "zelt_plugin_gige_camera.dll";
 const char* const kVendorFileName = "VimbaC.dll";
 
 namespace {
@@ -54,10 +55,10 @@ class NoErrorWindows {
     DWORD m_previous = 0;
 };
 
-HMODULE load(const std::filesystem::path& file, DWORD& error) {
+// With the default what the library needs is looked for in its own folder first.
+HMODULE load(const std::filesystem::path& file, DWORD& error, DWORD how = LOAD_WITH_ALTERED_SEARCH_PATH) {
     const NoErrorWindows quiet;
-    // With this flag what the library needs is looked for in its own folder first.
-    HMODULE module = ::LoadLibraryExW(file.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    HMODULE module = ::LoadLibraryExW(file.c_str(), nullptr, how);
     error = module != nullptr ? ERROR_SUCCESS : ::GetLastError();
     return module;
 }
@@ -76,18 +77,56 @@ std::wstring searchPath(const std::filesystem::path& directory) {
 }
 
 // The loader does not say which library it missed, so the vendor's is tried alone.
-DWORD vendorError(const std::filesystem::path& directory) {
+HMODULE loadVendor(const std::filesystem::path& directory, DWORD& error) {
     const std::filesystem::path name = kVendorFileName;
     std::wstring found(32768, L'\0');
     const auto size = static_cast<DWORD>(found.size());
     const DWORD length =
         ::SearchPathW(searchPath(directory).c_str(), name.c_str(), nullptr, size, found.data(), nullptr);
-    if (length == 0 || length >= size) return ERROR_MOD_NOT_FOUND;
+    error = ERROR_MOD_NOT_FOUND;
+    if (length == 0 || length >= size) return nullptr;
     found.resize(length);
-    DWORD error = ERROR_SUCCESS;
-    HMODULE module = load(found, error);
-    if (module != nullptr) ::FreeLibrary(module);
-    return error;
+    return load(found, error);
+}
+
+template <class Structure>
+const Structure* at(HMODULE image, std::size_t offset) {
+    // The lowest bits of a mapped library's handle say how it is mapped.
+    return std::bit_cast<const Structure*>((std::bit_cast<std::uintptr_t>(image) & ~std::uintptr_t{3}) +
+                                           offset);
+}
+
+const IMAGE_IMPORT_DESCRIPTOR* importsOfVendor(HMODULE image) {
+    const auto* header =
+        at<IMAGE_NT_HEADERS64>(image, static_cast<std::size_t>(at<IMAGE_DOS_HEADER>(image, 0)->e_lfanew));
+    const DWORD imports = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    if (imports == 0) return nullptr;
+    for (const auto* entry = at<IMAGE_IMPORT_DESCRIPTOR>(image, imports); entry->Name != 0; ++entry) {
+        if (::_stricmp(at<char>(image, entry->Name), kVendorFileName) == 0) return entry;
+    }
+    return nullptr;
+}
+
+// Nor does it say which function it missed, and Wine's loader goes on without it; empty when all are there.
+std::string missingFunction(HMODULE image, HMODULE vendor) {
+    const IMAGE_IMPORT_DESCRIPTOR* imports = importsOfVendor(image);
+    if (imports == nullptr) return {};
+    const auto* thunk = at<IMAGE_THUNK_DATA64>(image, imports->OriginalFirstThunk);
+    for (; thunk->u1.AddressOfData != 0; ++thunk) {
+        if (IMAGE_SNAP_BY_ORDINAL64(thunk->u1.Ordinal)) continue;
+        const char* name = at<IMAGE_IMPORT_BY_NAME>(image, thunk->u1.AddressOfData)->Name;
+        if (::GetProcAddress(vendor, name) == nullptr) return name;
+    }
+    return {};
+}
+
+std::string missingVendorFunction(const std::filesystem::path& plugin, HMODULE vendor) {
+    DWORD ignored = ERROR_SUCCESS;
+    HMODULE image = load(plugin, ignored, LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    if (image == nullptr) return {};
+    std::string name = missingFunction(image, vendor);
+    ::FreeLibrary(image);
+    return name;
 }
 
 std::string numberText(DWORD error) {
@@ -101,6 +140,7 @@ std::string errorText(DWORD error) {
         error, 0, std::bit_cast<wchar_t*>(&wide), 0, nullptr);
     std::wstring text = wide != nullptr ? wide : L"the loader gave no reason";
     ::LocalFree(wide);
+    if (text.rfind(L"%1", 0) == 0) text.replace(0, 2, L"the file");
     text.erase(text.find_last_not_of(L". \r\n") + 1);
     // A path knows how to convert.
     return std::filesystem::path(text).string() + ' ' + numberText(error);
@@ -122,20 +162,22 @@ LoadProblem classifyLoadError(const std::string& text, bool fileExists) {
 std::unique_ptr<Library> loadLibrary(const std::filesystem::path& file, LoadError& error) {
     const std::filesystem::path absolute = std::filesystem::absolute(file);
     DWORD code = ERROR_SUCCESS;
-    if (HMODULE module = load(absolute, code); module != nullptr) {
-        return std::make_unique<WindowsLibrary>(module);
-    }
+    HMODULE module = load(absolute, code);
+    DWORD vendorCode = ERROR_SUCCESS;
+    HMODULE vendor = loadVendor(absolute.parent_path(), vendorCode);
+    const std::string missing = vendor != nullptr ? missingVendorFunction(absolute, vendor) : "";
+    if (vendor != nullptr) ::FreeLibrary(vendor);
+    if (module != nullptr && missing.empty()) return std::make_unique<WindowsLibrary>(module);
+
+    if (module != nullptr) ::FreeLibrary(module);
     std::error_code ignored;
     const bool exists = std::filesystem::exists(absolute, ignored);
     error.text = errorText(code);
-    if (exists) {
-        const DWORD vendor = vendorError(absolute.parent_path());
+    if (exists && vendorCode != ERROR_SUCCESS) {
         // Without the vendor's library the plug-in cannot be loaded, whatever the loader gave as its reason.
-        if (vendor != ERROR_SUCCESS) error.text = errorText(vendor);
-        const bool lacksFunction = code == ERROR_PROC_NOT_FOUND;
-        if (vendor != ERROR_SUCCESS || lacksFunction)
-            error.text.insert(0, std::string(kVendorFileName) + ": ");
+        error.text = std::string(kVendorFileName) + ": " + errorText(vendorCode);
     }
+    if (!missing.empty()) error.text = std::string(kVendorFileName) + ": it has no function " + missing;
     error.problem = classifyLoadError(error.text, exists);
     return nullptr;
 }

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 
 namespace {
 
-const std::string kPlugin = test_support::libraryFileName("zelt_gige_camera");
+const std::string kPlugin = test_support::libraryFileName("zelt_plugin_gige_camera");
 const std::string kVendor = test_support::libraryFileName("VimbaC");
 
 class TroublesAreNamed : public testing::Test {

@@ -2,13 +2,11 @@
 
 #include <chrono>
 
+#include "native_thread.h"
 #include "watchdog.h"
 
 namespace simulator {
 namespace {
-
-/// A sleeping thread is late by up to about this much on an idle machine.
-constexpr Nanoseconds kWakeUpLatency = 150 * kMicrosecond;
 
 void watchedWait(std::condition_variable& condition, std::unique_lock<std::mutex>& lock) {
     const std::chrono::milliseconds limit = Watchdog::limit();

@@ -6,6 +6,8 @@
 
 namespace simulator {
 
+const Nanoseconds kWakeUpLatency = 150 * kMicrosecond;
+
 void prepareLibraryThread([[maybe_unused]] const char* name) {
 #if defined(__linux__)
     // The default slack of 50 microseconds would be part of every delivery.

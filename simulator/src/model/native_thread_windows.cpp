@@ -9,6 +9,10 @@
 #include "native_thread.h"
 
 namespace simulator {
+
+// Waits end at whole milliseconds, as a rule at the one after next.
+const Nanoseconds kWakeUpLatency = 2 * kMillisecond;
+
 namespace {
 
 bool prepareLibrary() {

@@ -8,6 +8,7 @@
 
 #include "embedded_texts.h"
 #include "feature_table.h"
+#include "native_path.h"
 #include "scenario_reader.h"
 
 namespace simulator {
@@ -36,15 +37,16 @@ bool isPath(const std::string& name) {
 
 FoundScenario readFile(const std::string& name) {
     std::error_code error;
-    if (!fs::exists(name, error)) return failure(Result::NotFound, name + ": there is no such file.");
-    if (!fs::is_regular_file(name, error)) return failure(Result::BadParameter, name + ": this is no file.");
-    const std::uintmax_t size = fs::file_size(name, error);
+    const fs::path path = nativePath(name);
+    if (!fs::exists(path, error)) return failure(Result::NotFound, name + ": there is no such file.");
+    if (!fs::is_regular_file(path, error)) return failure(Result::BadParameter, name + ": this is no file.");
+    const std::uintmax_t size = fs::file_size(path, error);
     if (!error && size > kLargestFile) {
         return failure(Result::BadParameter, name + ": " + std::to_string(size) +
                                                  " bytes are too many for a scenario; the most is " +
                                                  std::to_string(kLargestFile) + ".");
     }
-    std::ifstream file(name, std::ios::binary);
+    std::ifstream file(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     if (error || !file) return failure(Result::BadParameter, name + ": the file cannot be read.");
     try {
