@@ -130,11 +130,10 @@ std::unique_ptr<Library> loadLibrary(const std::filesystem::path& file, LoadErro
     error.text = errorText(code);
     if (exists) {
         const DWORD vendor = vendorError(absolute.parent_path());
-        // Without the vendor's library the plug-in cannot be loaded, whatever the loader gave as its reason.
-        if (vendor != ERROR_SUCCESS) error.text = errorText(vendor);
-        const bool lacksFunction = code == ERROR_PROC_NOT_FOUND;
-        if (vendor != ERROR_SUCCESS || lacksFunction)
-            error.text.insert(0, std::string(kVendorFileName) + ": ");
+        const bool lacksLibrary = vendor != ERROR_SUCCESS && (code == ERROR_MOD_NOT_FOUND || code == vendor);
+        const bool lacksFunction = code == ERROR_PROC_NOT_FOUND && vendor == ERROR_SUCCESS;
+        if (lacksLibrary) error.text = errorText(vendor);
+        if (lacksLibrary || lacksFunction) error.text.insert(0, std::string(kVendorFileName) + ": ");
     }
     error.problem = classifyLoadError(error.text, exists);
     return nullptr;
