@@ -173,10 +173,9 @@ std::unique_ptr<Library> loadLibrary(const std::filesystem::path& file, LoadErro
     std::error_code ignored;
     const bool exists = std::filesystem::exists(absolute, ignored);
     error.text = errorText(code);
-    if (exists && vendorCode != ERROR_SUCCESS) {
-        // Without the vendor's library the plug-in cannot be loaded, whatever the loader gave as its reason.
-        error.text = std::string(kVendorFileName) + ": " + errorText(vendorCode);
-    }
+    const bool lacksLibrary =
+        vendorCode != ERROR_SUCCESS && (code == ERROR_MOD_NOT_FOUND || code == vendorCode);
+    if (exists && lacksLibrary) error.text = std::string(kVendorFileName) + ": " + errorText(vendorCode);
     if (!missing.empty()) error.text = std::string(kVendorFileName) + ": it has no function " + missing;
     error.problem = classifyLoadError(error.text, exists);
     return nullptr;

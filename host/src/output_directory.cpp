@@ -13,7 +13,9 @@ namespace {
 std::string writeInPlace(const std::filesystem::path& file, const std::string& text) {
     std::FILE* stream = std::fopen(file.string().c_str(), "wb");
     if (stream == nullptr) return std::strerror(errno);
-    const bool written = std::fwrite(text.data(), 1, text.size(), stream) == text.size();
+    // Not every runtime's fclose tells that what it still had to write found no room.
+    const bool written =
+        std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
     std::string reason = written ? "" : std::strerror(errno);
     if (std::fclose(stream) != 0 && written) reason = std::strerror(errno);
     return reason;

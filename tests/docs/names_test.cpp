@@ -39,7 +39,7 @@ const std::map<std::string, std::string>& sources() {
         for (const char* folder : kFolders) {
             for (const auto& entry : fs::recursive_directory_iterator(sourceTree() / folder)) {
                 const bool isOfInterest = entry.is_regular_file() && entry.path().extension() != ".md" &&
-                                          !entry.path().string().ends_with("docs/names_test.cpp");
+                                          !entry.path().generic_string().ends_with("docs/names_test.cpp");
                 if (isOfInterest) add(entry.path());
             }
         }

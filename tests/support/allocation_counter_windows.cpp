@@ -7,6 +7,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 // clang-format off
 #include <windows.h>
@@ -90,6 +91,9 @@ void replaceEverywhere() {
     std::array<HMODULE, 1024> modules{};
     DWORD bytes = 0;
     ::EnumProcessModules(::GetCurrentProcess(), modules.data(), sizeof modules, &bytes);
+    // It takes milliseconds, and tests count in every frame.
+    static std::array<HMODULE, 1024> s_done{};
+    if (std::exchange(s_done, modules) == modules) return;
     for (std::size_t i = 0; i < bytes / sizeof(HMODULE) && i < modules.size(); ++i) {
         std::array<char, 32> runtime{};
         ::GetModuleBaseNameA(::GetCurrentProcess(), modules[i], runtime.data(), DWORD{runtime.size()});

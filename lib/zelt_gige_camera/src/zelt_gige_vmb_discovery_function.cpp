@@ -2,6 +2,8 @@
 
 #include <array>
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <utility>
 
 #include "zelt_gige_vmb_api.h"
@@ -17,12 +19,17 @@ struct Place {
 };
 std::array<Place, DiscoveryFunction::kStock> places;
 
+// Not the wait of the atomic itself: in g++ 12 for Windows that may miss its wake-up and never end.
+std::mutex endMutex;
+std::condition_variable callEnded;
+
 class RunningCall {
   public:
     explicit RunningCall(Place& place) : m_place(place) { ++m_place.runningCalls; }
     ~RunningCall() {
+        const std::lock_guard lock(endMutex);
         --m_place.runningCalls;
-        m_place.runningCalls.notify_all();
+        callEnded.notify_all();
     }
     RunningCall(const RunningCall&) = delete;
     RunningCall& operator=(const RunningCall&) = delete;
@@ -71,9 +78,8 @@ void DiscoveryFunction::giveBack() {
     if (m_number == kNone) return;
     Place& place = places[std::exchange(m_number, kNone)];
     place.owner = nullptr;
-    for (unsigned running = place.runningCalls; running != 0; running = place.runningCalls) {
-        place.runningCalls.wait(running);
-    }
+    std::unique_lock lock(endMutex);
+    callEnded.wait(lock, [&] { return place.runningCalls == 0; });
 }
 
 }  // namespace zelt_gige_api

@@ -1,7 +1,6 @@
 #include "countable.h"
 
 #include <array>
-#include <latch>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "config_item_variant.h"
+#include "latch.h"
 
 namespace {
 
@@ -84,7 +84,7 @@ TEST(Countable, CountsOnSeveralThreadsWithoutLosingAny) {
     const std::int64_t before = read();
     constexpr int kThreads = 4;
     constexpr int kEach = 20000;
-    std::latch start(kThreads);
+    test_support::Latch start(kThreads);
     std::array<std::vector<ScalarConfigItem>, kThreads> kept;
     std::vector<std::jthread> threads;
     for (auto& items : kept) {
@@ -134,7 +134,7 @@ TEST(CountedTypes, TakesEntriesFromSeveralThreads) {
     static std::vector<uni::CountedType> s_types;
     for (std::size_t i = 0; i < kThreads * kEach; ++i) s_names.push_back("test::Type" + std::to_string(i));
     for (const std::string& name : s_names) s_types.push_back({name.c_str(), &readSeven});
-    std::latch start(kThreads);
+    test_support::Latch start(kThreads);
     {
         std::vector<std::jthread> threads;
         for (std::size_t thread = 0; thread < kThreads; ++thread) {

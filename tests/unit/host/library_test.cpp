@@ -107,7 +107,7 @@ TEST_F(PluginLibraryTest, ReportsAMissingFile) {
 
 TEST_F(PluginLibraryTest, ReportsAFileThatIsNoLibrary) {
     const test_support::TemporaryDirectory directory;
-    const std::string file = (directory.path() / "text").string();
+    const std::string file = (directory.path() / "text.dll").string();
     std::ofstream(file) << "no library";
     try {
         host::loadPlugin(file);

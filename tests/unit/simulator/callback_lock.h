@@ -11,7 +11,7 @@ namespace test_support {
 /// The mistake: a lock that the frame callback needs is held across a call that waits for that callback.
 inline void waitWithTheCallbacksLock(VmbHandle_t camera, const std::function<void()>& wait) {
     std::mutex mutex;
-    Latch inCallback;
+    Door inCallback;
     Stream stream(camera);
     std::unique_lock lock(mutex);
     stream.hook = [&](VmbFrame_t&) {

@@ -5,11 +5,11 @@
 
 namespace {
 
+using test_support::Door;
 using test_support::eventually;
 using test_support::floatOf;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
-using test_support::Latch;
 using test_support::run;
 using test_support::setEnum;
 using test_support::setFloat;
@@ -112,8 +112,8 @@ TEST_F(Concurrency, FaultsLightClocksAndMisuseMayBeUsedWhileFramesCome) {
 
 TEST_F(Concurrency, ClosingACameraAndShuttingDownBothWaitForItsCallback) {
     const VmbHandle_t camera = openFast();
-    Latch inCallback;
-    Latch goOn;
+    Door inCallback;
+    Door goOn;
     Stream stream(camera);
     stream.requeue = false;
     stream.hook = [&](VmbFrame_t&) {
@@ -139,8 +139,8 @@ std::vector<test_support::ReceivedFrame> framesAcrossAChange(VmbHandle_t camera,
                                                              const std::function<void()>& change) {
     setFloat(camera, "AcquisitionFrameRateAbs", 50);
     Stream stream(camera, 8);
-    Latch inCallback;
-    Latch goOn;
+    Door inCallback;
+    Door goOn;
     stream.hook = [&](VmbFrame_t& frame) {
         if (frame.frameID != 2) return;
         inCallback.open();

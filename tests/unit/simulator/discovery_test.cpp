@@ -9,7 +9,7 @@ using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kPatienceMs;
 using test_support::kSystem;
-using test_support::Latch;
+using test_support::Door;
 using test_support::run;
 using test_support::setInt;
 using test_support::SimulatorTest;
@@ -143,8 +143,8 @@ TEST_F(Discovery, NewsComeOnTheDiscoveryThread) {
 }
 
 TEST_F(Discovery, ValuesAreHeldSteadyDuringTheCall) {
-    Latch entered;
-    Latch raised;
+    Door entered;
+    Door raised;
     std::vector<std::string> second;
     news.hook = [&](VmbHandle_t handle, const char*) {
         if (entered.isOpen()) return;

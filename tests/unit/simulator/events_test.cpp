@@ -3,10 +3,10 @@
 
 namespace {
 
+using test_support::Door;
 using test_support::intOf;
 using test_support::Invalidations;
 using test_support::kColourCamera;
-using test_support::Latch;
 using test_support::ReceivedFrame;
 using test_support::run;
 using test_support::setEnum;
@@ -129,7 +129,7 @@ TEST_F(AcquisitionEvents, GoOnWithTheIdsOfTheCapture) {
 }
 
 TEST_F(AcquisitionEvents, TheFirstFrameWaitsForTheStartEvent) {
-    Latch release;
+    Door release;
     notes.hook = [&](VmbHandle_t, const char*) { release.wait(); };
     // No later exposure wakes the camera: the event itself must.
     setEnum(camera, "AcquisitionMode", "SingleFrame");

@@ -3,12 +3,12 @@
 
 namespace {
 
+using test_support::Door;
 using test_support::intOf;
 using test_support::Invalidations;
 using test_support::kColourCamera;
 using test_support::kPatienceMs;
 using test_support::kSystem;
-using test_support::Latch;
 using test_support::setEnum;
 using test_support::setFloat;
 using test_support::setInt;
@@ -174,7 +174,7 @@ TEST_F(Invalidation, WaitingForEventsInACallbackIsRefused) {
 }
 
 TEST_F(Invalidation, WaitingForEventsEndsInTime) {
-    Latch release;
+    Door release;
     notes.hook = [&](VmbHandle_t, const char*) { release.wait(); };
     notes.registerOn(camera, "Width");
     setInt(camera, "Width", 320);

@@ -1,8 +1,8 @@
 // Frames that get lost or damaged, and cables that go in the middle of something.
-#include <latch>
 #include <thread>
 
 #include "far_pages.h"
+#include "latch.h"
 #include "virtual_fixture.h"
 
 namespace {
@@ -280,7 +280,7 @@ TEST_F(FrameWait, EndsWhenTheFrameLeavesTheQueueUnfilledOrTheCameraIsGone) {
         Stream trigger(other, 1);
         trigger.requeue = false;
         std::thread client;
-        std::latch hasClient(1);
+        test_support::Latch hasClient(1);
         trigger.hook = [&, &event = event](VmbFrame_t&) {
             client = std::thread([&] { event(stream); });
             hasClient.count_down();

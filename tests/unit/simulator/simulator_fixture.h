@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "latch.h"
 #include "simulator.h"
 
 namespace test_support {
@@ -78,17 +79,14 @@ inline bool eventually(const std::function<bool()>& condition) {
 }
 
 /// A door that stays shut until it is opened.
-class Latch {
+class Door {
   public:
-    void open() {
-        m_open = true;
-        m_open.notify_all();
-    }
-    void wait() const { m_open.wait(false); }
-    bool isOpen() const { return m_open; }
+    void open() { m_latch.count_down(); }
+    void wait() const { m_latch.wait(); }
+    bool isOpen() const { return m_latch.try_wait(); }
 
   private:
-    std::atomic<bool> m_open{false};
+    Latch m_latch{1};
 };
 
 class SimulatorTest : public ::testing::Test {

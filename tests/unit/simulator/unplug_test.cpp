@@ -8,7 +8,7 @@ using test_support::intOf;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kPatienceMs;
-using test_support::Latch;
+using test_support::Door;
 using test_support::run;
 using test_support::setInt;
 using test_support::Stream;
@@ -110,7 +110,7 @@ TEST_F(StreamTest, FrameFaultsAndAHeldSensorOutliveTheCable) {
 TEST_F(StreamTest, TheCableMayBePulledInACallback) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);
-    Latch done;
+    Door done;
     stream.hook = [&](VmbFrame_t&) {
         VmbSimUnplugCamera(kColourCamera);
         done.open();

@@ -7,7 +7,7 @@ using test_support::Invalidations;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kSystem;
-using test_support::Latch;
+using test_support::Door;
 using test_support::run;
 using test_support::setInt;
 using test_support::Stream;
@@ -32,8 +32,8 @@ class WaitsForFrameCallback : public StreamTest, public ::testing::WithParamInte
 TEST_P(WaitsForFrameCallback, OfTheCamera) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);
-    Latch entered;
-    Latch release;
+    Door entered;
+    Door release;
     std::atomic<bool> returned{false};
     std::atomic<bool> early{false};
     VmbFrame_t* running = nullptr;
@@ -94,8 +94,8 @@ class WaitsForEventCallback : public StreamTest, public ::testing::WithParamInte
 TEST_P(WaitsForEventCallback, OfTheCamera) {
     const VmbHandle_t camera = open();
     Invalidations notes;
-    Latch entered;
-    Latch release;
+    Door entered;
+    Door release;
     std::atomic<bool> returned{false};
     std::atomic<bool> early{false};
     notes.hook = [&](VmbHandle_t, const char*) {
@@ -155,7 +155,7 @@ class InFrameCallback : public StreamTest {
         VmbFrameRevokeAll(camera);
     }
     VmbHandle_t camera = openFast();
-    Latch through;
+    Door through;
 };
 
 TEST_F(InFrameCallback, FeaturesAreReadButNotSet) {
@@ -209,8 +209,8 @@ TEST_F(InFrameCallback, EventsCanBeUnregistered) {
 TEST_F(StreamTest, AFrameThatIsQueuedAgainWhileCaptureEndsIsNotLeftBehind) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);
-    Latch entered;
-    Latch release;
+    Door entered;
+    Door release;
     stream.hook = [&](VmbFrame_t&) {
         entered.open();
         release.wait();

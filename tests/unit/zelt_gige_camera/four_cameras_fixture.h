@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <latch>
 #include <memory>
 #include <string>
 #include <thread>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "forwarding_camera_api.h"
+#include "latch.h"
 #include "plugin_fixture.h"
 #include "zelt_gige_camera_plugin.h"
 #include "zelt_gige_vmb_api.h"
@@ -24,7 +24,7 @@ inline std::string cameraId(unsigned number) {
 
 /// Runs each job on a thread of its own, all from the same moment on; returns when all have ended.
 inline void atOnce(const std::vector<std::function<void()>>& jobs) {
-    std::latch begin(static_cast<std::ptrdiff_t>(jobs.size()));
+    test_support::Latch begin(static_cast<std::ptrdiff_t>(jobs.size()));
     std::vector<std::jthread> threads;
     for (const auto& job : jobs) {
         threads.emplace_back([&begin, &job] {

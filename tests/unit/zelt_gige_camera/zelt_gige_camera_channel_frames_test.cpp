@@ -1,11 +1,11 @@
 // Frames through the plug-in: time stamps, sinks, the acquisition events, the cost per frame.
 #include <array>
 #include <cstdlib>
-#include <latch>
 #include <thread>
 
 #include "allocation_counter.h"
 #include "frames_by_hand_fixture.h"
+#include "latch.h"
 #include "zelt_gige_vmb_call.h"
 
 namespace {
@@ -214,7 +214,7 @@ TEST_F(FramesByHand, MayComeTogetherWithTheStartEvent) {
 
 TEST_F(FramesByHand, MayComeTogetherWithTheEndEvent) {
     auto& callback = dynamic_cast<zelt_gige_api::IfCameraCallback&>(*plugin->getChannel(0));
-    std::latch delivered(1);
+    test_support::Latch delivered(1);
     std::thread events([&] {
         delivered.wait();
         for (int i = 0; i < 100; ++i) callback.onAcquisitionEnded({}, 500, 1);

@@ -3,6 +3,7 @@
 #include <future>
 
 #include "four_cameras_fixture.h"
+#include "latch.h"
 #include "throwing_log.h"
 
 namespace {
@@ -135,7 +136,7 @@ TEST_F(OneChannelAtOnce, ItsCaptureEndsWhileItIsSet) {
 // The command that stops a camera is a write to it like any other.
 TEST_F(OneChannelAtOnce, ASettingWaitsForTheCommandThatStopsTheCamera) {
     start();
-    std::latch isSetting(1);
+    test_support::Latch isSetting(1);
     std::jthread setter;
     std::vector<std::string> order;
     api->hook = [&](const std::string& call) {

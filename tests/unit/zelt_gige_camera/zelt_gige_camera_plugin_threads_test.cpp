@@ -2,6 +2,7 @@
 #include <atomic>
 
 #include "four_cameras_fixture.h"
+#include "latch.h"
 
 namespace {
 
@@ -138,8 +139,8 @@ TEST_F(SeveralThreads, ChangeTheTriggerFrequencyDuringPreparationAndItIsNotLost)
     auto& service = aux();
     service.setSyncOutAuxFrequency(10, 1);
     for (std::int64_t frequency = 11; frequency < 51; ++frequency) {
-        std::latch inSetter(1);
-        std::latch twoWait(2);
+        test_support::Latch inSetter(1);
+        test_support::Latch twoWait(2);
         std::atomic<bool> isFirst = true;
         api->hook = [&](const std::string& call) {
             if (call != "Gamma" || !isFirst.exchange(false)) return;

@@ -1,8 +1,8 @@
 // Several plug-ins in one process, and host calls and discovery at the same time.
 #include <atomic>
-#include <latch>
 #include <thread>
 
+#include "latch.h"
 #include "plugin_fixture.h"
 #include "zelt_gige_camera_api.h"
 
@@ -26,7 +26,7 @@ class Together : public PluginTest {
         VmbSimSetWatchdog(0);
     }
     /// Turns both cables until `done`, with the events that the library raises for it.
-    std::thread turningCables(const std::atomic<bool>& done, std::latch& begun) {
+    std::thread turningCables(const std::atomic<bool>& done, test_support::Latch& begun) {
         return std::thread([&] {
             for (bool isFirst = true; !done; isFirst = false) {
                 for (const char* camera : {kColourCamera, kMonochromeCamera}) {
@@ -42,7 +42,7 @@ class Together : public PluginTest {
 TEST_F(Together, TwoThreadsInitializeOnce) {
     for (int round = 0; round < 20; ++round) {
         VmbSimJournalStart();
-        std::latch both(2);
+        test_support::Latch both(2);
         std::thread other([&] {
             both.arrive_and_wait();
             EXPECT_TRUE(plugin->initialize());
@@ -60,7 +60,7 @@ TEST_F(Together, TwoThreadsTerminateOnce) {
     for (int round = 0; round < 20; ++round) {
         enumerate();
         VmbSimJournalStart();
-        std::latch both(2);
+        test_support::Latch both(2);
         std::thread other([&] {
             both.arrive_and_wait();
             plugin->terminate();
@@ -76,7 +76,7 @@ TEST_F(Together, TwoThreadsTerminateOnce) {
 
 TEST_F(Together, CamerasComeAndGoWhileThePluginStartsEnumeratesAndTerminates) {
     std::atomic<bool> done{false};
-    std::latch begun(1);
+    test_support::Latch begun(1);
     std::thread cables = turningCables(done, begun);
     begun.wait();
     for (int round = 0; round < 20; ++round) {
@@ -96,7 +96,7 @@ TEST_F(Together, CamerasComeAndGoWhileThePluginStartsEnumeratesAndTerminates) {
 
 TEST_F(Together, APluginDiesWhileCamerasComeAndGo) {
     std::atomic<bool> done{false};
-    std::latch begun(1);
+    test_support::Latch begun(1);
     enumerate();
     std::thread cables = turningCables(done, begun);
     begun.wait();

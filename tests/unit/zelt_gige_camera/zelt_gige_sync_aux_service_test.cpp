@@ -1,7 +1,6 @@
 #include "zelt_gige_sync_aux_service.h"
 
 #include <atomic>
-#include <latch>
 #include <limits>
 #include <stdexcept>
 #include <thread>
@@ -11,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "assertion_capture.h"
+#include "latch.h"
 #include "log_capture.h"
 
 namespace {
@@ -212,7 +212,7 @@ constexpr int kCalls = 1000;
 /// Runs both at once, each `kCalls` times.
 template <class First, class Second>
 void runAtOnce(First first, Second second) {
-    std::latch start(2);
+    test_support::Latch start(2);
     std::thread other([&] {
         start.arrive_and_wait();
         for (int call = 1; call <= kCalls; ++call) second(call);

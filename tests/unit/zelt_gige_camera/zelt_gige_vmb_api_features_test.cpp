@@ -3,6 +3,7 @@
 #include <cmath>
 #include <thread>
 
+#include "latch.h"
 #include "vmb_api_fixture.h"
 #include "zelt_gige_vmb_call.h"
 
@@ -101,18 +102,17 @@ TEST_F(VmbApiTest, ClosingLeavesTheCallbackRegistered) {
 TEST_F(VmbApiTest, UnregisteringWaitsForAnEventCallThatRuns) {
     const CameraHandle camera = open();
     RecordingCamera callback;
-    std::atomic<bool> entered{false};
+    test_support::Latch entered(1);
     std::atomic<bool> unregistered{false};
     std::atomic<bool> outlived{false};
     callback.beforeReturn = [&](const test_support::CameraCall&) {
-        entered = true;
-        entered.notify_all();
+        entered.count_down();
         for (int turn = 0; turn < 20'000; ++turn) std::this_thread::yield();
         outlived = unregistered.load();
     };
     api.registerCameraCallback(camera, &callback);
     std::thread event([&] { api.handleCameraEvent(camera, "EventAcquisitionStart"); });
-    entered.wait(false);
+    entered.wait();
     api.unregisterCameraCallback(camera);
     unregistered = true;
     event.join();

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "capture_fixture.h"
+#include "latch.h"
 
 namespace {
 
@@ -87,17 +88,16 @@ TEST_F(FrameByHand, WhatItsCallbackThrowsIsLoggedAndGoesNoFurther) {
 }
 
 TEST_F(FrameByHand, KeepsItsMemoryWhileItsCallbackRunsAlthoughCaptureEnds) {
-    std::atomic<bool> entered{false};
+    test_support::Latch entered(1);
     std::atomic<bool> ended{false};
     std::atomic<bool> outlived{false};
     callback.beforeReturn = [&](const CameraCall&) {
-        entered = true;
-        entered.notify_all();
+        entered.count_down();
         for (int turn = 0; turn < 20'000; ++turn) std::this_thread::yield();
         outlived = ended.load();
     };
     std::thread frames([&] { registered(handle, frame); });
-    entered.wait(false);
+    entered.wait();
     api.endCapture(camera);
     ended = true;
     frames.join();

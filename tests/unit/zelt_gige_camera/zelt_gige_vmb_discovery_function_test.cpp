@@ -5,6 +5,7 @@
 #include <set>
 #include <thread>
 
+#include "latch.h"
 #include "vmb_api_fixture.h"
 #include "zelt_gige_vmb_call.h"
 
@@ -74,17 +75,16 @@ TEST_F(Functions, AreNotGivenBackBeforeTheirCallHasEnded) {
     listen();
     DiscoveryFunction function;
     ASSERT_TRUE(function.take(api));
-    std::atomic<bool> entered{false};
+    test_support::Latch entered(1);
     std::atomic<bool> givenBack{false};
     std::atomic<bool> outlived{false};
     discovery.beforeReturn = [&] {
-        entered = true;
-        entered.notify_all();
+        entered.count_down();
         for (int turn = 0; turn < 20'000; ++turn) std::this_thread::yield();
         outlived = givenBack.load();
     };
     std::thread library([&] { callAsTheLibrary(function); });
-    entered.wait(false);
+    entered.wait();
     function.giveBack();
     givenBack = true;
     library.join();

@@ -1,6 +1,5 @@
 #include "zeltpu_service_factory.h"
 
-#include <latch>
 #include <thread>
 #include <vector>
 
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "assertion_capture.h"
+#include "latch.h"
 
 namespace {
 
@@ -166,7 +166,7 @@ TEST(ServiceFactory, LivesUntilTheLastOfSeveralThreadsReleasesIt) {
     auto* const factory = new ServiceFactory;
     factory->registerService(kFirst, &service);
     for (int i = 0; i < kThreads; ++i) factory->addRef();
-    std::latch start(kThreads);
+    test_support::Latch start(kThreads);
     {
         std::vector<std::jthread> threads;
         for (int i = 0; i < kThreads; ++i) {

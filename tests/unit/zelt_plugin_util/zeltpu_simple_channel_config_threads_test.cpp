@@ -1,5 +1,4 @@
 #include <array>
-#include <latch>
 #include <map>
 #include <thread>
 #include <vector>
@@ -8,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "channel_config_fixture.h"
+#include "latch.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ TEST(ChannelConfigThreads, ReadersSeeWholeListsWhileAnotherThreadRefreshes) {
     config.addOption(switchable("second", available));
     config.addOption(fixed("third"));
     std::atomic<int> readers = 2;
-    std::latch start(3);
+    test_support::Latch start(3);
     const auto read = [&] {
         start.arrive_and_wait();
         const std::unique_ptr<std::atomic<int>, void (*)(std::atomic<int>*)> leave(
@@ -56,7 +56,7 @@ TEST(ChannelConfigThreads, SettingsAreReadAndSetWhileOthersListThem) {
                                                       available = value;
                                                       return true;
                                                   }}));
-    std::latch start(3);
+    test_support::Latch start(3);
     const auto set = [&](const std::string& key) {
         start.arrive_and_wait();
         for (int i = 0; i < kRounds; ++i) ASSERT_TRUE(config.setItem(key, BoolItem(i % 2 == 0)));
@@ -90,7 +90,7 @@ TEST(ChannelConfigThreads, TheLastRefreshWinsWhenSeveralThreadsRefresh) {
     for (int round = 0; round < kRounds / 4; ++round) {
         for (auto& flag : available) flag = false;
         config.refreshAvailableKeys();
-        std::latch start(3);
+        test_support::Latch start(3);
         std::vector<std::jthread> threads;
         for (auto& flag : available) {
             threads.emplace_back([&] {
@@ -116,7 +116,7 @@ TEST(ChannelConfigThreads, TheCallbackIsReplacedWhileOtherThreadsNotify) {
         };
     };
     config.setChangeCallback(callback("a key that is too long for a short text"));
-    std::latch start(3);
+    test_support::Latch start(3);
     std::atomic<int> notifiers = 2;
     const std::jthread byChannel([&] {
         start.arrive_and_wait();
@@ -144,7 +144,7 @@ TEST(ChannelConfigThreads, ChannelAndOptionsEndWithTheSameCallbackWhenTwoThreads
     }
     for (int round = 0; round < 100; ++round) {
         std::map<int, int> told;
-        std::latch start(2);
+        test_support::Latch start(2);
         const auto replace = [&](int who) {
             start.arrive_and_wait();
             for (int i = 0; i < 10; ++i) {
