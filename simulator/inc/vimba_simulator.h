@@ -25,7 +25,8 @@ extern "C" {
 IMEXPORTC const char* VmbSimScenarioName(void);
 
 /// Loads a scenario: a ready one by its name, as "two-cameras", or a file: a name with '/' or '\\' or with
-/// the ending ".json" is a path. simulator/README.md lists the ready ones and says what a file contains.
+/// the ending ".json" is a path. simulator/README.md lists the ready ones, simulator/docs/SCENARIOS.md says
+/// what a file contains.
 /// Everything starts afresh: cameras and their settings, faults, the journal. VmbErrorNotFound when there is
 /// no such scenario or file, VmbErrorBadParameter for a file that is wrong; then the former scenario stays.
 /// VmbErrorInvalidCall while the library is started.

@@ -28,7 +28,7 @@ if [ -e "$build/../windows-prefix.txt" ]; then secrets+=(-e "$(cat "$build/../wi
 if grep -rlaF "${secrets[@]}" .; then fail "these files name folders of the machine that built them"; fi
 echo "it tells nothing of the machine that built it"
 
-grep -oE '\]\([^)#:]+' README.md docs/*.md tools/*.md | sed 's/](//' >"$work/links" || true
+grep -oE '\]\([^)#:]+' README.md docs/*.md tools/*.md tools/docs/*.md | sed 's/](//' >"$work/links" || true
 [ "$(wc -l <"$work/links")" -ge 5 ] || fail "there are hardly any links"
 while IFS=: read -r document link; do
     [ -e "$(dirname "$document")/$link" ] || fail "$document links to $link, which is not there"

@@ -34,7 +34,7 @@ class LoadingIsExplained : public testing::Test {
         return runProgram({"devices", "--plugin", (folder() / kPlugin).string()});
     }
 
-    std::string m_name = "host";
+    std::u8string m_name = u8"host";
 
   private:
     scenario::TemporaryDirectory m_directory;
@@ -103,19 +103,26 @@ TEST_F(LoadingIsExplained, AVendorLibraryWithoutAFunctionThatNobodyNeeds) {
 }
 
 TEST_F(LoadingIsExplained, FoldersMayHaveBlanksAndLettersBeyondAscii) {
-    for (const char* const name :
-         {"Program Files (x86)", "Me\u00dfplatz f\u00fcr \u00dcbung", "\u6e2c\u5b9a"}) {
+    for (const std::u8string name :
+         {u8"Program Files (x86)", u8"Me\u00dfplatz f\u00fcr \u00dcbung", u8"\u6e2c\u5b9a"}) {
         m_name = name;
         fillFolder();
         putVendor(simulator());
         const ProgramResult found = devices();
         EXPECT_EQ(found.code, 0) << found.error;
-        EXPECT_THAT(found.out, HasSubstr("(simulator: two-cameras)")) << name;
+        EXPECT_THAT(found.out, HasSubstr("(simulator: two-cameras)")) << folder();
+
+        const path scenario = folder() / u8"scene \u00e4.json";
+        std::ofstream(scenario) << R"({"cameras": [{"model": "Mako_G-030B"}]})";
+        const ProgramResult own = runProgram({"devices", "--plugin", (folder() / kPlugin).string()},
+                                             {.scenario = scenario.string()});
+        EXPECT_EQ(own.code, 0) << own.error;
+        EXPECT_THAT(own.out, HasSubstr("Mako_G-030B")) << folder();
 
         scenario::fs::remove(folder() / kVendor);
         const ProgramResult missing = devices();
         EXPECT_EQ(missing.code, 5) << missing.out << missing.error;
-        EXPECT_THAT(missing.sentences(), ElementsAre(HasSubstr(name)));
+        EXPECT_THAT(missing.sentences(), ElementsAre(HasSubstr(scenario::shown({name.begin(), name.end()}))));
     }
 }
 

@@ -102,13 +102,13 @@ TEST_F(ScenarioSchema, KnowsEveryModel) {
 }
 
 TEST_F(ScenarioSchema, NamesEveryKeyInTheTableForItsReaders) {
-    const std::string readme = readFile(ZELT_SOURCE_DIR "/simulator/README.md");
+    const std::string document = readFile(ZELT_SOURCE_DIR "/simulator/docs/SCENARIOS.md");
     std::set<std::string> keys = keysOf(schema);
     for (const char* group : {"camera", "event", "action", "rhythm", "oscillator", "link", "scene"}) {
         keys.merge(keysOf(schema["$defs"][group]));
     }
     for (const std::string& key : keys) {
-        EXPECT_NE(readme.find("`" + key + "`"), std::string::npos) << key << " is missing";
+        EXPECT_NE(document.find("`" + key + "`"), std::string::npos) << key << " is missing";
     }
 }
 
