@@ -1,7 +1,5 @@
 // The tables against clang's layout of the real headers for the Windows C++ ABI; and that check itself, held
 // before small classes that break its rules.
-#include "windows_layout.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -15,6 +13,7 @@
 #include "config_item_variant.h"
 #include "header_classes.h"
 #include "slot_table.h"
+#include "windows_layout.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 
 namespace {
 
+using test_support::Door;
 using test_support::enumOf;
 using test_support::intOf;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kPatienceMs;
-using test_support::Door;
 using test_support::run;
 using test_support::setInt;
 using test_support::Stream;

@@ -3,11 +3,11 @@
 
 namespace {
 
+using test_support::Door;
 using test_support::Invalidations;
 using test_support::kColourCamera;
 using test_support::kMonochromeCamera;
 using test_support::kSystem;
-using test_support::Door;
 using test_support::run;
 using test_support::setInt;
 using test_support::Stream;
