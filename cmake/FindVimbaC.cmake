@@ -24,9 +24,11 @@ else()
 endif()
 list(REMOVE_ITEM roots "")
 
-find_path(VimbaC_INCLUDE_DIR VimbaC.h PATHS ${roots} PATH_SUFFIXES VimbaC/Include VimbaC/Include/VimbaC NO_DEFAULT_PATH)
-find_library(VimbaC_LIBRARY VimbaC PATHS ${roots} PATH_SUFFIXES VimbaC/Lib/Win64 VimbaC/DynamicLib/x86_64bit NO_DEFAULT_PATH)
-find_file(VimbaC_RUNTIME VimbaC.dll PATHS ${roots} PATH_SUFFIXES VimbaC/Bin/Win64 NO_DEFAULT_PATH)
+# The SDK lies where it was installed, also when another system is built for.
+set(here NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+find_path(VimbaC_INCLUDE_DIR VimbaC.h PATHS ${roots} PATH_SUFFIXES VimbaC/Include VimbaC/Include/VimbaC ${here})
+find_library(VimbaC_LIBRARY VimbaC PATHS ${roots} PATH_SUFFIXES VimbaC/Lib/Win64 VimbaC/DynamicLib/x86_64bit ${here})
+find_file(VimbaC_RUNTIME VimbaC.dll PATHS ${roots} PATH_SUFFIXES VimbaC/Bin/Win64 ${here})
 
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(VimbaC REQUIRED_VARS VimbaC_LIBRARY VimbaC_INCLUDE_DIR

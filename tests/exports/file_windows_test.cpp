@@ -1,5 +1,6 @@
 // The plug-in's file for Windows: what it needs, and what its properties say.
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <set>
@@ -54,11 +55,15 @@ class ExecutableFile {
     }
     /// Where in the file lies what will lie at that address of the loaded image.
     std::size_t offset(DWORD address) const {
-        const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(&header());
-        for (int i = 0; i < header().FileHeader.NumberOfSections; ++i, ++section) {
-            if (address - section->VirtualAddress < section->SizeOfRawData) {
-                return address - section->VirtualAddress + section->PointerToRawData;
+        std::size_t place = static_cast<std::size_t>(at<IMAGE_DOS_HEADER>(0).e_lfanew) +
+                            offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
+                            header().FileHeader.SizeOfOptionalHeader;
+        for (int i = 0; i < header().FileHeader.NumberOfSections; ++i) {
+            const auto& section = at<IMAGE_SECTION_HEADER>(place);
+            if (address - section.VirtualAddress < section.SizeOfRawData) {
+                return address - section.VirtualAddress + section.PointerToRawData;
             }
+            place += sizeof section;
         }
         throw std::runtime_error("no section holds that address");
     }

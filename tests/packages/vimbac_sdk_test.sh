@@ -10,16 +10,16 @@ fail() { echo "FAILED: $*"; exit 1; }
 configure() { env -u VIMBA_HOME VIMBA_HOME="$1" cmake -S "$sources" -B "$2" -G Ninja -DZELT_TESTS=OFF -DZELT_VIMBAC_SDK=ON "${@:3}"; }
 
 case $library in
-    *.lib) place=VimbaC/Lib/Win64 ;;
-    *) place=VimbaC/DynamicLib/x86_64bit ;;
+    *.lib) file=VimbaC/Lib/Win64/VimbaC.lib ;;
+    *) file=VimbaC/DynamicLib/x86_64bit/libVimbaC.so ;;
 esac
 sdk="$work/an SDK"
-mkdir -p "$sdk/VimbaC/Include" "$sdk/$place"
+mkdir -p "$sdk/VimbaC/Include" "$sdk/$(dirname $file)"
 touch "$sdk/VimbaC/Include/VimbaC.h"
-cp "$library" "$sdk/$place/"
+cp "$library" "$sdk/$file"
 
 configure "$sdk" "$work/found" "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "the SDK was not found"; }
-grep -F "an SDK/$place/$(basename "$library")" "$work/found/build.ninja" >/dev/null ||
+grep -F "an SDK/$file" "$work/found/build.ninja" >/dev/null ||
     fail "the plug-in does not link the SDK's library"
 echo "the SDK is found and linked"
 

@@ -17,7 +17,10 @@ const bool kShowsUtf8 = false;
 
 namespace {
 
-using Text = std::filesystem::path;  // knows how to convert
+// A path knows how to convert, and made of these characters it takes them for UTF-8.
+std::filesystem::path path(const std::string& text) {
+    return std::u8string(text.begin(), text.end());
+}
 
 /// Closes the handle it holds.
 struct Handle {
@@ -62,7 +65,7 @@ std::wstring quoted(const std::wstring& argument) {
 
 std::wstring commandLine(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
     std::wstring line = quoted(program.wstring());
-    for (const std::string& argument : arguments) line += L' ' + quoted(Text(argument).wstring());
+    for (const std::string& argument : arguments) line += L' ' + quoted(path(argument).wstring());
     return line;
 }
 
@@ -72,12 +75,12 @@ std::wstring environmentBlock(const ChildOptions& options) {
     wchar_t* const all = ::GetEnvironmentStringsW();
     for (const wchar_t* one = all; *one != 0; one += std::char_traits<wchar_t>::length(one) + 1) {
         const std::wstring row = one;
-        const std::string name = Text(row.substr(0, row.find(L'=', 1))).string();
+        const std::string name = std::filesystem::path(row.substr(0, row.find(L'=', 1))).string();
         if (!options.environment.contains(name)) block += row + L'\0';
     }
     ::FreeEnvironmentStringsW(all);
     for (const auto& [name, value] : options.environment) {
-        if (value.has_value()) block += Text(name + '=' + *value).wstring() + L'\0';
+        if (value.has_value()) block += path(name + '=' + *value).wstring() + L'\0';
     }
     return block + L'\0';
 }
