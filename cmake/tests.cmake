@@ -23,7 +23,10 @@ function(zelt_add_test)
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
         zelt_warnings)
     # What is tested is optimised as the preset says; the tests themselves only have to compile quickly.
-    if(NOT MSVC)
+    if(MINGW)
+        # Nothing shows their lines there, and the linker would need minutes for them.
+        target_compile_options(${ARG_NAME} PRIVATE -O0 -g0)
+    elseif(NOT MSVC)
         target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
     endif()
     add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
