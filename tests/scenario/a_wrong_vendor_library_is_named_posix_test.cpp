@@ -15,7 +15,7 @@ TEST(AWrongVendorLibraryIsNamed, ByTheFunctionItLacks) {
         scenario::fs::copy_file(binaries() / from, directory.path() / to);
         return (directory.path() / to).string();
     };
-    const std::string plugin = copyTo("libzelt_gige_camera.so", "libzelt_gige_camera.so");
+    const std::string plugin = copyTo("libzelt_plugin_gige_camera.so", "libzelt_plugin_gige_camera.so");
     copyTo("libzelt_base.so", "libVimbaC.so");
     const scenario::ProgramResult result = scenario::runProgram({"devices", "--plugin", plugin});
     EXPECT_EQ(result.code, 6) << result.out << result.error;
