@@ -1,5 +1,4 @@
-// Wine, which stands for Windows here, puts something of its own in the place of functions that a library
-// lacks, and fails only when one is called.
+// Another library under the vendor's name, in the words of this system's loader.
 #include <gmock/gmock.h>
 
 #include "program_run.h"
