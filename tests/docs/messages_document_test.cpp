@@ -149,7 +149,7 @@ TEST(SourceTexts, OfLogStatementsHaveBlanksForValues) {
 
 TEST(SourceTexts, OfAssertionsAreTheirExpressionAndMessage) {
     const Source source = Source::fromText(
-        "ZELT_ASSERT(a(b, c) == 1);\nZELT_ASSERT_AS(a, \"b <= c\", kSourcePath,\n \"message\");");
+        "ZELT_ASSERT(a(b, c) == 1);\nZELT_ASSERT_AS(a, \"b <= c\",\n \"message\");");
     const auto assertions = source.assertions();
     ASSERT_EQ(assertions.size(), 2u);
     EXPECT_EQ(assertions[0].expression, "a(b, c) == 1");

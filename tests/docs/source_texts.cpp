@@ -211,7 +211,7 @@ std::vector<Source::Assertion> Source::assertions() const {
         if (m_text.compare(at, open - at, "ZELT_ASSERT") == 0) {
             assertions.push_back({found.at(0), {}});
         } else if (m_text.compare(at, open - at, "ZELT_ASSERT_AS") == 0) {
-            assertions.push_back({templateOf(found.at(1)), found.size() > 3 ? templateOf(found.at(3)) : ""});
+            assertions.push_back({templateOf(found.at(1)), found.size() > 2 ? templateOf(found.at(2)) : ""});
         } else {
             throw std::runtime_error("an assertion of another name in " + m_file);
         }

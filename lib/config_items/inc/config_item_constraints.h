@@ -73,7 +73,7 @@ class ZELT_BASE_API ValueRangeConstraint : public IfRangeConstraint {
     /// The unit is not kept.
     ValueRangeConstraint(T min, T max, const std::string& unit) : m_min(min), m_max(max) {
         ZELT_ASSERT(!unit.empty());
-        ZELT_ASSERT_AS(min <= max, "min <= max", kSourcePath, "ValueRangeConstraint: min exceeds max.");
+        ZELT_ASSERT_AS(min <= max, "min <= max", "ValueRangeConstraint: min exceeds max.");
     }
 
     bool equals(const IfConfigItemConstraint& other) const override;
@@ -84,8 +84,6 @@ class ZELT_BASE_API ValueRangeConstraint : public IfRangeConstraint {
     T getMax() const { return m_max; }
 
   private:
-    static constexpr const char* kSourcePath = "lib/config_items/inc/config_item_constraints";
-
     T m_min;
     T m_max;
 };

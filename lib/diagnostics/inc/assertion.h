@@ -4,6 +4,8 @@
 /// survive the condition it asserted.
 #pragma once
 
+#include <cstddef>
+
 #include "zelt_base_export.h"
 
 namespace diagnostics {
@@ -29,18 +31,52 @@ assertFailed(const char* expression, const char* file, int line, const char* for
 /// Executes a breakpoint instruction.
 ZELT_BASE_API void breakIntoDebugger() noexcept;
 
+/// A source's path inside the repository without extension, worked out by the compiler: no folder of the
+/// building machine gets into the library.
+template <std::size_t Size>
+struct SourcePath {
+    /// `file`: the compiler's `__FILE__`, from the repository's root, from that of the file system or from
+    /// the folder that is built in.
+    consteval SourcePath(const char (&file)[Size]) {
+        std::size_t begin = 0;
+        std::size_t end = Size - 1;
+        for (std::size_t i = 0; i < Size; ++i) {
+            text[i] = file[i] == '\\' ? '/' : file[i];
+            if (text[i] == '.') end = i;
+            if (endsIn("../", i)) begin = i + 1;
+            if (endsIn("/lib/", i)) begin = i - 3;
+        }
+        for (std::size_t i = 0; i < Size; ++i) text[i] = begin + i < end ? text[begin + i] : '\0';
+    }
+
+    char text[Size] = {};
+
+  private:
+    template <std::size_t Length>
+    consteval bool endsIn(const char (&part)[Length], std::size_t last) const {
+        bool found = last + 2 >= Length;
+        for (std::size_t i = 0; found && i + 1 < Length; ++i) found = text[last + 2 - Length + i] == part[i];
+        return found;
+    }
+};
+
+/// Its text, as long as the library is loaded.
+template <SourcePath path>
+inline constexpr const char* sourcePathText = path.text;
+
 }  // namespace diagnostics
 
-/// Asserts `condition`, reported under the text `expression` for the source `path`; a printf-style message
-/// may follow.
-#define ZELT_ASSERT_AS(condition, expression, path, ...)                                                   \
-    do {                                                                                                   \
-        if (!(condition) &&                                                                                \
-            ::diagnostics::assertFailed((expression), (path), __LINE__ __VA_OPT__(, ) __VA_ARGS__) == 0) { \
-            ::diagnostics::breakIntoDebugger();                                                            \
-        }                                                                                                  \
+/// This source, as failed assertions name it.
+#define ZELT_SOURCE_PATH ::diagnostics::sourcePathText<__FILE__>
+
+/// Asserts `condition`, reported under the text `expression`; a printf-style message may follow.
+#define ZELT_ASSERT_AS(condition, expression, ...)                                                   \
+    do {                                                                                             \
+        if (!(condition) && ::diagnostics::assertFailed((expression), ZELT_SOURCE_PATH,              \
+                                                        __LINE__ __VA_OPT__(, ) __VA_ARGS__) == 0) { \
+            ::diagnostics::breakIntoDebugger();                                                      \
+        }                                                                                            \
     } while (false)
 
-/// Asserts an expression. A source that uses it defines `kSourcePath`, its own path inside the repository
-/// without extension, so that no path of the building machine gets into the library.
-#define ZELT_ASSERT(expression) ZELT_ASSERT_AS(expression, #expression, kSourcePath)
+/// Asserts an expression.
+#define ZELT_ASSERT(expression) ZELT_ASSERT_AS(expression, #expression)

@@ -22,7 +22,6 @@ namespace {
 using zelt_gige_api::CameraApiError;
 using zelt_gige_api::CameraHandle;
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel";
 constexpr CameraHandle kNoCamera = 0;
 
 /// The host's values that could not be written, since their features could not be read.
@@ -283,11 +282,11 @@ void CameraChannel::startAcquisition() {
 
 void CameraChannel::requirePrepared() {
     const platform::MutexLock lock(m_state.mutex);
-    ZELT_ASSERT_AS(m_receiver.hasMasterClock(), "m_master_clock", kSourcePath);
+    ZELT_ASSERT_AS(m_receiver.hasMasterClock(), "m_master_clock");
     if (!m_receiver.hasMasterClock()) throw CameraApiError("The host has set no master clock");
     ChannelState& state = m_state.values;
     const bool needsFrequency = state.triggerModeIsAux && !state.auxFrequency;
-    ZELT_ASSERT_AS(!needsFrequency, "m_aux_clock_frequency", kSourcePath);
+    ZELT_ASSERT_AS(!needsFrequency, "m_aux_clock_frequency");
     if (needsFrequency) throw CameraApiError("The host has set no Sync Out AUX frequency");
     if (m_device_handle == kNoCamera || !m_capture.isRunning()) {
         throw CameraApiError("The camera is not prepared");
@@ -328,7 +327,7 @@ void CameraChannel::stopCapture() {
 
 void CameraChannel::close() noexcept {
     ZELT_ASSERT_AS(m_acquisition_started.load(std::memory_order_relaxed) == false,
-                   "m_acquisition_started.load_relaxed() == false", kSourcePath,
+                   "m_acquisition_started.load_relaxed() == false",
                    "The camera must be stopped before closing it");
     if (deviceHandle() == kNoCamera) return;
     // Each step on its own: whatever one of them throws, a log sink included, the camera must not stay open

@@ -11,7 +11,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_exposure_limit";
 constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
 
 }  // namespace

@@ -20,8 +20,6 @@ using zelt_gige_api::CameraHandle;
 using zelt_gige_api::FeatureType;
 using zelt_gige_api::UnsupportedFeature;
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_feature_reader";
-
 /// The trigger input that the host's pulses come in on.
 constexpr const char* kAuxLine = "Line1";
 
@@ -152,7 +150,7 @@ void chooseFrameFormat(ChannelState& state) {
         insert(state.pending, Setting::FrameFormat);
         break;
     }
-    ZELT_ASSERT_AS(!state.pixelFormat.empty(), "frame_format_found", kSourcePath);
+    ZELT_ASSERT_AS(!state.pixelFormat.empty(), "frame_format_found");
 }
 
 /// The sensor's extent by its own feature, else the greatest size that the camera takes now; 0 for none.

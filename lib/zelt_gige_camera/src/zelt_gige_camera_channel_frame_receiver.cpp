@@ -6,7 +6,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_frame_receiver";
 constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
 
 /// A synchronization point loses this much quality per microsecond that its frame waited.

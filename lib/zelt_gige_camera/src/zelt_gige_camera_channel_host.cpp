@@ -9,7 +9,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_channel_host";
 constexpr const char* kMessageSource = "ZELT_GIGE_CAMERA";
 
 /// Model and serial number, so that messages about two cameras of one model can be told apart.
@@ -114,8 +113,7 @@ void CameraChannel::onAcquisitionStarted(zelt_gige_api::CameraHandle handle, std
     GIGE_LOG(Detail) << "Camera " << m_identity.name << " received onAcquisitionStarted at " << timestamp
                      << " with frame #" << frameid;
     const platform::MutexLock lock(m_state.mutex);
-    ZELT_ASSERT_AS(handle == m_device_handle, "handle == m_device_handle", kSourcePath,
-                   "handle !=m_device_handle");
+    ZELT_ASSERT_AS(handle == m_device_handle, "handle == m_device_handle", "handle !=m_device_handle");
     m_receiver.setReference(timestamp, frameid);
 }
 

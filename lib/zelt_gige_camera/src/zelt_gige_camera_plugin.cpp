@@ -16,7 +16,6 @@ namespace {
 
 using zelt_gige_api::CameraInfo;
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_plugin";
 constexpr const char* kPluginId = "{EEEC3C46-9973-487D-AD18-36CD7DDA58DA}";
 constexpr const char* kTopologyServiceId = "{A5C594EA-1C7F-41BF-A588-9AC316FB5973}";
 constexpr const char* kSyncAuxServiceId = "{784229AE-48AB-4A05-8F83-9FB70F11827F}";

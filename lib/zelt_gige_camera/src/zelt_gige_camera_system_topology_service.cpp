@@ -18,7 +18,6 @@ namespace {
 using zelt::plugin_util::appendElement;
 using zelt::plugin_util::setAttribute;
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_camera_system_topology_service";
 /// The same on every host, so that recordings of one camera can be compared.
 constexpr std::uint32_t kEnclosureId = 1634650641;
 constexpr std::uint32_t kParentBits = 0xFFFF;
@@ -63,7 +62,7 @@ pugi::xml_node parentOf(pugi::xml_node group, channel_config::IfChannelConfig& c
 
 CameraSystemTopologyService::CameraSystemTopologyService(zelt::IfDAQPlugin* plugin)
     : SystemTopologyServiceBase(plugin) {
-    ZELT_ASSERT_AS(plugin != nullptr, "m_camera_plugin", kSourcePath);
+    ZELT_ASSERT_AS(plugin != nullptr, "m_camera_plugin");
 }
 
 void CameraSystemTopologyService::fillMeasurementTree(pugi::xml_node tree) {

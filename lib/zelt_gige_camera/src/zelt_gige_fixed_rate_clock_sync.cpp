@@ -7,8 +7,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_fixed_rate_clock_sync";
-
 std::int64_t roundToNearest(const Rational& value) {
     const std::int64_t whole = value.numerator() / value.denominator();
     const std::int64_t rest = std::abs(value.numerator() % value.denominator());
@@ -24,8 +22,8 @@ FixedRateClockSync::FixedRateClockSync(Rational tickFrequency, double rate)
 
 std::int64_t FixedRateClockSync::computeTimestamp(const zelt_gige_api::CameraFrame& frame,
                                                   std::int64_t cameraTime, std::int64_t hostTime) {
-    ZELT_ASSERT_AS(cameraTime >= static_cast<std::int64_t>(frame.timestamp), "camera_time >= frame.timestamp",
-                   kSourcePath);
+    ZELT_ASSERT_AS(cameraTime >= static_cast<std::int64_t>(frame.timestamp),
+                   "camera_time >= frame.timestamp");
     if (isSynchronized()) return timestampFromSync(frame);
     const double unitsPerTick = m_rate / boost::rational_cast<double>(m_tick_frequency);
     if (hostTime != 0) {
@@ -39,7 +37,7 @@ std::int64_t FixedRateClockSync::computeTimestamp(const zelt_gige_api::CameraFra
 
 std::int64_t FixedRateClockSync::timestampFromSync(const zelt_gige_api::CameraFrame& frame) {
     if (isSynchronized()) return truncateToTimestamp(estimate(frame.timestamp));
-    ZELT_ASSERT_AS(false, "isSynchronized()", kSourcePath,
+    ZELT_ASSERT_AS(false, "isSynchronized()",
                    "Cannot compute timestamp without reference before synchronization");
     return 0;
 }

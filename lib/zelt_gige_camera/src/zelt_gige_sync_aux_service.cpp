@@ -4,11 +4,6 @@
 #include "trace_scope.h"
 
 namespace zelt_gige_camera {
-namespace {
-
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_sync_aux_service";
-
-}  // namespace
 
 GigeSyncAuxService::GigeSyncAuxService(IfAuxFrequencyListener* cameraPlugin) : m_camera_plugin(cameraPlugin) {
     ZELT_ASSERT(m_camera_plugin);

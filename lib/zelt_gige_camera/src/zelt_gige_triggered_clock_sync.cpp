@@ -11,7 +11,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_triggered_clock_sync";
 constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
 
 bool fits(std::uint64_t factor, std::uint64_t other) {
@@ -92,9 +91,9 @@ void TriggeredClockSync::checkPlausibility(const zelt_gige_api::CameraFrame& fra
 
 void TriggeredClockSync::correctOffset(const zelt_gige_api::CameraFrame& frame) {
     ZELT_ASSERT_AS(m_last_frame_timestamp < static_cast<std::int64_t>(frame.timestamp),
-                   "m_last_frame_timestamp < frame.timestamp", kSourcePath);
+                   "m_last_frame_timestamp < frame.timestamp");
     ZELT_ASSERT_AS(m_last_frame_id < static_cast<std::int64_t>(frame.frameid),
-                   "m_last_frame_id < frame.frameid", kSourcePath);
+                   "m_last_frame_id < frame.frameid");
     const double skipped =
         skippedPulses(signedDifference(frame.timestamp, static_cast<std::uint64_t>(m_last_frame_timestamp)),
                       m_tick_frequency, m_aux_clock_frequency);
@@ -107,8 +106,8 @@ void TriggeredClockSync::correctOffset(const zelt_gige_api::CameraFrame& frame) 
                          << frame.frameid;
         m_frame_id_offset += static_cast<std::uint64_t>(wholeSkipped) - static_cast<std::uint64_t>(dropped);
     } else if (wholeSkipped < 0) {
-        ZELT_ASSERT_AS(dropped == 0, "dropped_frameids == 0", kSourcePath,
-                       "dropped_frameids != 0 (%lld != 0)", static_cast<long long>(dropped));
+        ZELT_ASSERT_AS(dropped == 0, "dropped_frameids == 0", "dropped_frameids != 0 (%lld != 0)",
+                       static_cast<long long>(dropped));
         GIGE_LOG(Detail) << "Detected " << -skipped << " multi-triggered frames at #" << frame.frameid;
         m_frame_id_offset += static_cast<std::uint64_t>(wholeSkipped);
     }

@@ -13,7 +13,6 @@
 namespace zelt_gige_api {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_vmb_api";
 constexpr const char* kDiscoveryEvent = "DiscoveryCameraEvent";
 // The library reports no vendor.
 constexpr const char* kVendor = "Allied Vision Technologies";

@@ -11,7 +11,6 @@
 namespace zelt_gige_api {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_gige_camera/src/zelt_gige_vmb_api_capture";
 constexpr const char* kStartEvent = "EventAcquisitionStart";
 constexpr const char* kEndEvent = "EventAcquisitionEnd";
 

@@ -3,11 +3,6 @@
 #include "assertion.h"
 
 namespace zeltpu {
-namespace {
-
-constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_service_factory";
-
-}  // namespace
 
 std::string serviceKeyText(const boost::uuids::uuid& id) {
     constexpr const char* kDigits = "0123456789ABCDEF";

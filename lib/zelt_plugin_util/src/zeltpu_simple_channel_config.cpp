@@ -7,11 +7,6 @@
 #include "config_item_variant.h"
 
 namespace zelt::plugin_util {
-namespace {
-
-constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_channel_config";
-
-}  // namespace
 
 using platform::MutexLock;
 

@@ -11,8 +11,6 @@
 namespace zelt::plugin_util {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_channel_config_options";
-
 using channel_config::ConfigurableDuringAcquisitionConstraint;
 using channel_config::ReadOnlyConstraint;
 using config_items::ConfigItemVariant;

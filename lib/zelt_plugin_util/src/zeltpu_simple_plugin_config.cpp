@@ -7,11 +7,9 @@
 namespace zelt::plugin_util {
 namespace {
 
-constexpr const char* kSourcePath = "lib/zelt_plugin_util/src/zeltpu_simple_plugin_config";
-
 // True for a known key; an assertion for any other.
 bool isKnown(bool found) {
-    ZELT_ASSERT_AS(found, "it != m_items.end()", kSourcePath, "key not found. config item does not exist.");
+    ZELT_ASSERT_AS(found, "it != m_items.end()", "key not found. config item does not exist.");
     return found;
 }
 

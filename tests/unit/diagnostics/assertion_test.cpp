@@ -18,8 +18,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr const char* kSourcePath = "tests/unit/diagnostics/assertion_test";
-
 TEST(Assertion, WithTheDefaultHookReturnsOneAndGoesOn) {
     EXPECT_EQ(diagnostics::assertFailed("a < b", "lib/some/source", 7), 1);
     ZELT_ASSERT(false);
@@ -49,6 +47,17 @@ TEST(Assertion, TellsTheHookExpressionPathAndLineAndNoMessage) {
     EXPECT_EQ(failures[0].line, line);
 }
 
+TEST(Assertion, NamesASourceFromTheRepositorysRootWithoutExtension) {
+    using diagnostics::SourcePath;
+    EXPECT_STREQ(SourcePath("lib/a.b/src/some_source.cpp").text, "lib/a.b/src/some_source");
+    EXPECT_STREQ(SourcePath("/home/lib/me/lib/a/inc/header.h").text, "lib/a/inc/header");
+    EXPECT_STREQ(SourcePath("C:\\code\\lib\\a\\some_source.cpp").text, "lib/a/some_source");
+    EXPECT_STREQ(SourcePath("tests/unit/glib/a_test.cpp").text, "tests/unit/glib/a_test");
+    EXPECT_STREQ(SourcePath("../../tests/unit/a_test.cpp").text, "tests/unit/a_test");
+    EXPECT_STREQ(SourcePath("../lib/a/some_source.cpp").text, "lib/a/some_source");
+    EXPECT_STREQ(SourcePath("lib/without_extension").text, "lib/without_extension");
+}
+
 TEST(Assertion, PassesNoMessageAsNull) {
     static bool wasNull = false;
     const auto before = diagnostics::setAssertionHook(
@@ -62,7 +71,7 @@ TEST(Assertion, PassesNoMessageAsNull) {
 
 TEST(Assertion, FormatsItsMessage) {
     const AssertionCapture capture;
-    ZELT_ASSERT_AS(false, "d == 0", kSourcePath, "%s != %d", "dropped", 3);
+    ZELT_ASSERT_AS(false, "d == 0", "%s != %d", "dropped", 3);
     EXPECT_EQ(capture.failures().at(0).message, "dropped != 3");
 }
 
