@@ -3,3 +3,10 @@ if(ZELT_SANITIZE)
     add_compile_options(-fsanitize=${ZELT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${ZELT_SANITIZE})
 endif()
+
+# zelt_bring_sanitizers(a_program_in_c): it holds what libraries in C++ need of the sanitizers, too.
+function(zelt_bring_sanitizers target)
+    if(ZELT_SANITIZE)
+        set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
+    endif()
+endfunction()

@@ -14,7 +14,8 @@ endmacro()
 
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
 # One program per folder, its sources found by glob; a test that skips itself fails. They take both
-# processors, since some measure time; those that need virtual time alone set PROCESSORS to 1.
+# processors, since some measure time, but not where sanitizers spoil it; those that need virtual time alone
+# set PROCESSORS to 1.
 function(zelt_add_test)
     cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
@@ -30,6 +31,10 @@ function(zelt_add_test)
         target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
     endif()
     add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
+    set(processors 2)
+    if(ZELT_SANITIZE)
+        set(processors 1)
+    endif()
     set_tests_properties(${ARG_NAME} PROPERTIES
-        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS 2)
+        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${processors})
 endfunction()

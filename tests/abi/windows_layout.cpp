@@ -106,9 +106,9 @@ std::string plainField(std::string text) {
 //              8 |     struct n::Pair m_pair
 //              8 |       int first
 //                | [sizeof=16, align=8,
-class Reader {
+class LayoutReader {
   public:
-    explicit Reader(const std::vector<std::string>& classes) : m_classes(classes) {
+    explicit LayoutReader(const std::vector<std::string>& classes) : m_classes(classes) {
         for (const std::string& name : classes) m_layout[name] = {};
     }
 
@@ -174,7 +174,7 @@ class Reader {
 std::map<std::string, WindowsClass> windowsLayout(const std::string& includes,
                                                   const std::vector<std::string>& folders,
                                                   const std::vector<std::string>& classes) {
-    Reader reader(classes);
+    LayoutReader reader(classes);
     const std::string flags = "-S -o /dev/null -Xclang -fdump-vtable-layouts -Xclang -fdump-record-layouts";
     for (const std::string& line : runClang(forcingSource(includes, classes), folders, flags)) {
         reader.read(line);

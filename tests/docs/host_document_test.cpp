@@ -24,7 +24,7 @@ using Commands = std::map<std::string, std::string>;
 /// Name and what stands for its value, empty for a switch.
 using Options = std::set<std::pair<std::string, std::string>>;
 
-std::vector<Row> rowsOf(const char* section) {
+std::vector<Row> hostRows(const char* section) {
     return Document("docs/HOST.md").rowsOf(section);
 }
 
@@ -73,7 +73,7 @@ Options optionsOfProgram(const std::vector<const char*>& command) {
 /// Options whose row names the command.
 Options documentedOptions(const std::string& command) {
     Options options;
-    for (const Row& row : rowsOf("Options")) {
+    for (const Row& row : hostRows("Options")) {
         const std::string named = ", " + row.at("Commands") + ",";
         if (named.find(", " + command + ",") == std::string::npos) continue;
         const std::vector<std::string> value = codesIn(row.at("Value"));
@@ -84,7 +84,7 @@ Options documentedOptions(const std::string& command) {
 
 TEST(HostDocument, NamesTheCommands) {
     Commands documented;
-    for (const Row& row : rowsOf("Commands")) {
+    for (const Row& row : hostRows("Commands")) {
         documented.emplace(codeIn(row.at("Command")), row.at("What it does"));
     }
     EXPECT_THAT(documented, ContainerEq(commandsOfProgram()));
@@ -103,7 +103,7 @@ TEST(HostDocument, NamesTheOptionsOfEveryCommand) {
 TEST(HostDocument, NamesNoCommandThatDoesNotExist) {
     Commands known = commandsOfProgram();
     known.emplace("all", "");
-    for (const Row& row : rowsOf("Options")) {
+    for (const Row& row : hostRows("Options")) {
         std::istringstream stream(row.at("Commands"));
         for (std::string command; std::getline(stream >> std::ws, command, ',');) {
             EXPECT_TRUE(known.contains(command)) << command;
@@ -116,7 +116,7 @@ TEST(HostDocument, HasTheExitCodes) {
     for (const auto& row : host::kExitCodes)
         known.emplace(std::to_string(static_cast<int>(row.code)), row.meaning);
     std::map<std::string, std::string> documented;
-    for (const Row& row : rowsOf("Exit codes")) documented.emplace(row.at("Code"), row.at("Meaning"));
+    for (const Row& row : hostRows("Exit codes")) documented.emplace(row.at("Code"), row.at("Meaning"));
     EXPECT_THAT(documented, ContainerEq(known));
 }
 
@@ -134,7 +134,7 @@ TEST(HostDocument, NamesTheFilesOfARecording) {
     for (const auto& entry : fs::directory_iterator(out))
         found.insert(withoutNumbers(entry.path().filename().string()));
     std::set<std::string> documented;
-    for (const Row& row : rowsOf("A recording")) {
+    for (const Row& row : hostRows("A recording")) {
         if (!row.contains("File")) continue;
         for (const std::string& name : codesIn(row.at("File"))) documented.insert(name);
     }

@@ -23,7 +23,7 @@ using docs_check::withBareBlanks;
 using ::testing::ContainerEq;
 using ::testing::IsEmpty;
 
-std::vector<Row> rowsOf(const char* section) {
+std::vector<Row> messageRows(const char* section) {
     return Document("docs/MESSAGES.md").rowsOf(section);
 }
 
@@ -31,7 +31,7 @@ std::vector<Row> rowsOf(const char* section) {
 std::vector<std::string> documentedTexts() {
     std::vector<std::string> texts;
     const auto add = [&texts](const char* section, std::initializer_list<const char*> columns) {
-        for (const Row& row : rowsOf(section)) {
+        for (const Row& row : messageRows(section)) {
             for (const char* column : columns) {
                 for (const std::string& text : codesIn(row.at(column))) texts.push_back(withBareBlanks(text));
             }
@@ -90,7 +90,7 @@ TEST(MessagesDocument, HasNoTextThatTheSourcesDoNotHave) {
 
 TEST(MessagesDocument, HasTheLogLinesWithTheirSeverities) {
     std::set<std::pair<std::string, std::string>> documented;
-    for (const Row& row : rowsOf("Log lines")) {
+    for (const Row& row : messageRows("Log lines")) {
         documented.emplace(row.at("Severity"), withBareBlanks(codeIn(row.at("Line"))));
     }
     std::set<std::pair<std::string, std::string>> found;
@@ -104,7 +104,7 @@ TEST(MessagesDocument, HasTheLogLinesWithTheirSeverities) {
 TEST(MessagesDocument, HasTheAssertionsWithTheirMessagesAndSources) {
     using Entry = std::tuple<std::string, std::string, std::string>;
     std::set<Entry> documented;
-    for (const Row& row : rowsOf("Assertions")) {
+    for (const Row& row : messageRows("Assertions")) {
         const std::vector<std::string> message = codesIn(row.at("Message"));
         documented.emplace(codeIn(row.at("Source")), codeIn(row.at("Expression")),
                            message.empty() ? "" : message.front());
@@ -121,7 +121,7 @@ TEST(MessagesDocument, HasTheAssertionsWithTheirMessagesAndSources) {
 
 TEST(MessagesDocument, SaysForEveryMessageAndReasonWhatToDo) {
     for (const char* section : {"Messages of a channel", "Reasons"}) {
-        for (const Row& row : rowsOf(section)) {
+        for (const Row& row : messageRows(section)) {
             const std::string& text = row.contains("Message") ? row.at("Message") : row.at("Reason");
             EXPECT_NE(row.at("What to do"), "") << text;
             EXPECT_NE(row.contains("Cause") ? row.at("Cause") : row.at("When"), "") << text;
@@ -148,8 +148,8 @@ TEST(SourceTexts, OfLogStatementsHaveBlanksForValues) {
 }
 
 TEST(SourceTexts, OfAssertionsAreTheirExpressionAndMessage) {
-    const Source source = Source::fromText(
-        "ZELT_ASSERT(a(b, c) == 1);\nZELT_ASSERT_AS(a, \"b <= c\",\n \"message\");");
+    const Source source =
+        Source::fromText("ZELT_ASSERT(a(b, c) == 1);\nZELT_ASSERT_AS(a, \"b <= c\",\n \"message\");");
     const auto assertions = source.assertions();
     ASSERT_EQ(assertions.size(), 2u);
     EXPECT_EQ(assertions[0].expression, "a(b, c) == 1");

@@ -29,7 +29,7 @@ constexpr std::uint32_t kMonochrome = 1;
 constexpr std::uint32_t kSentFrames = 0x10000;
 constexpr std::uint32_t kReceivedFrames = 0x20000;
 
-std::vector<Row> rowsOf(const char* section) {
+std::vector<Row> settingRows(const char* section) {
     return Document("docs/SETTINGS.md").rowsOf(section);
 }
 
@@ -168,7 +168,7 @@ class SettingsDocument : public test_support::PluginTest {
 };
 
 TEST_F(SettingsDocument, NamesEveryKeyOfThePluginAndNoOther) {
-    const std::vector<Row> rows = rowsOf("Plug-in");
+    const std::vector<Row> rows = settingRows("Plug-in");
     const auto config = plugin->getPluginConfig();
     EXPECT_THAT(config->getKeys(), ElementsAreArray(keysOf(rows)));
     for (const Row& row : rows) {
@@ -184,12 +184,12 @@ TEST_F(SettingsDocument, NamesEveryKeyOfThePluginAndNoOther) {
 }
 
 TEST_F(SettingsDocument, NamesEveryKeyOfAColourCameraAndNoOther) {
-    EXPECT_THAT(channel(kColour)->getKeys(), ElementsAreArray(keysOf(rowsOf("Camera channels"))));
+    EXPECT_THAT(channel(kColour)->getKeys(), ElementsAreArray(keysOf(settingRows("Camera channels"))));
 }
 
 TEST_F(SettingsDocument, SaysWhichKeysACameraMayLack) {
     std::vector<std::string> always;
-    for (const Row& row : rowsOf("Camera channels")) {
+    for (const Row& row : settingRows("Camera channels")) {
         const std::string key = codeIn(row.at("Key"));
         bool mayLack = key.rfind("ACTION:", 0) == 0;
         for (const auto& number : zelt_gige_camera::numberRows()) {
@@ -201,26 +201,26 @@ TEST_F(SettingsDocument, SaysWhichKeysACameraMayLack) {
     }
     const auto found = channel(kMonochrome)->getKeys();
     EXPECT_THAT(always, IsSubsetOf(found));
-    EXPECT_THAT(found, IsSubsetOf(keysOf(rowsOf("Camera channels"))));
+    EXPECT_THAT(found, IsSubsetOf(keysOf(settingRows("Camera channels"))));
 }
 
 TEST_F(SettingsDocument, NamesEveryKeyOfACounterAndNoOther) {
     for (const std::uint32_t counter : {kSentFrames, kReceivedFrames}) {
-        EXPECT_THAT(channel(counter)->getKeys(), ElementsAreArray(keysOf(rowsOf("Frame counters"))));
+        EXPECT_THAT(channel(counter)->getKeys(), ElementsAreArray(keysOf(settingRows("Frame counters"))));
     }
 }
 
 TEST_F(SettingsDocument, HasTheTypesUnitsAndValuesOfTheSettings) {
-    expectTypesUnitsAndValues(kColour, rowsOf("Camera channels"));
+    expectTypesUnitsAndValues(kColour, settingRows("Camera channels"));
     for (const std::uint32_t counter : {kSentFrames, kReceivedFrames}) {
-        expectTypesUnitsAndValues(counter, rowsOf("Frame counters"));
+        expectTypesUnitsAndValues(counter, settingRows("Frame counters"));
     }
 }
 
 TEST_F(SettingsDocument, SaysWhatIsRationalWithExternalTrigger) {
     setMode(kColour, "GIGE/TriggerModeAux");
     aux().setSyncOutAuxFrequency(25, 1);
-    for (const Row& row : rowsOf("Camera channels")) {
+    for (const Row& row : settingRows("Camera channels")) {
         const std::string key = codeIn(row.at("Key"));
         SCOPED_TRACE(key);
         const ConfigItemVariant item = channel(kColour)->getItem(key);
@@ -235,16 +235,16 @@ TEST_F(SettingsDocument, SaysWhatIsRationalWithExternalTrigger) {
 }
 
 TEST_F(SettingsDocument, SaysWhenACamerasSettingsCanBeChanged) {
-    expectChangeability(kColour, rowsOf("Camera channels"));
+    expectChangeability(kColour, settingRows("Camera channels"));
 }
 
 TEST_F(SettingsDocument, SaysWhenACountersSettingsCanBeChanged) {
-    expectChangeability(kSentFrames, rowsOf("Frame counters"));
+    expectChangeability(kSentFrames, settingRows("Frame counters"));
 }
 
 TEST(SettingsDocumentFeatures, AreThoseOfTheRows) {
     std::set<std::string> documented;
-    for (const Row& row : rowsOf("Camera channels")) {
+    for (const Row& row : settingRows("Camera channels")) {
         const std::string key = codeIn(row.at("Key"));
         SCOPED_TRACE(key);
         const std::string& cell = row.at("Camera feature");
@@ -273,7 +273,7 @@ TEST(SettingsDocumentFeatures, AreFeaturesOfAColourCamera) {
     ASSERT_TRUE(api.startup());
     api.runCommand(zelt_gige_api::kSystemHandle, "GeVDiscoveryAllOnce");
     const auto camera = api.openCamera(test_support::kColourCamera);
-    for (const Row& row : rowsOf("Camera channels")) {
+    for (const Row& row : settingRows("Camera channels")) {
         for (const std::string& feature : codesIn(row.at("Camera feature"))) {
             EXPECT_NE(api.getFeatureType(camera, feature.c_str()), zelt_gige_api::FeatureType::None)
                 << feature;

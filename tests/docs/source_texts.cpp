@@ -74,7 +74,7 @@ std::string unescaped(const std::string& literal) {
     return text;
 }
 
-std::string trimmed(const std::string& text) {
+std::string withoutSpace(const std::string& text) {
     const auto first = text.find_first_not_of(" \n");
     if (first == std::string::npos) return {};
     return text.substr(first, text.find_last_not_of(" \n") - first + 1);
@@ -98,7 +98,7 @@ std::vector<Literal> literalsIn(const std::string& text) {
             const std::string content = unescaped(text.substr(at + 1, end - at - 2));
             const bool isAdjacent =
                 !literals.empty() &&
-                trimmed(text.substr(literals.back().end, at - literals.back().end)).empty();
+                withoutSpace(text.substr(literals.back().end, at - literals.back().end)).empty();
             if (isAdjacent) {
                 literals.back().text += content;
                 literals.back().end = end;
@@ -176,7 +176,7 @@ std::vector<std::string> Source::arguments(std::size_t open) const {
         }
         at = next;
     }
-    for (std::string& argument : arguments) argument = oneLine(trimmed(argument));
+    for (std::string& argument : arguments) argument = oneLine(withoutSpace(argument));
     return arguments;
 }
 

@@ -17,9 +17,9 @@ using test_support::PluginTest;
 using test_support::StampedFrame;
 using ::testing::IsEmpty;
 
-constexpr std::uint32_t kCameras = 4;
+constexpr std::uint32_t kSharingCameras = 4;
 constexpr std::uint64_t kPulses = 600;
-constexpr std::uint64_t kPeriod = 50 * kMillisecond;
+constexpr std::uint64_t kPulsePeriod = 50 * kMillisecond;
 constexpr const char* kIds[] = {"DEV_000F31A10001", "DEV_000F31A10002", "DEV_000F31A10003",
                                 "DEV_000F31A10004"};
 
@@ -29,7 +29,7 @@ class BusyNetwork : public PluginTest {
         wantFrameCounters(true);
         enumerate();
         aux().setSyncOutAuxFrequency(20, 1);
-        for (std::uint32_t id = 0; id < kCameras; ++id) {
+        for (std::uint32_t id = 0; id < kSharingCameras; ++id) {
             EXPECT_TRUE(channel(id)->setItem("CAMERA/Exposure", config_items::ScalarConfigItem(1'000, "")));
             EXPECT_TRUE(channel(id)->setItem(
                 "CAMERA/TriggerMode",
@@ -52,9 +52,9 @@ class BusyNetwork : public PluginTest {
         return value;
     }
 
-    std::array<FrameSink, kCameras> m_frames;
-    std::array<LatestCount, kCameras> m_sent;
-    std::array<LatestCount, kCameras> m_received;
+    std::array<FrameSink, kSharingCameras> m_frames;
+    std::array<LatestCount, kSharingCameras> m_sent;
+    std::array<LatestCount, kSharingCameras> m_received;
 };
 
 TEST_F(BusyNetwork, IsRecordedButForTheFramesThatArriveIncomplete) {
@@ -63,17 +63,17 @@ TEST_F(BusyNetwork, IsRecordedButForTheFramesThatArriveIncomplete) {
     const VmbSimRhythm rhythm{20, 1, 10 * kMillisecond, kMillisecond, 0};
     const std::uint64_t first = VmbSimTime() + rhythm.phaseNs;
     ASSERT_EQ(VmbSimDriveLine(nullptr, &rhythm), VmbErrorSuccess);
-    ASSERT_EQ(VmbSimAdvance(kPulses * kPeriod), VmbErrorSuccess);
+    ASSERT_EQ(VmbSimAdvance(kPulses * kPulsePeriod), VmbErrorSuccess);
     VmbInt64_t incomplete = 0;
     VmbInt64_t rescued = 0;
     std::uint64_t waiting = 0;
-    for (std::uint32_t id = 0; id < kCameras; ++id) {
+    for (std::uint32_t id = 0; id < kSharingCameras; ++id) {
         const auto dropped = static_cast<std::uint64_t>(statistic(id, "StatFrameDropped"));
         const std::vector<StampedFrame>& frames = m_frames[id].frames;
         EXPECT_EQ(statistic(id, "StatFrameUnderrun"), 0);
         ASSERT_EQ(frames.size(), kPulses - dropped);
         for (const StampedFrame& frame : frames) {
-            EXPECT_EQ(frame.truth.exposureStartNs, first + (frame.truth.frameId - 1) * kPeriod);
+            EXPECT_EQ(frame.truth.exposureStartNs, first + (frame.truth.frameId - 1) * kPulsePeriod);
             EXPECT_EQ(frame.time, static_cast<std::int64_t>(frame.truth.frameId - 1));
             waiting += frame.truth.wayNs > 15 * kMillisecond ? 1 : 0;
         }

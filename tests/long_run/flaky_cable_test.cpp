@@ -16,7 +16,7 @@ using test_support::StampedFrame;
 using ::testing::IsEmpty;
 
 constexpr std::uint64_t kTime = 3'600 * kSecond / kShorterBy;
-constexpr const char* kCameras[] = {kColourCamera, kMonochromeCamera};
+constexpr const char* kFlakyCameras[] = {kColourCamera, kMonochromeCamera};
 
 class FlakyCable : public PluginTest {
   protected:
@@ -31,7 +31,7 @@ class FlakyCable : public PluginTest {
     }
     /// Once: a camera that comes back is given its settings by the preparation.
     void configure() {
-        for (const char* camera : kCameras) {
+        for (const char* camera : kFlakyCameras) {
             const std::uint32_t id = plugin->findChannelId(camera);
             set(id, "FrameWidth", 32);
             set(id, "FrameHeight", 4);
@@ -42,7 +42,7 @@ class FlakyCable : public PluginTest {
     void record() {
         ASSERT_EQ(plugin->getChannelIds().size(), 2u);
         for (std::size_t i = 0; i < 2; ++i) {
-            const std::uint32_t id = plugin->findChannelId(kCameras[i]);
+            const std::uint32_t id = plugin->findChannelId(kFlakyCameras[i]);
             m_sinks[i].frames.clear();
             plugin->setChannelSink(id, &m_sinks[i]);
             messages(id).setMessageListener([this](const exception_manager::Exception& message) {

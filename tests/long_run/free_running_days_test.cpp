@@ -40,7 +40,7 @@ constexpr std::uint64_t kHistory = 20;
 constexpr std::uint64_t kMicrosecond = 1'000;
 // Two frames take a little more than a second: every other one is a synchronization point.
 constexpr double kFramesPerSecond = 1.99;
-constexpr std::uint64_t kPeriod = 502'513 * kMicrosecond;  ///< by the camera's clock
+constexpr std::uint64_t kFramePeriod = 502'513 * kMicrosecond;  ///< by the camera's clock
 
 constexpr double kJitter = 2'000;
 constexpr double kError = 12e-6;
@@ -56,7 +56,9 @@ double resolution(std::int64_t time) {
 /// Judges each frame as it comes.
 class StampAuditor final : public zelt::IfChannelSink {
   public:
-    explicit StampAuditor(BusyHostClock& clock) : m_clock(clock) { errors.reserve(kDuration / kPeriod + 10); }
+    explicit StampAuditor(BusyHostClock& clock) : m_clock(clock) {
+        errors.reserve(kDuration / kFramePeriod + 10);
+    }
 
     void addSample(std::int64_t time, const void* data, std::uint64_t size) override {
         const StampedFrame frame = readFrame(time, data, size);
@@ -143,11 +145,12 @@ class FreeRunningDays : public LongRun {
         EXPECT_EQ(auditor.againstExact, 0u);
         EXPECT_EQ(auditor.beyondBound, 0u);
         EXPECT_EQ(auditor.wrongSyncPoints, 0u);
-        const double expected = static_cast<double>(kDuration) * (1 + kError) / static_cast<double>(kPeriod);
+        const double expected =
+            static_cast<double>(kDuration) * (1 + kError) / static_cast<double>(kFramePeriod);
         EXPECT_NEAR(static_cast<double>(auditor.errors.size()), expected, 2.0);
         EXPECT_NEAR(static_cast<double>(auditor.syncPoints()), expected / 2, kHistory);
         EXPECT_GE(auditor.firstTicks, startTicks);
-        EXPECT_GE(auditor.lastTicks, startTicks + kDuration - 2 * kPeriod);
+        EXPECT_GE(auditor.lastTicks, startTicks + kDuration - 2 * kFramePeriod);
         EXPECT_THAT(assertions.failures(), IsEmpty());
     }
 

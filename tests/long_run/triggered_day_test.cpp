@@ -39,7 +39,7 @@ __extension__ using Wide = __int128;
 
 constexpr std::uint64_t kSlots = 86'400 / 4 / kShorterBy;
 constexpr std::int64_t kPulsesPerSecond = 100;
-constexpr std::int64_t kTicksPerSecond = 1'000'000'000;
+constexpr std::int64_t kTriggeredTicksPerSecond = 1'000'000'000;
 constexpr std::uint64_t kStartFrame = 1;
 
 /// The rules in whole numbers, from frame numbers and camera times alone.
@@ -56,8 +56,9 @@ class Rules {
   private:
     void judge(Wide numbersMissing, Wide elapsed) {
         // Pulses between the two frames, times the ticks of a second.
-        const Wide over = elapsed * kPulsesPerSecond - kTicksPerSecond;
-        const Wide magnitude = ((over < 0 ? -over : over) * 2 + kTicksPerSecond) / (2 * kTicksPerSecond);
+        const Wide over = elapsed * kPulsesPerSecond - kTriggeredTicksPerSecond;
+        const Wide magnitude =
+            ((over < 0 ? -over : over) * 2 + kTriggeredTicksPerSecond) / (2 * kTriggeredTicksPerSecond);
         const Wide pulsesMissing = over < 0 ? -magnitude : magnitude;
         if (pulsesMissing > numbersMissing)
             m_offset += pulsesMissing - numbersMissing;
@@ -143,7 +144,7 @@ TEST_F(TriggeredDay, EveryPulseIsAccountedFor) {
     VmbSimSeed(20'261'121);
     useTrigger(kPulsesPerSecond);
     // 12 millionths fast, swinging by 5 within a day, stamps off by up to 2 microseconds.
-    startWith({kTicksPerSecond, 10'000'000'000'000, 12'000, 5'000, 86'400, 2'000});
+    startWith({kTriggeredTicksPerSecond, 10'000'000'000'000, 12'000, 5'000, 86'400, 2'000});
     DisturbedPulses pulses(kMonochromeCamera, 4711);
     PulseAuditor auditor(pulses);
     plugin->setChannelSink(0, &auditor);

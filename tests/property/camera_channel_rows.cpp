@@ -1,10 +1,10 @@
 #include "camera_channel_rows.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "config_items.h"
 #include "config_keys.h"
+#include "special_numbers.h"
 
 namespace property_tests {
 namespace {
@@ -13,12 +13,12 @@ using namespace config_keys;
 using config_items::ConfigItemVariant;
 using config_items::ScalarConfigItem;
 using config_items::SingleValueConfigItem;
+using test_support::kInf;
+using test_support::kNan;
 using Kind = SettingRow::Kind;
 using Values = std::vector<ConfigItemVariant>;
 
 constexpr const char* kDegrees = "\xC2\xB0";
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 /// Beside the numbers two items of other types.
 Values numbers(const char* unit, std::initializer_list<double> list) {

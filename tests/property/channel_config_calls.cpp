@@ -20,7 +20,7 @@ using test_support::AssertionCapture;
 
 using BoolItem = SingleValueConfigItem<bool>;
 using StringItem = SingleValueConfigItem<std::string>;
-using Kind = ModelOption::Kind;
+using OptionKind = ModelOption::Kind;
 
 constexpr std::size_t kMostOptions = 10;
 constexpr const char* kUnit = "fps";
@@ -108,9 +108,9 @@ void ChannelConfigCalls::add(std::uint8_t which, std::uint8_t value) {
     if (m_options.size() == kMostOptions) return;
     auto option = std::make_unique<ModelOption>();
     option->key = kKeys[which % (kKeys.size() - 1)];
-    option->kind = static_cast<Kind>(value % 4);
+    option->kind = static_cast<OptionKind>(value % 4);
     option->locked = (value & 4) != 0;
-    const bool canVanish = option->kind == Kind::Generic || option->kind == Kind::String;
+    const bool canVanish = option->kind == OptionKind::Generic || option->kind == OptionKind::String;
     option->available = !canVanish || (value & 8) != 0;
     makeReal(*option);
     const bool taken = answering(option->key) != nullptr;
@@ -126,7 +126,7 @@ void ChannelConfigCalls::makeReal(ModelOption& option) {
     const auto available = [&option] { return option.available; };
     const bool locked = option.locked;
     switch (option.kind) {
-        case Kind::Generic: {
+        case OptionKind::Generic: {
             const auto text = std::make_shared<std::string>("generic");
             const auto setter = [this, text](const std::string& value) {
                 if (value == "throw") throw std::runtime_error("refused");
@@ -140,20 +140,20 @@ void ChannelConfigCalls::makeReal(ModelOption& option) {
                                 .isAvailable = available, .get = [text] { return *text; }, .set = setter});
             break;
         }
-        case Kind::String:
+        case OptionKind::String:
             option.text = "text";
             option.constraints = {locked ? "read-only true" : "read-only false", "during acquisition true"};
             option.real =
                 std::make_shared<SimpleStringOption>(option.key, option.text, locked, true, available);
             break;
-        case Kind::Scalar:
+        case OptionKind::Scalar:
             option.text = "25 fps";
             option.constraints = {locked ? "read-only true" : "read-only false"};
             if (!locked) option.constraints.push_back("from 1 to 50");
             option.real =
                 std::make_shared<SimpleScalarOption>(option.key, ScalarConfigItem(25, kUnit), !locked, 1, 50);
             break;
-        case Kind::Used:
+        case OptionKind::Used:
             option.text = "0";
             option.real = std::make_shared<ChannelUsedOption>(option.key, option.used, locked);
             break;
@@ -169,8 +169,8 @@ void ChannelConfigCalls::set(std::uint8_t which, std::uint8_t value) {
     const AssertionCapture assertions;
     expect(m_config.setItem(key, item) == accepted, "answer of setting " + key);
     const auto* const scalar = boost::get<ScalarConfigItem>(&item);
-    const bool otherUnit =
-        option != nullptr && option->kind == Kind::Scalar && scalar != nullptr && scalar->m_unit != kUnit;
+    const bool otherUnit = option != nullptr && option->kind == OptionKind::Scalar && scalar != nullptr &&
+                           scalar->m_unit != kUnit;
     expect(assertions.failures().size() == (otherUnit ? 1u : 0u), "assertions of setting " + key);
     if (option != nullptr) refreshModel();
 }
@@ -180,19 +180,19 @@ bool ChannelConfigCalls::modelSet(ModelOption& option, const ConfigItemVariant& 
     const auto* const scalar = boost::get<ScalarConfigItem>(&value);
     const auto* const flag = boost::get<BoolItem>(&value);
     switch (option.kind) {
-        case Kind::Generic:
+        case OptionKind::Generic:
             if (text == nullptr || text->m_value == "throw") return false;
             option.text = text->m_value;
             return text->m_value.size() % 2 == 0;
-        case Kind::String:
+        case OptionKind::String:
             if (text == nullptr || option.locked) return false;
             option.text = text->m_value;
             return true;
-        case Kind::Scalar:
+        case OptionKind::Scalar:
             if (scalar == nullptr) return false;
             option.text = ScalarConfigItem(scalar->m_value, kUnit).toString();
             return true;
-        case Kind::Used:
+        case OptionKind::Used:
             if (flag == nullptr) return false;
             if (flag->toString() == option.text) return true;
             if (option.locked) return false;
@@ -205,7 +205,8 @@ bool ChannelConfigCalls::modelSet(ModelOption& option, const ConfigItemVariant& 
 void ChannelConfigCalls::flip(std::size_t length) {
     if (m_options.empty()) return;
     ModelOption& option = *m_options[length % m_options.size()];
-    if (option.kind == Kind::Generic || option.kind == Kind::String) option.available = !option.available;
+    if (option.kind == OptionKind::Generic || option.kind == OptionKind::String)
+        option.available = !option.available;
 }
 
 void ChannelConfigCalls::get(std::uint8_t which) {
@@ -227,7 +228,7 @@ void ChannelConfigCalls::readConstraints(std::uint8_t which) {
     const std::vector<std::string> found = inWords(m_config.getConstraints(key));
     std::vector<std::string> expected;
     if (option != nullptr) expected = option->constraints;
-    if (option != nullptr && option->kind == Kind::Used) {
+    if (option != nullptr && option->kind == OptionKind::Used) {
         const bool used = option->text == "1";
         expected = {"during acquisition false", used ? "choice true" : "choice false"};
         expected.push_back(option->locked ? "read-only true" : used ? "choice false" : "choice true");

@@ -14,6 +14,7 @@
 
 #include "channel_config_constraints.h"
 #include "config_item_variant.h"
+#include "special_numbers.h"
 
 namespace config_items {
 
@@ -28,8 +29,8 @@ namespace property_tests {
 using namespace config_items;
 
 inline rc::Gen<double> anyDouble() {
-    constexpr double kInf = std::numeric_limits<double>::infinity();
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    using test_support::kInf;
+    using test_support::kNan;
     return rc::gen::oneOf(
         rc::gen::element(0.0, -0.0, 1.0, 0.1, -2.5, kInf, -kInf, kNan, -kNan,
                          std::numeric_limits<double>::max(), std::numeric_limits<double>::min(),

@@ -14,7 +14,8 @@ using config_items::ConfigItemVariant;
 using test_support::AssertionCapture;
 
 constexpr const char* kUnknown = "key not found. config item does not exist.";
-const std::array<std::string, 4> kKeys = {"FrameCounterChannels", "Plugin/GodMode", "plugin/GodMode", ""};
+const std::array<std::string, 4> kPluginKeys = {"FrameCounterChannels", "Plugin/GodMode", "plugin/GodMode",
+                                                ""};
 
 ConfigItemVariant itemOf(std::uint8_t value) {
     if (value % 2 == 0) return config_items::SingleValueConfigItem<bool>(value % 4 == 0);
@@ -25,7 +26,7 @@ ConfigItemVariant itemOf(std::uint8_t value) {
 
 void PluginConfigCalls::run(std::span<const std::uint8_t> bytes) {
     for (; bytes.size() >= 3 && m_difference.empty(); bytes = bytes.subspan(3)) {
-        call(bytes[0], kKeys[bytes[1] % kKeys.size()], bytes[2]);
+        call(bytes[0], kPluginKeys[bytes[1] % kPluginKeys.size()], bytes[2]);
         compareKeys();
     }
 }
@@ -72,7 +73,7 @@ void PluginConfigCalls::get(const std::string& key) {
 
 void PluginConfigCalls::compareKeys() {
     expect(m_config.getKeys() == m_keys, "keys");
-    for (const std::string& key : kKeys) {
+    for (const std::string& key : kPluginKeys) {
         expect(m_config.hasItem(key) == m_texts.contains(key), "hasItem of " + key);
     }
 }

@@ -9,9 +9,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
-constexpr std::uint64_t kGreyBytes = 656ull * 492;
-
 class AFullDiskLeavesAWholeRecording : public testing::Test {
   protected:
     path out() const { return m_directory.path() / "recording"; }
@@ -25,10 +22,10 @@ class AFullDiskLeavesAWholeRecording : public testing::Test {
 
 TEST_F(AFullDiskLeavesAWholeRecording, WhenAPictureDoesNotFit) {
     // Room for 15 pictures of the colour camera and a half.
-    const ProgramResult result = record("600", kColourBytes * 31 / 2);
+    const ProgramResult result = record("600", scenario::kColourBytes * 31 / 2);
     EXPECT_EQ(result.code, 11) << result.out << result.error;
-    const std::size_t colour = scenario::checkChannelFiles(out(), 0, kColourBytes);
-    const std::size_t grey = scenario::checkChannelFiles(out(), 1, kGreyBytes);
+    const std::size_t colour = scenario::checkChannelFiles(out(), 0, scenario::kColourBytes);
+    const std::size_t grey = scenario::checkChannelFiles(out(), 1, scenario::kGreyBytes);
     EXPECT_EQ(colour, 15u);
     EXPECT_GT(grey, 0u);
     ASSERT_EQ(result.sentences().size(), 1u) << result.error;

@@ -9,9 +9,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
-constexpr std::uint64_t kGreyBytes = 656ull * 492;
-
 class ARecordingCutShortIsWhole : public testing::Test {
   protected:
     path out() const { return m_directory.path() / "recording"; }
@@ -30,8 +27,8 @@ TEST_F(ARecordingCutShortIsWhole, WhenTheUserInterrupts) {
     program.interrupt();
     EXPECT_EQ(program.wait(), 130) << program.out() << program.error();
 
-    const std::size_t colour = scenario::checkChannelFiles(out(), 0, kColourBytes);
-    const std::size_t grey = scenario::checkChannelFiles(out(), 1, kGreyBytes);
+    const std::size_t colour = scenario::checkChannelFiles(out(), 0, scenario::kColourBytes);
+    const std::size_t grey = scenario::checkChannelFiles(out(), 1, scenario::kGreyBytes);
     EXPECT_GE(colour + grey, 10u);
     EXPECT_THAT(program.error(),
                 test_support::FindsRegex("zelt_host: Interrupted after [0-9.]+ s of 600.0 s; the "));

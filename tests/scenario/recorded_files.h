@@ -8,23 +8,18 @@
 #include <nlohmann/json.hpp>
 
 #include "program_run.h"
+#include "sanitized.h"
 #include "vimba_simulator.h"
 
 namespace scenario {
 
 // Instrumented builds hand frames over late by many times what a camera's clock fit can smooth, so only the
 // others are asked for trustworthy times. What the pictures hold and where they lie is asked of every build.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kTimesHold = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-inline constexpr bool kTimesHold = false;
-#else
-inline constexpr bool kTimesHold = true;
-#endif
-#else
-inline constexpr bool kTimesHold = true;
-#endif
+inline constexpr bool kTimesHold = ZELT_SANITIZED == 0;
+
+/// What a picture of each of the ready cameras takes.
+inline constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
+inline constexpr std::uint64_t kGreyBytes = 656ull * 492;
 
 struct RecordedFrame {
     std::uint64_t number = 0;

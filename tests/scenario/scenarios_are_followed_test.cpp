@@ -38,9 +38,9 @@ TEST_F(ScenariosAreFollowed, WhenACameraIsPulledOutInTheMiddleOfARecording) {
     ASSERT_EQ(result.sentences().size(), 1u) << result.error;
     EXPECT_THAT(result.sentences()[0], HasSubstr("channel 1: fell silent before the end"));
     // Three quarters of a second at 40 Hz, less the frames whose way was not over.
-    const std::size_t pulled = scenario::checkChannelFiles(out(), 1, 656ull * 492);
+    const std::size_t pulled = scenario::checkChannelFiles(out(), 1, scenario::kGreyBytes);
     EXPECT_LE(pulled, 30u);
-    const std::size_t other = scenario::checkChannelFiles(out(), 0, 656ull * 492 * 2);
+    const std::size_t other = scenario::checkChannelFiles(out(), 0, scenario::kColourBytes);
     if (!kTimesHold) return;
     EXPECT_GE(pulled, 26u);
     EXPECT_GE(other, 98u) << "two seconds at 50 Hz";
@@ -92,7 +92,7 @@ TEST_F(ScenariosAreFollowed, WhenAnotherProgramHoldsACamera) {
     const ProgramResult one = runProgram(
         {"record", "--seconds", "1", "--channel", "0", "--out", out().string(), "--max-spread", "10000"},
         options);
-    EXPECT_GT(scenario::checkChannelFiles(out(), 0, 656ull * 492 * 2), 40u);
+    EXPECT_GT(scenario::checkChannelFiles(out(), 0, scenario::kColourBytes), 40u);
     EXPECT_THAT(one.error, testing::Not(HasSubstr("channel 1: "))) << "it is not used";
     scenario::expectTrusted(one, out());
 }

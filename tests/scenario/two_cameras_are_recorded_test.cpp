@@ -11,9 +11,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr std::uint64_t kColourBytes = 656ull * 492 * 2;
-constexpr std::uint64_t kGreyBytes = 656ull * 492;
-
 std::pair<unsigned, unsigned> pngSize(const path& file) {
     const std::string bytes = scenario::readFile(file);
     if (bytes.size() < 24 || bytes.compare(1, 3, "PNG") != 0) return {0, 0};
@@ -69,8 +66,8 @@ TEST_F(TwoCamerasAreRecorded, WithFilesASummaryAndAVerdict) {
                 test_support::FindsRegex("\ntimes are (good to [0-9.]+ .+ \\(|not good \\()spread of 99 % of "
                                          "the frames.*\\)\n$"));
 
-    const std::size_t colour = scenario::checkChannelFiles(out(), 0, kColourBytes);
-    const std::size_t grey = scenario::checkChannelFiles(out(), 1, kGreyBytes);
+    const std::size_t colour = scenario::checkChannelFiles(out(), 0, scenario::kColourBytes);
+    const std::size_t grey = scenario::checkChannelFiles(out(), 1, scenario::kGreyBytes);
     EXPECT_THAT(colour, isAbout(50, result));
     EXPECT_THAT(grey, isAbout(40, result));
     for (const char* name :
@@ -121,7 +118,7 @@ TEST_F(TwoCamerasAreRecorded, ButNotAsTrustedWhenTheirTimesScatterMoreThanAskedF
 TEST_F(TwoCamerasAreRecorded, OrOnlyTheOneAskedFor) {
     const ProgramResult result = record({"--channel", "1"});
     EXPECT_FALSE(exists(out() / "channel-0.raw"));
-    EXPECT_THAT(scenario::checkChannelFiles(out(), 1, kGreyBytes), isAbout(40, result));
+    EXPECT_THAT(scenario::checkChannelFiles(out(), 1, scenario::kGreyBytes), isAbout(40, result));
     EXPECT_THAT(result.out, HasSubstr("wrote 1 raw + CSV, 2 PNG, summary.json\n"));
 }
 

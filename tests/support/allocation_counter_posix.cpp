@@ -1,10 +1,9 @@
 #include <cerrno>
 
 #include "allocation_counter.h"
+#include "sanitized.h"
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZELT_SANITIZED
-
+#if ZELT_SANITIZED
 // Offered by the sanitizers' run-time libraries; the compiler package does not install their header.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*allocated)(const volatile void*, std::size_t),
                                                          void (*freed)(const volatile void*));
@@ -21,7 +20,7 @@ void countOne() {
 
 }  // namespace
 
-#if defined(ZELT_SANITIZED)
+#if ZELT_SANITIZED
 
 namespace {
 

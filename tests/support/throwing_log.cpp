@@ -17,8 +17,8 @@ namespace {
 
 namespace logging = boost::log;
 
-struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_feeding> {
-    Backend(std::string wanted, std::function<void()> toDo)
+struct ThrowingBackend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_feeding> {
+    ThrowingBackend(std::string wanted, std::function<void()> toDo)
         : part(std::move(wanted)), action(std::move(toDo)) {}
     void consume(const logging::record_view& record) {
         const Running running(*this);
@@ -33,7 +33,7 @@ struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_f
 
   private:
     struct Running {
-        explicit Running(Backend& owner) : backend(owner) {
+        explicit Running(ThrowingBackend& owner) : backend(owner) {
             const std::lock_guard lock(backend.m_mutex);
             ++backend.m_running;
         }
@@ -44,7 +44,7 @@ struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_f
         }
         Running(const Running&) = delete;
         Running& operator=(const Running&) = delete;
-        Backend& backend;
+        ThrowingBackend& backend;
     };
 
     const std::string part;
@@ -57,14 +57,16 @@ struct Backend : logging::sinks::basic_sink_backend<logging::sinks::concurrent_f
 }  // namespace
 
 struct LogAction::Sink {
-    explicit Sink(const boost::shared_ptr<Backend>& toFeed)
-        : backend(toFeed), frontend(boost::make_shared<logging::sinks::unlocked_sink<Backend>>(toFeed)) {}
-    boost::shared_ptr<Backend> backend;
-    boost::shared_ptr<logging::sinks::unlocked_sink<Backend>> frontend;
+    explicit Sink(const boost::shared_ptr<ThrowingBackend>& toFeed)
+        : backend(toFeed),
+          frontend(boost::make_shared<logging::sinks::unlocked_sink<ThrowingBackend>>(toFeed)) {}
+    boost::shared_ptr<ThrowingBackend> backend;
+    boost::shared_ptr<logging::sinks::unlocked_sink<ThrowingBackend>> frontend;
 };
 
 LogAction::LogAction(std::string part, std::function<void()> action)
-    : m_sink(std::make_unique<Sink>(boost::make_shared<Backend>(std::move(part), std::move(action)))) {
+    : m_sink(
+          std::make_unique<Sink>(boost::make_shared<ThrowingBackend>(std::move(part), std::move(action)))) {
     logging::core::get()->add_sink(m_sink->frontend);
     logging::core::get()->set_logging_enabled(true);
 }

@@ -9,11 +9,6 @@
 #include "assertion.h"
 
 namespace zelt_gige_camera {
-namespace {
-
-constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
-
-}  // namespace
 
 double framePeriod(double frameRate) {
     const double period = static_cast<double>(kMicrosecondsPerSecond) / frameRate;

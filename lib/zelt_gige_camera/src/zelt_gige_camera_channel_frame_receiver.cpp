@@ -6,8 +6,6 @@
 namespace zelt_gige_camera {
 namespace {
 
-constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
-
 /// A synchronization point loses this much quality per microsecond that its frame waited.
 constexpr double kQualityPerMicrosecond = 0.01;
 

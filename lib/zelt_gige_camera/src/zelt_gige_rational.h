@@ -11,6 +11,8 @@ namespace zelt_gige_camera {
 /// 64 bits and undefined beyond; also undefined are operations with the most negative numerator.
 using Rational = boost::rational<std::int64_t>;
 
+inline constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
+
 /// Distance from zero; 2^63 for the most negative number.
 constexpr std::uint64_t magnitude(std::int64_t value) {
     const auto bits = static_cast<std::uint64_t>(value);

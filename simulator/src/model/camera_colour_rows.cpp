@@ -3,10 +3,6 @@
 namespace simulator {
 namespace {
 
-FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
-    return intRow(name, range, initial).in("/Controls/Whitebalance").of("%");
-}
-
 void addWhiteBalanceRows(FeatureRows& rows) {
     const char* path = "/Controls/Whitebalance";
     rows.push_back(enumRow("BalanceWhiteAuto", {{"Off", 1}, {"Continuous", 2}, {"Once", 3}}, 1)
@@ -14,9 +10,11 @@ void addWhiteBalanceRows(FeatureRows& rows) {
                        .affecting({"BalanceRatioAbs"})
                        .text("Automatic white balance"));
     rows.push_back(percentRow("BalanceWhiteAutoAdjustTol", {0, 50, 1}, 5)
+                       .in(path)
                        .text("Dead band of the automatic white balance"));
-    rows.push_back(
-        percentRow("BalanceWhiteAutoRate", {1, 100, 1}, 100).text("Speed of the automatic white balance"));
+    rows.push_back(percentRow("BalanceWhiteAutoRate", {1, 100, 1}, 100)
+                       .in(path)
+                       .text("Speed of the automatic white balance"));
     rows.push_back(enumRow("BalanceRatioSelector", {{"Red", 0}, {"Blue", 1}}, 0)
                        .in(path)
                        .affecting({"BalanceRatioAbs"})

@@ -6,10 +6,6 @@ namespace {
 const std::vector<EnumEntry> kOffOn = {{"Off", 0}, {"On", 1}};
 const std::vector<EnumEntry> kAutoModes = {{"Off", 1}, {"Continuous", 2}, {"Once", 3}};
 
-FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
-    return intRow(name, range, initial).of("%");
-}
-
 void addTriggerSignalRows(FeatureRows& rows, const char* path, const char* selector) {
     rows.push_back(
         enumRow("TriggerActivation",

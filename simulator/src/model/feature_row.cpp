@@ -22,6 +22,10 @@ FeatureRow intRow(const char* name, IntRange range, std::int64_t initial) {
     return result;
 }
 
+FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial) {
+    return intRow(name, range, initial).of("%");
+}
+
 FeatureRow floatRow(const char* name, FloatRange range, double initial) {
     FeatureRow result = row(name, FeatureType::Float, kRead | kWrite, initial);
     result.floatRange = range;

@@ -127,6 +127,7 @@ struct FeatureRow {
 
 /// Rows that are writable; `.readOnly()` takes that away.
 FeatureRow intRow(const char* name, IntRange range, std::int64_t initial);
+FeatureRow percentRow(const char* name, IntRange range, std::int64_t initial);
 FeatureRow floatRow(const char* name, FloatRange range, double initial);
 FeatureRow enumRow(const char* name, std::vector<EnumEntry> entries, std::int64_t initial);
 FeatureRow boolRow(const char* name, bool initial);

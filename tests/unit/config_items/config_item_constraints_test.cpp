@@ -1,6 +1,5 @@
 #include "config_item_constraints.h"
 
-#include <limits>
 #include <typeinfo>
 
 #include <gmock/gmock.h>
@@ -8,12 +7,15 @@
 
 #include "assertion_capture.h"
 #include "channel_config_constraints.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace config_items;
 using namespace channel_config;
 using test_support::AssertionCapture;
+using test_support::kInf;
+using test_support::kNan;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -21,9 +23,6 @@ using Range = ValueRangeConstraint<double>;
 using ScalarOption = OptionConstraint<ScalarConfigItem>;
 using StringOption = OptionConstraint<SingleValueConfigItem<std::string>>;
 using BoolOption = OptionConstraint<SingleValueConfigItem<bool>>;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 
 StringOption textChoice(const std::string& text) {
     return StringOption(SingleValueConfigItem<std::string>(text));

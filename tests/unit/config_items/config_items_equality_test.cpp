@@ -1,18 +1,17 @@
-#include <limits>
 #include <stdexcept>
 #include <type_traits>
 
 #include <gtest/gtest.h>
 
 #include "config_items.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace config_items;
 using channel_config::ChannelID;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+using test_support::kInf;
+using test_support::kNan;
 
 template <class T>
 bool equal(T a, T b) {

@@ -11,11 +11,14 @@
 #include <gtest/gtest.h>
 
 #include "config_items.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace config_items;
 using channel_config::ChannelID;
+using test_support::kInf;
+using test_support::kNan;
 
 /// The value read, or nothing when the text was refused.
 template <class T>
@@ -278,8 +281,6 @@ TEST(FromText, ReadsChannelIdsWhereTheLexicalCastReadsA64BitNumber) {
 }
 
 TEST(ToString, WritesWhatTheLexicalCastDoes) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-    constexpr double kInf = std::numeric_limits<double>::infinity();
     for (const double value : {0.0, -0.0, 0.1, 1e-5, 1e16, 1e17, 1e300, -2.5, 123456789.123456789, kNan,
                                std::copysign(kNan, -1.0), kInf, -kInf}) {
         EXPECT_EQ(SingleValueConfigItem<double>(value).toString(), boost::lexical_cast<std::string>(value));

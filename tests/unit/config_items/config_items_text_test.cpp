@@ -5,14 +5,14 @@
 #include <gtest/gtest.h>
 
 #include "config_items.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace config_items;
 using channel_config::ChannelID;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
+using test_support::kInf;
+using test_support::kNan;
 
 template <class T>
 std::string text(T value) {

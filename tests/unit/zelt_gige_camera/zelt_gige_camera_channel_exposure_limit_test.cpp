@@ -8,17 +8,18 @@
 #include <gtest/gtest.h>
 
 #include "assertion_capture.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace zelt_gige_camera;
 using test_support::AssertionCapture;
+using test_support::kNan;
 using ::testing::IsEmpty;
 
 __extension__ using Wide = __int128;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 

@@ -1,12 +1,13 @@
-#include <limits>
 
 #include "feature_fixture.h"
+#include "special_numbers.h"
 #include "zelt_gige_camera_channel_feature_reader.h"
 
 namespace {
 
 using namespace zelt_gige_camera;
 using test_support::inWords;
+using test_support::kNan;
 using test_support::OnFakeCamera;
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -100,7 +101,6 @@ TEST_F(DomainReader, ForgetsARangeThatIsGone) {
 }
 
 TEST_F(DomainReader, TakesARangeWithAnEndThatIsNoNumberAsNone) {
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     domain();
     camera.number("Gain", FeatureType::Float, 2.5, kNan, 32);
     camera.number("Gamma", FeatureType::Float, 0.75, 0, kNan);

@@ -6,16 +6,17 @@
 #include <stdexcept>
 
 #include "read_camera_fixture.h"
+#include "special_numbers.h"
 
 namespace {
 
 using namespace zelt_gige_camera;
 using namespace test_support;
+using test_support::kNan;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using zelt_gige_api::UnsupportedFeature;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 class FeatureWriter : public OnReadCamera {

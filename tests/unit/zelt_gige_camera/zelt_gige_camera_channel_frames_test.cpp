@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "allocation_counter.h"
+#include "channel_fixture.h"
 #include "frames_by_hand_fixture.h"
 #include "latch.h"
 #include "zelt_gige_vmb_call.h"
@@ -14,6 +15,7 @@ using test_support::AllocationCounter;
 using test_support::AssertionCapture;
 using test_support::FramesByHand;
 using test_support::kColourCamera;
+using test_support::kName;
 using test_support::kPatienceMs;
 using test_support::LogCapture;
 using test_support::PluginTest;
@@ -23,8 +25,6 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-
-const std::string kName = "Manta_G-033C (50-0503300001)";
 
 TEST_F(PluginTest, DeliversTheFramesOfEachCameraToItsSink) {
     RecordingSink colour;

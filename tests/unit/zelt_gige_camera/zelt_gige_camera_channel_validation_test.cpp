@@ -9,11 +9,14 @@
 
 #include <gtest/gtest.h>
 
+#include "special_numbers.h"
+
 namespace {
+
+using test_support::kNan;
 
 using namespace zelt_gige_camera;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Everything within its limits, alone on the link.

@@ -17,23 +17,23 @@ using ::testing::IsEmpty;
 using zelt_gige_api::CameraApiError;
 using zelt_gige_api::UnsupportedFeature;
 
-const std::string kId = kColourCamera;
+const std::string kColourId = kColourCamera;
 
 /// The vendor calls of a startCapture with two frames.
 std::vector<std::string> startCalls() {
-    return {"VmbFeatureCommandRun(" + kId + ", \"GVSPAdjustPacketSize\") = 0",
-            "VmbFeatureEnumSet(" + kId + ", \"EventSelector\", \"AcquisitionStart\") = 0",
-            "VmbFeatureEnumSet(" + kId + ", \"EventNotification\", \"On\") = 0",
-            "VmbFeatureEnumSet(" + kId + ", \"EventSelector\", \"AcquisitionEnd\") = 0",
-            "VmbFeatureEnumSet(" + kId + ", \"EventNotification\", \"On\") = 0",
-            "VmbFeatureInvalidationRegister(" + kId + ", \"EventAcquisitionStart\") = 0",
-            "VmbFeatureInvalidationRegister(" + kId + ", \"EventAcquisitionEnd\") = 0",
-            "VmbFeatureIntGet(" + kId + ", \"PayloadSize\") = 0, 322752",
-            "VmbFrameAnnounce(" + kId + ", frame 1, 104) = 0",
-            "VmbFrameAnnounce(" + kId + ", frame 2, 104) = 0",
-            "VmbCaptureStart(" + kId + ") = 0",
-            "VmbCaptureFrameQueue(" + kId + ", frame 1) = 0",
-            "VmbCaptureFrameQueue(" + kId + ", frame 2) = 0"};
+    return {"VmbFeatureCommandRun(" + kColourId + ", \"GVSPAdjustPacketSize\") = 0",
+            "VmbFeatureEnumSet(" + kColourId + ", \"EventSelector\", \"AcquisitionStart\") = 0",
+            "VmbFeatureEnumSet(" + kColourId + ", \"EventNotification\", \"On\") = 0",
+            "VmbFeatureEnumSet(" + kColourId + ", \"EventSelector\", \"AcquisitionEnd\") = 0",
+            "VmbFeatureEnumSet(" + kColourId + ", \"EventNotification\", \"On\") = 0",
+            "VmbFeatureInvalidationRegister(" + kColourId + ", \"EventAcquisitionStart\") = 0",
+            "VmbFeatureInvalidationRegister(" + kColourId + ", \"EventAcquisitionEnd\") = 0",
+            "VmbFeatureIntGet(" + kColourId + ", \"PayloadSize\") = 0, 322752",
+            "VmbFrameAnnounce(" + kColourId + ", frame 1, 104) = 0",
+            "VmbFrameAnnounce(" + kColourId + ", frame 2, 104) = 0",
+            "VmbCaptureStart(" + kColourId + ") = 0",
+            "VmbCaptureFrameQueue(" + kColourId + ", frame 1) = 0",
+            "VmbCaptureFrameQueue(" + kColourId + ", frame 2) = 0"};
 }
 
 TEST_F(Capture, StartsInTheFixedOrder) {
@@ -50,11 +50,12 @@ TEST_F(Capture, EndsInTheFixedOrder) {
     api.startCapture(camera, 5);
     VmbSimJournalStart();
     api.endCapture(camera);
-    EXPECT_THAT(Simulator::journal(),
-                ElementsAre("VmbCaptureEnd(" + kId + ") = 0", "VmbCaptureQueueFlush(" + kId + ") = 0",
-                            "VmbFrameRevokeAll(" + kId + ") = 0",
-                            "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionStart\") = 0",
-                            "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionEnd\") = 0"));
+    EXPECT_THAT(
+        Simulator::journal(),
+        ElementsAre("VmbCaptureEnd(" + kColourId + ") = 0", "VmbCaptureQueueFlush(" + kColourId + ") = 0",
+                    "VmbFrameRevokeAll(" + kColourId + ") = 0",
+                    "VmbFeatureInvalidationUnregister(" + kColourId + ", \"EventAcquisitionStart\") = 0",
+                    "VmbFeatureInvalidationUnregister(" + kColourId + ", \"EventAcquisitionEnd\") = 0"));
     EXPECT_EQ(pages.held, 0);
     EXPECT_EQ(announced(), 0u);
 }
@@ -81,7 +82,8 @@ TEST_P(FailingStart, ThrowsItsMessageAndLeavesNoBuffer) {
     // Handlers stay until endCapture: what was registered can be unregistered now.
     VmbSimJournalStart();
     api.endCapture(camera);
-    const std::string start = "VmbFeatureInvalidationUnregister(" + kId + ", \"EventAcquisitionStart\") = ";
+    const std::string start =
+        "VmbFeatureInvalidationUnregister(" + kColourId + ", \"EventAcquisitionStart\") = ";
     EXPECT_THAT(Simulator::journal(), Contains(start + (failure.handlersStay ? "0" : "-3")));
     api.startCapture(camera, 3);
     EXPECT_EQ(pages.held, 3);
@@ -290,8 +292,8 @@ TEST_F(Capture, EventStepsReadTheTimestampThenTheFrameId) {
     VmbSimJournalStart();
     api.handleCameraEvent(camera, "EventAcquisitionEnd");
     EXPECT_THAT(Simulator::journal(),
-                ElementsAre("VmbFeatureIntGet(" + kId + ", \"EventAcquisitionEndTimestamp\") = 0, 4711",
-                            "VmbFeatureIntGet(" + kId + ", \"EventAcquisitionEndFrameID\") = 0, 12"));
+                ElementsAre("VmbFeatureIntGet(" + kColourId + ", \"EventAcquisitionEndTimestamp\") = 0, 4711",
+                            "VmbFeatureIntGet(" + kColourId + ", \"EventAcquisitionEndFrameID\") = 0, 12"));
     ASSERT_EQ(callback.calls("ended").size(), 1u);
     EXPECT_EQ(callback.calls("ended")[0].timestamp, 4711u);
     EXPECT_EQ(callback.calls("ended")[0].frameid, 12u);

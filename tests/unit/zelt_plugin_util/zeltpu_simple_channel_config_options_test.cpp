@@ -29,7 +29,7 @@ using StringItem = SingleValueConfigItem<std::string>;
 using BoolChoice = config_items::OptionConstraint<BoolItem>;
 using Constraint = config_items::IfConfigItemConstraint;
 
-std::string text(const ConfigItemVariant& item) {
+std::string optionText(const ConfigItemVariant& item) {
     return asItem(item).toString();
 }
 
@@ -122,7 +122,7 @@ TEST(GenericOption, RefusesOtherAlternativesWithoutCallingItsSetter) {
 TEST(GenericOption, HandsEveryAlternativeOfTheUnionToASetterForTheUnion) {
     std::vector<std::string> set;
     GenericOption<ConfigItemVariant> option("a", {.set = [&](const ConfigItemVariant& value) {
-                                                set.push_back(text(value));
+                                                set.push_back(optionText(value));
                                                 return true;
                                             }});
     EXPECT_TRUE(option.setItem(ScalarConfigItem(1, "Hz")));
@@ -273,10 +273,10 @@ TEST(SimpleStringOption, ShowsItsTextAndIsAvailableUnlessItsCallableSaysNo) {
 TEST(SimpleStringOption, StoresATextThenTellsItsListener) {
     std::vector<std::string> told;
     SimpleStringOption* self = nullptr;
-    SimpleStringOption option("key", "x", false, false, {},
-                              [&](const std::string& key, const std::string& value) {
-                                  told.push_back(key + "=" + value + " stored " + text(self->getItem()));
-                              });
+    SimpleStringOption option(
+        "key", "x", false, false, {}, [&](const std::string& key, const std::string& value) {
+            told.push_back(key + "=" + value + " stored " + optionText(self->getItem()));
+        });
     self = &option;
     EXPECT_TRUE(option.setItem(StringItem("y")));
     EXPECT_TRUE(option.setItem(StringItem("y")));
@@ -286,7 +286,7 @@ TEST(SimpleStringOption, StoresATextThenTellsItsListener) {
 TEST(SimpleStringOption, NeedsNoListener) {
     SimpleStringOption option("key", "x", false, false);
     EXPECT_TRUE(option.setItem(StringItem("y")));
-    EXPECT_EQ(text(option.getItem()), "y");
+    EXPECT_EQ(optionText(option.getItem()), "y");
 }
 
 TEST(SimpleStringOption, RefusesOtherAlternativesAndEverythingWhenReadOnly) {
@@ -294,10 +294,10 @@ TEST(SimpleStringOption, RefusesOtherAlternativesAndEverythingWhenReadOnly) {
     const auto count = [&](const std::string&, const std::string&) { ++told; };
     SimpleStringOption writable("a", "x", false, true, {}, count);
     EXPECT_FALSE(writable.setItem(ScalarConfigItem(1)));
-    EXPECT_EQ(text(writable.getItem()), "x");
+    EXPECT_EQ(optionText(writable.getItem()), "x");
     SimpleStringOption readOnly("a", "x", true, true, {}, count);
     EXPECT_FALSE(readOnly.setItem(StringItem("y")));
-    EXPECT_EQ(text(readOnly.getItem()), "x");
+    EXPECT_EQ(optionText(readOnly.getItem()), "x");
     EXPECT_EQ(told, 0);
 }
 
@@ -305,7 +305,7 @@ TEST(SimpleStringOption, CountsAThrowingListenerAsARefusalButKeepsTheText) {
     SimpleStringOption option("a", "x", false, false, {},
                               [](const std::string&, const std::string&) { throw 5; });
     EXPECT_FALSE(option.setItem(StringItem("y")));
-    EXPECT_EQ(text(option.getItem()), "y");
+    EXPECT_EQ(optionText(option.getItem()), "y");
 }
 
 TEST(SimpleStringOption, ReportsItsTwoPropertiesInOrder) {

@@ -45,21 +45,21 @@ TEST(ChannelConfigThreads, ReadersSeeWholeListsWhileAnotherThreadRefreshes) {
 }
 
 TEST(ChannelConfigThreads, SettingsAreReadAndSetWhileOthersListThem) {
-    using BoolOption = zelt::plugin_util::GenericOption<bool>;
-    using BoolItem = config_items::SingleValueConfigItem<bool>;
+    using SwitchOption = zelt::plugin_util::GenericOption<bool>;
     std::atomic<bool> available = true;
     std::atomic<bool> used = true;
     OpenChannelConfig config;
     config.addOption(std::make_shared<zelt::plugin_util::ChannelUsedOption>("Used", used, false));
     config.addOption(switchable("second", available));
-    config.addOption(std::make_shared<BoolOption>("flips", BoolOption::Callables{.set = [&](bool value) {
-                                                      available = value;
-                                                      return true;
-                                                  }}));
+    config.addOption(std::make_shared<SwitchOption>("flips", SwitchOption::Callables{.set = [&](bool value) {
+                                                        available = value;
+                                                        return true;
+                                                    }}));
     test_support::Latch start(3);
     const auto set = [&](const std::string& key) {
         start.arrive_and_wait();
-        for (int i = 0; i < kRounds; ++i) ASSERT_TRUE(config.setItem(key, BoolItem(i % 2 == 0)));
+        for (int i = 0; i < kRounds; ++i)
+            ASSERT_TRUE(config.setItem(key, config_items::SingleValueConfigItem<bool>(i % 2 == 0)));
     };
     {
         const std::jthread one([&] { set("flips"); });
@@ -68,20 +68,20 @@ TEST(ChannelConfigThreads, SettingsAreReadAndSetWhileOthersListThem) {
         for (int i = 0; i < kRounds; ++i) {
             for (const std::string& key : config.getKeys()) ASSERT_NE(key, "");
             ASSERT_EQ(config.getConstraints("Used").size(), 3u);
-            boost::get<BoolItem>(config.getItem("Used"));
+            boost::get<config_items::SingleValueConfigItem<bool>>(config.getItem("Used"));
         }
     }
     EXPECT_THAT(config.getKeys(), ElementsAre("Used", "flips"));  // the last value set was false
 }
 
 TEST(ChannelConfigThreads, TheLastRefreshWinsWhenSeveralThreadsRefresh) {
-    using BoolOption = zelt::plugin_util::GenericOption<bool>;
+    using SwitchOption = zelt::plugin_util::GenericOption<bool>;
     std::array<std::atomic<bool>, 3> available{};
     OpenChannelConfig config;
     for (std::size_t i = 0; i < available.size(); ++i) {
         // Between answer and publication there is time for another thread to be quicker.
-        config.addOption(std::make_shared<BoolOption>(
-            std::to_string(i), BoolOption::Callables{.isAvailable = [&flag = available[i]] {
+        config.addOption(std::make_shared<SwitchOption>(
+            std::to_string(i), SwitchOption::Callables{.isAvailable = [&flag = available[i]] {
                 const bool seen = flag;
                 std::this_thread::yield();
                 return seen;
