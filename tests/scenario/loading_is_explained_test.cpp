@@ -6,17 +6,15 @@
 #include "program_run.h"
 #include "test_system.h"
 
+using scenario::kPlugin;
+using scenario::kVendor;
 using scenario::ProgramResult;
 using scenario::runProgram;
 using scenario::fs::path;
-using test_support::libraryFileName;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
-
-const std::string kPlugin = libraryFileName("zelt_plugin_gige_camera");
-const std::string kVendor = libraryFileName("VimbaC");
 
 /// A folder with the plug-in, and a vendor's library that the test makes.
 class LoadingIsExplained : public testing::Test {

@@ -11,6 +11,7 @@
 #include "child_process.h"
 #include "console.h"
 #include "temporary_directory.h"
+#include "test_system.h"
 
 namespace scenario {
 
@@ -20,6 +21,9 @@ namespace fs = std::filesystem;
 inline fs::path binaries() {
     return test_support::programDirectory();
 }
+
+inline const std::string kPlugin = test_support::libraryFileName("zelt_plugin_gige_camera");
+inline const std::string kVendor = test_support::libraryFileName("VimbaC");
 
 using test_support::readFile;
 using test_support::TemporaryDirectory;

@@ -3,15 +3,14 @@
 #include "program_run.h"
 
 using scenario::binaries;
+using scenario::kPlugin;
+using scenario::kVendor;
 using scenario::ProgramResult;
 using scenario::runProgram;
 using scenario::fs::path;
 using testing::HasSubstr;
 
 namespace {
-
-const std::string kPlugin = test_support::libraryFileName("zelt_plugin_gige_camera");
-const std::string kVendor = test_support::libraryFileName("VimbaC");
 
 class TroublesAreNamed : public testing::Test {
   protected:
