@@ -6,11 +6,9 @@ else()
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
         $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wsuggest-override>
         $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:Clang>>:-Wthread-safety>)
-    if(CMAKE_UNITY_BUILD)
-        # g++ takes sources that are compiled as one for headers, whose classes must not have what is file-local.
-        target_compile_options(zelt_warnings INTERFACE
-            $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
-    endif()
+    # g++ takes sources that are compiled as one for headers, whose classes must not have what is file-local.
+    target_compile_options(zelt_warnings INTERFACE
+        $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
 endif()
 
 # clang-tidy runs in one preset only and over the product, not the tests.
