@@ -8,8 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include "running_fit_exact.h"
+
 namespace {
 
+using test_support::ExactLine;
+using test_support::exactPoint;
+using test_support::kExactCameraStep;
+using test_support::kExactLines;
 using zelt_gige_camera::RunningFit;
 using zelt_gige_camera::SpinLock;
 
@@ -125,42 +131,19 @@ TEST(RunningFit, BridgesTheLargestDifferencesOfTimes) {
     EXPECT_NEAR(fit.line().slope, 1.0, 1e-9);
 }
 
-struct ExactLine {
-    std::int64_t camera;
-    std::uint64_t host;
-    int points;
-    double slope;
-    std::uint64_t atNewest;  ///< host time at the newest camera time, whole units
-    double atNewestFraction;
-};
-
-constexpr ExactLine kExactLines[] = {
-#include "running_fit_exact.inc"
-};
-
-/// The same pseudo-random integers as in running_fit_exact.py.
-std::int64_t noise(std::uint64_t index) {
-    const std::uint64_t state = index * 6364136223846793005u + 1442695040888963407u;
-    return static_cast<std::int64_t>((state >> 33) % 100001) - 50000;
-}
-
 class ExactFit : public ::testing::TestWithParam<ExactLine> {};
 
 TEST_P(ExactFit, StaysWithinATickOfExactArithmetic) {
     const ExactLine& exact = GetParam();
-    constexpr std::int64_t kCameraStep = 1'000'012'000;
-    constexpr std::int64_t kHostStep = 1'000'000'000;
-    constexpr double kQualities[] = {0.0, 0.0, 0.5, 1.0};
     RunningFit fit(kHistory);
     std::int64_t camera = 0;
     for (int index = 0; index < exact.points; ++index) {
-        const auto number = static_cast<std::uint64_t>(index);
-        camera = exact.camera + index * kCameraStep;
-        fit.add(camera, exact.host + number * kHostStep + static_cast<std::uint64_t>(noise(number)),
-                kQualities[index % 4]);
+        const auto point = exactPoint(exact, index);
+        camera = point.camera;
+        fit.add(camera, point.host, point.quality);
     }
     EXPECT_NEAR(fit.line().slope / exact.slope, 1.0, 1e-12);
-    for (const std::int64_t ahead : {std::int64_t{0}, kCameraStep, -10 * kCameraStep}) {
+    for (const std::int64_t ahead : {std::int64_t{0}, kExactCameraStep, -10 * kExactCameraStep}) {
         const double estimate = fit.estimate(camera + ahead);
         const long double expected = static_cast<long double>(exact.slope) * static_cast<long double>(ahead) +
                                      static_cast<long double>(exact.atNewestFraction);
