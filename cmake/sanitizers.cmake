@@ -10,3 +10,11 @@ function(zelt_bring_sanitizers target)
         set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
     endif()
 endfunction()
+
+option(ZELT_FUZZ "let fuzz programs see which ways product and simulator go (clang)" OFF)
+# zelt_open_eyes(): in the sources of this folder and those below; costs them a counter for each branch.
+macro(zelt_open_eyes)
+    if(ZELT_FUZZ)
+        add_compile_options(-fsanitize-coverage=inline-8bit-counters,pc-table)
+    endif()
+endmacro()

@@ -88,21 +88,13 @@ class Accuracy : public LongRun, public ::testing::WithParamInterface<AccuracyCa
         advanceTo(end);
     }
 
-    static VmbHandle_t handle() {
-        VmbHandle_t camera = nullptr;
-        VmbFrame_t* frame = nullptr;
-        VmbFrameCallback callback = nullptr;
-        EXPECT_EQ(VmbSimTakeQueuedFrame(kMonochromeCamera, &camera, &frame, &callback), VmbErrorSuccess);
-        EXPECT_EQ(VmbCaptureFrameQueue(camera, frame, callback), VmbErrorSuccess);
-        return camera;
-    }
     static std::uint64_t statistic(const char* name) {
         VmbInt64_t value = -1;
-        EXPECT_EQ(VmbFeatureIntGet(handle(), name, &value), VmbErrorSuccess);
+        EXPECT_EQ(VmbFeatureIntGet(cameraHandle(), name, &value), VmbErrorSuccess);
         return static_cast<std::uint64_t>(value);
     }
     static void resetClock() {
-        ASSERT_EQ(VmbFeatureCommandRun(handle(), "GevTimestampControlReset"), VmbErrorSuccess);
+        ASSERT_EQ(VmbFeatureCommandRun(cameraHandle(), "GevTimestampControlReset"), VmbErrorSuccess);
     }
 
     void expectGood(const FrameJudge& frames) const {

@@ -48,14 +48,6 @@ class EdgesOfARun : public LongRun {
         ASSERT_TRUE(plugin->onAcquisitionPrepared());
         ASSERT_TRUE(plugin->startAcquisition());
     }
-    static VmbHandle_t cameraHandle() {
-        VmbHandle_t found = nullptr;
-        VmbFrame_t* frame = nullptr;
-        VmbFrameCallback callback = nullptr;
-        EXPECT_EQ(VmbSimTakeQueuedFrame(kMonochromeCamera, &found, &frame, &callback), VmbErrorSuccess);
-        EXPECT_EQ(VmbCaptureFrameQueue(found, frame, callback), VmbErrorSuccess);
-        return found;
-    }
     void startEvent(std::uint64_t frame) {
         events().onAcquisitionStarted(zelt_gige_api::fromVmb(handle), 0, frame);
     }

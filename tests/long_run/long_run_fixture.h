@@ -97,6 +97,15 @@ class LongRun : public PluginTest {
         ASSERT_TRUE(plugin->onAcquisitionPrepared());
         ASSERT_TRUE(plugin->startAcquisition());
     }
+    /// Of the camera while it captures.
+    static VmbHandle_t cameraHandle() {
+        VmbHandle_t found = nullptr;
+        VmbFrame_t* frame = nullptr;
+        VmbFrameCallback callback = nullptr;
+        EXPECT_EQ(VmbSimTakeQueuedFrame(kMonochromeCamera, &found, &frame, &callback), VmbErrorSuccess);
+        EXPECT_EQ(VmbCaptureFrameQueue(found, frame, callback), VmbErrorSuccess);
+        return found;
+    }
     static void advance(std::uint64_t ns) { ASSERT_EQ(VmbSimAdvance(ns), VmbErrorSuccess); }
     static void advanceTo(std::uint64_t time) {
         ASSERT_GE(time, VmbSimTime());
