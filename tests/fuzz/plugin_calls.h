@@ -21,6 +21,9 @@
 
 namespace fuzz {
 
+/// Longer than this in real time, a call hangs.
+inline constexpr std::uint32_t kHangMs = 20'000;
+
 /// Watches what it is given. Dead: the plug-in has promised not to call it any more.
 class WatchfulSink final : public zelt::IfChannelSink {
   public:
