@@ -72,7 +72,7 @@ class PluginCalls {
 
     FuzzedDataProvider m_bytes;
     const test_support::AssertionCapture m_assertions;
-    const test_support::LogCapture m_log{UniLogSeverityLevel::Trace};  ///< texts are formatted
+    const test_support::LogCapture m_log{UniLogSeverityLevel::Detail};  ///< texts are formatted
     zelt_gige_camera::CameraPluginCreator m_creator;
     zelt::IfDAQPlugin* m_plugin = nullptr;
     std::vector<plugin_api::IfServiceFactory*> m_factories;
