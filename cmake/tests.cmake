@@ -13,12 +13,13 @@ macro(zelt_drop_other_systems list)
 endmacro()
 
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
-# One program per folder, its sources found by glob; a test that skips itself fails. They take both
-# processors, since some measure time, but not where sanitizers spoil it; those that need virtual time alone
-# set PROCESSORS to 1.
+# zelt_add_test(NAME fault_tests DIRECTORY trust PREFIX fault_ LIBRARIES zelt_base)
+# One program per folder, or per beginning of names in it, its sources found by glob; a test that skips itself
+# fails. SHARDS: it is run so many times, with a part of its tests each. They take both processors, since some
+# measure time, but not where sanitizers spoil it; those that need virtual time alone set PROCESSORS to 1.
 function(zelt_add_test)
-    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
+    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;PREFIX;SHARDS;MAIN" "LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/${ARG_PREFIX}*_test.cpp")
     zelt_drop_other_systems(sources)
     add_executable(${ARG_NAME} ${sources})
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
@@ -30,11 +31,26 @@ function(zelt_add_test)
     elseif(NOT MSVC)
         target_compile_options(${ARG_NAME} PRIVATE -O0 -g1)
     endif()
-    add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
+    set(tests ${ARG_NAME})
+    if(ARG_SHARDS)
+        set(tests)
+        foreach(shard RANGE 1 ${ARG_SHARDS})
+            list(APPEND tests ${ARG_NAME}_${shard})
+        endforeach()
+    endif()
     set(processors 2)
     if(ZELT_SANITIZE)
         set(processors 1)
     endif()
-    set_tests_properties(${ARG_NAME} PROPERTIES
-        FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${processors})
+    set(index 0)
+    foreach(test IN LISTS tests)
+        add_test(NAME ${test} COMMAND ${ARG_NAME})
+        set_tests_properties(${test} PROPERTIES
+            FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${processors})
+        if(ARG_SHARDS)
+            set_tests_properties(${test} PROPERTIES
+                ENVIRONMENT "GTEST_TOTAL_SHARDS=${ARG_SHARDS};GTEST_SHARD_INDEX=${index}")
+        endif()
+        math(EXPR index "${index} + 1")
+    endforeach()
 endfunction()

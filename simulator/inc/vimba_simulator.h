@@ -222,6 +222,17 @@ IMEXPORTC VmbError_t VmbSimTakeQueuedFrame(const char* cameraId, VmbHandle_t* ha
 /// Counts of what the camera holds now: announced and queued frames.
 IMEXPORTC VmbError_t VmbSimFrameCounts(const char* cameraId, VmbUint32_t* announced, VmbUint32_t* queued);
 
+/// What the client has of the library and has to give back.
+typedef struct VmbSimHoldings {
+    VmbUint32_t cameras;        ///< open
+    VmbUint32_t interfaces;     ///< open
+    VmbUint32_t registrations;  ///< of invalidation callbacks, whatever they are for
+    VmbUint32_t announced;      ///< frames of open cameras
+} VmbSimHoldings;
+
+/// Counts it; nothing of it outlives VmbShutdown.
+IMEXPORTC VmbError_t VmbSimCountHoldings(VmbSimHoldings* holdings);
+
 // Journal -------------------------------------------------------------------------------------------------
 
 /// Switches the journal of vendor calls on (empty) or off. Off by default, and then without cost.

@@ -193,6 +193,7 @@ bool CameraChannel::applyConfiguration(ChannelNews& news) {
 
 void CameraChannel::applyPending(ChannelNews& news) {
     ChannelWork at = work(news);
+    chooseMissingFormat(at);
     // Another format may have other settings.
     if (writePendingFormat(at)) updateCaches(news);
     writePendingGeometry(at);

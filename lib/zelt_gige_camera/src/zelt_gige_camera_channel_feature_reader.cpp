@@ -37,8 +37,11 @@ class Reading {
     void automatic(Setting setting);
     void triggerSource();
     void range(Setting setting);
-    void pixelFormats() {
-        m_fresh.pixelFormatEntries = m_work.api.getEnumFeatureRange(m_work.camera, "PixelFormat");
+    void pixelFormats() { entries("PixelFormat", m_fresh.pixelFormatEntries); }
+    /// What was listed before stays when the camera does not tell.
+    void entries(const char* feature, std::vector<std::string>& known) {
+        auto listed = m_work.api.getEnumFeatureRange(m_work.camera, feature);
+        if (!listed.empty()) known = std::move(listed);
     }
     void commit();
 
@@ -94,7 +97,14 @@ void Reading::range(Setting setting) {
     cached.min = cached.max = 0.0;
     const bool isSelectable = row.selector == nullptr || cached.presence == Presence::Present;
     if (cached.presence == Presence::Absent || !isSelectable) return;
-    select(m_work.api, m_work.camera, row);
+    try {
+        select(m_work.api, m_work.camera, row);
+    } catch (const UnsupportedFeature&) {
+        // Not known to be absent yet, when the values could not be read.
+        if (!row.optional || presenceOf(kSelector) != Presence::Absent) throw;
+        cached.presence = Presence::Absent;
+        return;
+    }
     const auto take = [&cached](const auto& range) {
         const auto min = static_cast<double>(range.min);
         const auto max = static_cast<double>(range.max);
@@ -138,8 +148,8 @@ void Reading::commit() {
     before = std::move(m_fresh);
 }
 
-/// The camera's current format does not count: the channel uses the best one that it can pass on.
-void chooseFrameFormat(ChannelState& state) {
+/// The camera's current format does not count: the channel uses the best one that it can pass on, if any.
+void chooseBestFormat(ChannelState& state) {
     if (contains(state.chosen, Setting::FrameFormat)) return;
     const auto& entries = state.pixelFormatEntries;
     state.pixelFormat.clear();
@@ -150,6 +160,10 @@ void chooseFrameFormat(ChannelState& state) {
         insert(state.pending, Setting::FrameFormat);
         break;
     }
+}
+
+void chooseFrameFormat(ChannelState& state) {
+    chooseBestFormat(state);
     ZELT_ASSERT_AS(!state.pixelFormat.empty(), "frame_format_found");
 }
 
@@ -224,9 +238,11 @@ void readDomainCache(ChannelWork& work) {
     fresh.sensorHeight = sensorExtent(work.api, work.camera, "HeightMax", fresh.frameHeight);
     for (const AutoRow& row : autoRows()) {
         AutoValue& cached = fresh.*row.value;
-        cached.entries.clear();
-        if (cached.presence == Presence::Absent) continue;
-        cached.entries = work.api.getEnumFeatureRange(work.camera, row.feature);
+        if (cached.presence == Presence::Absent) {
+            cached.entries.clear();
+        } else {
+            reading.entries(row.feature, cached.entries);
+        }
     }
     reading.commit();
 }
@@ -249,6 +265,14 @@ void readConfiguration(ChannelWork& work, const std::string& cameraName) {
     reading.triggerSource();
     readModelKind(work, cameraName, fresh);
     fresh.wasOpened = true;
+    reading.commit();
+}
+
+void chooseMissingFormat(ChannelWork& work) {
+    if (!work.state.pixelFormat.empty()) return;
+    Reading reading(work);
+    reading.pixelFormats();
+    chooseBestFormat(reading.fresh());
     reading.commit();
 }
 

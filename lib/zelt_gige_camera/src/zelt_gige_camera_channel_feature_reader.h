@@ -21,6 +21,10 @@ void readDomainCache(ChannelWork& work);
 /// frame format unless the host has; otherwise as readCache.
 void readConfiguration(ChannelWork& work, const std::string& cameraName);
 
+/// Chooses the frame format when the camera did not tell its formats when it was opened; it stays empty when
+/// the camera does not tell them now, or has none that is known. Never throws.
+void chooseMissingFormat(ChannelWork& work);
+
 /// Reads the values that the camera changes by itself. A value that cannot be read is left out. Returns
 /// whether the exposure changed.
 bool trackAutomaticValues(ChannelWork& work);

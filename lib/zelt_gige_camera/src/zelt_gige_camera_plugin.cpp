@@ -180,6 +180,12 @@ bool CameraPlugin::wantsFrameCounters() {
 void CameraPlugin::addNew(const std::vector<CameraInfo>& cameras, std::uint32_t nextId,
                           bool withFrameCounters) {
     for (const CameraInfo& camera : cameras) {
+        if (camera.cameraId.empty()) {
+            // It could be neither opened nor told from another one.
+            GIGE_LOG(Warning) << "A camera without an id is left out, model '" << camera.modelName
+                              << "', serial number '" << camera.serialNumber << "'";
+            continue;
+        }
         const bool known = std::any_of(m_channels.begin(), m_channels.end(), [&](const auto& entry) {
             return entry.second->getCameraId() == camera.cameraId;
         });

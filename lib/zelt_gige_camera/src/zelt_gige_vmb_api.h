@@ -5,7 +5,9 @@
 #include <condition_variable>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mutex.h"
@@ -81,6 +83,9 @@ class VimbaCameraApi final : public CameraApi {
     VmbError_t releaseFrames(CameraHandle handle);
     void releaseFramesLogged(CameraHandle handle);
     IfCameraCallback* findCameraCallback(CameraHandle handle);
+    void registerEvent(CameraHandle handle, const char* event, const char* failure);
+    void unregisterEvent(CameraHandle handle, const char* event);
+    void forgetClosed(CameraHandle handle);
 
     platform::PageAllocator& m_pages;
     platform::Mutex m_session_mutex;  ///< held while the library is started or stopped
@@ -91,6 +96,10 @@ class VimbaCameraApi final : public CameraApi {
     std::condition_variable_any m_call_ended;
     std::map<CameraHandle, CameraCallback> m_camera_callbacks ZELT_GUARDED_BY(m_maps_mutex);
     std::map<CameraHandle, std::shared_ptr<Capture>> m_captures ZELT_GUARDED_BY(m_maps_mutex);
+    /// Captures without buffers whose frames the library did not revoke: it still knows their records.
+    std::multimap<CameraHandle, std::shared_ptr<Capture>> m_unrevoked ZELT_GUARDED_BY(m_maps_mutex);
+    /// Events of cameras that the library has a handler of.
+    std::set<std::pair<CameraHandle, std::string>> m_registered_events ZELT_GUARDED_BY(m_maps_mutex);
     DiscoveryFunction m_discovery_function;  ///< last, so that it goes before what its calls use
 };
 

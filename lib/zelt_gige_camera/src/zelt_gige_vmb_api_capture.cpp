@@ -120,10 +120,8 @@ void VimbaCameraApi::startCapture(CameraHandle handle, unsigned frameCount) {
         setEnumFeature(handle, "EventSelector", event);
         setEnumFeature(handle, "EventNotification", "On");
     }
-    check(VmbFeatureInvalidationRegister(toVmb(handle), kStartEvent, &cameraEventThunk, this),
-          "Cannot register the start event handler: ");
-    check(VmbFeatureInvalidationRegister(toVmb(handle), kEndEvent, &cameraEventThunk, this),
-          "Cannot register the end event handler: ");
+    registerEvent(handle, kStartEvent, "Cannot register the start event handler: ");
+    registerEvent(handle, kEndEvent, "Cannot register the end event handler: ");
     try {
         announceFrames(handle, frameCount);
         check(VmbCaptureStart(toVmb(handle)), "VmbCaptureStart failed: ");
@@ -132,6 +130,24 @@ void VimbaCameraApi::startCapture(CameraHandle handle, unsigned frameCount) {
         releaseFramesLogged(handle);
         throw;
     }
+}
+
+void VimbaCameraApi::registerEvent(CameraHandle handle, const char* event, const char* failure) {
+    const bool isLeft = [&] {
+        const platform::MutexLock lock(m_maps_mutex);
+        return m_registered_events.count({handle, event}) != 0;
+    }();
+    // One that could not be unregistered is in the library's hands yet, and must not be there twice.
+    if (isLeft) unregisterEvent(handle, event);
+    check(VmbFeatureInvalidationRegister(toVmb(handle), event, &cameraEventThunk, this), failure);
+    const platform::MutexLock lock(m_maps_mutex);
+    m_registered_events.emplace(handle, event);
+}
+
+void VimbaCameraApi::unregisterEvent(CameraHandle handle, const char* event) {
+    if (VmbFeatureInvalidationUnregister(toVmb(handle), event, &cameraEventThunk) != VmbErrorSuccess) return;
+    const platform::MutexLock lock(m_maps_mutex);
+    m_registered_events.erase({handle, event});
 }
 
 void VimbaCameraApi::announceFrames(CameraHandle handle, unsigned frameCount) {
@@ -174,8 +190,8 @@ void VimbaCameraApi::queueFrames(CameraHandle handle) {
 void VimbaCameraApi::endCapture(CameraHandle handle) {
     endEngine(handle);
     releaseFramesLogged(handle);
-    VmbFeatureInvalidationUnregister(toVmb(handle), kStartEvent, &cameraEventThunk);
-    VmbFeatureInvalidationUnregister(toVmb(handle), kEndEvent, &cameraEventThunk);
+    unregisterEvent(handle, kStartEvent);
+    unregisterEvent(handle, kEndEvent);
 }
 
 void VimbaCameraApi::endEngine(CameraHandle handle) {
@@ -194,16 +210,29 @@ VmbError_t VimbaCameraApi::releaseFrames(CameraHandle handle) {
     const VmbError_t result = VmbFrameRevokeAll(toVmb(handle));
     const auto released = [&] {
         const platform::MutexLock lock(m_maps_mutex);
+        if (result == VmbErrorSuccess) m_unrevoked.erase(handle);
         return m_captures.extract(handle);
     }();
     if (released.empty()) return result;
     Capture& capture = *released.mapped();
     // The library does not promise that the end of capture waits for a callback that runs.
     while (capture.runningCallbacks != 0) std::this_thread::yield();
-    for (const AnnouncedFrame& frame : capture.frames) {
+    for (AnnouncedFrame& frame : capture.frames) {
         if (frame.buffer != nullptr) m_pages.release(frame.buffer, frame.bufferSize);
+        frame.buffer = nullptr;
     }
+    if (result == VmbErrorSuccess) return result;
+    // The memory goes all the same; the records stay, or the next capture's would be taken for them.
+    const platform::MutexLock lock(m_maps_mutex);
+    m_unrevoked.emplace(handle, released.mapped());
     return result;
+}
+
+/// The library gives its handles out again.
+void VimbaCameraApi::forgetClosed(CameraHandle handle) {
+    const platform::MutexLock lock(m_maps_mutex);
+    m_unrevoked.erase(handle);
+    std::erase_if(m_registered_events, [=](const auto& entry) { return entry.first == handle; });
 }
 
 void VimbaCameraApi::releaseFramesLogged(CameraHandle handle) {

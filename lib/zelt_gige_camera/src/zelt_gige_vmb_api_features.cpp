@@ -16,6 +16,7 @@ CameraHandle VimbaCameraApi::openCamera(const std::string& cameraId) {
 void VimbaCameraApi::closeCamera(CameraHandle handle) {
     releaseFrames(handle);
     check(VmbCameraClose(toVmb(handle)), "Could not close camera: ");
+    forgetClosed(handle);
 }
 
 void VimbaCameraApi::registerCameraCallback(CameraHandle handle, IfCameraCallback* callback) {

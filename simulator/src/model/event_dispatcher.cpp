@@ -79,6 +79,11 @@ Result EventDispatcher::remove(const char* feature, InvalidationCallback callbac
     return result;
 }
 
+std::uint32_t EventDispatcher::registrationCount() const {
+    const Lock lock(m_mutex);
+    return static_cast<std::uint32_t>(m_registrations.size());
+}
+
 std::uint64_t EventDispatcher::post(Event event) {
     const Lock lock(m_mutex);
     const std::uint64_t number = ++m_posted;

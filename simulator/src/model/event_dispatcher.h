@@ -45,6 +45,8 @@ class EventDispatcher {
     /// NotFound when there is no such registration.
     Result remove(const char* feature, InvalidationCallback callback);
 
+    std::uint32_t registrationCount() const;
+
     /// Returns the event's number. An event that nobody is registered for and that brings no values is
     /// dropped.
     std::uint64_t post(Event event);

@@ -334,6 +334,24 @@ Result Simulation::unknownHandle(void* handle) {
     return Result::BadHandle;
 }
 
+Holdings Simulation::holdings() {
+    Holdings held;
+    held.registrations = system()->events().registrationCount();
+    for (const auto& session : sessions()) {
+        std::uint32_t announced = 0;
+        std::uint32_t queued = 0;
+        session->counts(announced, queued);
+        ++held.cameras;
+        held.announced += announced;
+        held.registrations += session->events().registrationCount();
+    }
+    for (const auto& module : openInterfaces()) {
+        ++held.interfaces;
+        held.registrations += module->events().registrationCount();
+    }
+    return held;
+}
+
 Result Simulation::waitForEvents(Nanoseconds deadline) {
     if (currentThreadRole() != ThreadRole::Host) return Result::InvalidCall;
     bool idle = system()->events().waitUntilIdle(deadline);

@@ -26,6 +26,14 @@ namespace simulator {
 
 enum class OpenMode { Full, Read };
 
+/// What a client has to give back.
+struct Holdings {
+    std::uint32_t cameras = 0;
+    std::uint32_t interfaces = 0;
+    std::uint32_t registrations = 0;
+    std::uint32_t announced = 0;
+};
+
 /// What a list says about a camera.
 struct CameraListing {
     const CameraRow* row = nullptr;
@@ -115,6 +123,7 @@ class Simulation {
     std::shared_ptr<FrameFaults> frameFaults(const std::string& id);
     void clearFaults();
     Result waitForEvents(Nanoseconds deadline);
+    Holdings holdings();
 
   private:
     struct Link {

@@ -182,6 +182,15 @@ VmbError_t VmbSimFrameCounts(const char* cameraId, VmbUint32_t* announced, VmbUi
     });
 }
 
+VmbError_t VmbSimCountHoldings(VmbSimHoldings* holdings) {
+    return guarded([=]() -> VmbError_t {
+        if (holdings == nullptr) return VmbErrorBadParameter;
+        const Holdings held = simulation().holdings();
+        *holdings = {held.cameras, held.interfaces, held.registrations, held.announced};
+        return VmbErrorSuccess;
+    });
+}
+
 void VmbSimJournalStart() {
     simulation().journal().start();
 }

@@ -116,6 +116,38 @@ TEST_F(StreamTest, CountsWhatIsAnnouncedAndQueued) {
     EXPECT_EQ(VmbSimFrameCounts(kColourCamera, nullptr, &count), VmbErrorBadParameter);
 }
 
+/// Cameras, interfaces, registrations, announced frames.
+std::vector<VmbUint32_t> held() {
+    VmbSimHoldings holdings{99, 99, 99, 99};
+    EXPECT_EQ(VmbSimCountHoldings(&holdings), VmbErrorSuccess);
+    return {holdings.cameras, holdings.interfaces, holdings.registrations, holdings.announced};
+}
+
+void ignore(const VmbHandle_t, const char*, void*) {}
+
+TEST_F(StreamTest, CountsWhatTheClientHolds) {
+    EXPECT_THAT(held(), ElementsAre(0, 0, 0, 0));
+    const VmbHandle_t camera = openFast();
+    Stream stream(camera);
+    stream.announceAll();
+    EXPECT_THAT(held(), ElementsAre(1, 0, 0, 5));
+    EXPECT_EQ(VmbFeatureInvalidationRegister(camera, "Width", &ignore, nullptr), VmbErrorSuccess);
+    EXPECT_EQ(VmbFeatureInvalidationRegister(test_support::kSystem, "DiscoveryCameraEvent", &ignore, nullptr),
+              VmbErrorSuccess);
+    EXPECT_THAT(held(), ElementsAre(1, 0, 2, 5));
+    VmbInterfaceInfo_t info{};
+    VmbUint32_t found = 0;
+    ASSERT_EQ(VmbInterfacesList(&info, 1, &found, sizeof info), VmbErrorSuccess);
+    VmbHandle_t opened = nullptr;
+    ASSERT_EQ(VmbInterfaceOpen(info.interfaceIdString, &opened), VmbErrorSuccess);
+    EXPECT_THAT(held(), ElementsAre(1, 1, 2, 5));
+    EXPECT_EQ(VmbCameraClose(camera), VmbErrorSuccess);
+    EXPECT_THAT(held(), ElementsAre(0, 1, 1, 0));
+    VmbShutdown();
+    EXPECT_THAT(held(), ElementsAre(0, 0, 0, 0));
+    EXPECT_EQ(VmbSimCountHoldings(nullptr), VmbErrorBadParameter);
+}
+
 TEST_F(StreamTest, TheEndOfCaptureEmptiesTheQueueAndKeepsWhatIsAnnounced) {
     const VmbHandle_t camera = openFast();
     Stream stream(camera);

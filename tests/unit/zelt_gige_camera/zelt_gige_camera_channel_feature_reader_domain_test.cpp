@@ -150,6 +150,24 @@ TEST_F(DomainReader, TakesTheGreatestPictureAsTheSensorWhenTheCameraTellsNone) {
     EXPECT_EQ(state.sensorWidth, 0.0);
 }
 
+TEST_F(DomainReader, FindsOutForItselfThatTheCameraHasNoColours) {
+    camera.features.erase("BalanceRatioSelector");
+    domain();
+    expectNoRange(Setting::WhitebalanceRed);
+    EXPECT_EQ(state.whitebalanceRed.presence, Presence::Absent);
+    EXPECT_EQ(state.whitebalanceBlue.presence, Presence::Absent);
+    EXPECT_TRUE(state.gain.hasRange);
+}
+
+TEST_F(DomainReader, KeepsTheEntriesThatWereListedBeforeWhenTheCameraDoesNotTell) {
+    domain();
+    const std::vector<std::string> before = state.gainAuto.entries;
+    ASSERT_FALSE(before.empty());
+    camera.features["GainAuto"].entries.clear();
+    domain();
+    EXPECT_EQ(state.gainAuto.entries, before);
+}
+
 TEST_F(DomainReader, KeepsEveryOldRangeWhenAnyAccessFails) {
     state.gain = {1.0, 2.0, 3.0, true};
     state.hue = {4.0, 5.0, 6.0, true};

@@ -126,6 +126,27 @@ TEST_F(OpenedCamera, UsesTheBestFormatThatItListsAndHasStillToBeToldSo) {
     EXPECT_THAT(assertions.failures(), IsEmpty());
 }
 
+TEST_F(OpenedCamera, UsesTheFormatsThatItListedBeforeWhenItDoesNotListThemNow) {
+    const AssertionCapture assertions;
+    state.pixelFormatEntries = {"Mono8", "RGB8Packed"};
+    list({});
+    configuration();
+    EXPECT_EQ(state.pixelFormat, "RGB8Packed");
+    EXPECT_THAT(assertions.failures(), IsEmpty());
+}
+
+TEST_F(OpenedCamera, GetsItsFormatLaterWhenItDidNotListAny) {
+    const AssertionCapture assertions;
+    list({});
+    configuration();
+    EXPECT_EQ(state.pixelFormat, "");
+    list({"Mono8"});
+    chooseMissingFormat(work);
+    EXPECT_EQ(state.pixelFormat, "Mono8");
+    EXPECT_TRUE(isPending(Setting::FrameFormat));
+    EXPECT_THAT(assertions.expressions(), ElementsAre("frame_format_found"));
+}
+
 TEST_F(OpenedCamera, KeepsTheFormatThatTheHostHasChosen) {
     state.pixelFormat = "Mono8";
     insert(state.chosen, Setting::FrameFormat);

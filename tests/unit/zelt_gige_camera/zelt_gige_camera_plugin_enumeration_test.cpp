@@ -46,6 +46,20 @@ TEST_F(PluginTest, FindsChannelsByCameraId) {
     EXPECT_EQ(plugin->findChannelId(""), kNoChannel);
 }
 
+TEST_F(PluginTest, LeavesOutACameraWithoutAnId) {
+    plugin->initialize();
+    // The list is said to have grown between the two questions, and nothing of it fits.
+    VmbSimFailCall("VmbCamerasList", nullptr, 2, VmbErrorMoreData);
+    const LogCapture log(UniLogSeverityLevel::Warning);
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), IsEmpty());
+    const std::string told = "A camera without an id is left out, model '', serial number ''";
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Warning), ElementsAre(told, told));
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error), IsEmpty());
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
+}
+
 TEST_F(PluginTest, DropsAVanishedCameraAtTheNextEnumerationNotBefore) {
     enumerate();
     VmbSimUnplugCamera(kColourCamera);

@@ -219,8 +219,37 @@ TEST_F(Capture, EndOfACameraThatIsGoneLogsAndReturns) {
                     "Cannot deallocate buffers: Error code -4"));
 }
 
+TEST_F(Capture, AHandlerThatWasNotUnregisteredIsNotRegisteredTwice) {
+    for (const char* event : {"EventAcquisitionStart", "EventAcquisitionEnd"}) {
+        api.startCapture(camera, 2);
+        VmbSimFailCall("VmbFeatureInvalidationUnregister", event, 1, VmbErrorTimeout);
+        api.endCapture(camera);
+    }
+    api.startCapture(camera, 2);
+    VmbSimHoldings held{};
+    VmbSimCountHoldings(&held);
+    EXPECT_EQ(held.registrations, 2u);
+    api.endCapture(camera);
+    VmbSimCountHoldings(&held);
+    EXPECT_EQ(held.registrations, 0u);
+    EXPECT_EQ(Simulator::misuses(), "");
+}
+
+TEST_F(Capture, FramesThatWereNotRevokedAreInNobodysWay) {
+    misuses.reasons = {"the memory of an announced or queued frame is gone"};
+    for (int turn = 0; turn < 3; ++turn) {
+        api.startCapture(camera, 2);
+        VmbSimFailCall("VmbFrameRevokeAll", nullptr, 1, VmbErrorTimeout);
+        api.endCapture(camera);
+        EXPECT_EQ(pages.held, 0);
+    }
+    EXPECT_EQ(announced(), 6u);
+    api.startCapture(camera, 2);
+    api.endCapture(camera);
+    EXPECT_EQ(announced(), 0u);
+}
+
 TEST_F(Capture, ASecondStartWithoutEndIsAProgrammingErrorAndLosesNoBuffer) {
-    misuses.reasons = {"the callback was registered already"};
     api.startCapture(camera, 5);
     const AssertionCapture assertions;
     api.startCapture(camera, 4);
