@@ -13,12 +13,13 @@ macro(zelt_drop_other_systems list)
 endmacro()
 
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
-# One program per folder, its sources found by glob; a test that skips itself fails. They take both
+# One program per folder, its sources found by glob, of those that begin with PREFIX where a folder has several
+# programs; a test that skips itself fails. They take both
 # processors, since some measure time, but not where sanitizers spoil it; those that need virtual time alone
 # set PROCESSORS to 1.
 function(zelt_add_test)
-    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;MAIN" "LIBRARIES" ${ARGN})
-    file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/*_test.cpp")
+    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;PREFIX;MAIN" "LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/${ARG_PREFIX}*_test.cpp")
     zelt_drop_other_systems(sources)
     add_executable(${ARG_NAME} ${sources})
     target_link_libraries(${ARG_NAME} PRIVATE ${ARG_LIBRARIES} zelt_test_support GTest::gmock GTest::gtest
