@@ -165,10 +165,10 @@ std::string VimbaCameraApi::getStringFeature(CameraHandle handle, const char* na
     VmbUint32_t length = 0;  // counts the terminating zero
     checkFeature(VmbFeatureStringGet(toVmb(handle), name, nullptr, 0, &length), name);
     if (length <= 1) return {};
-    const auto fail = [name](const std::string& reason) {
-        throw CameraApiError("The text of the feature '" + std::string(name) + "' " + reason);
-    };
-    if (length > kLongestText) fail("has " + std::to_string(length) + " bytes");
+    if (length > kLongestText) {
+        throw CameraApiError("The text of the feature '" + std::string(name) + "' has " +
+                             std::to_string(length) + " bytes");
+    }
     std::string text(length, '\0');
     VmbUint32_t filled = length;
     const VmbError_t result = VmbFeatureStringGet(toVmb(handle), name, text.data(), length, &filled);
@@ -176,7 +176,10 @@ std::string VimbaCameraApi::getStringFeature(CameraHandle handle, const char* na
     if (result != VmbErrorSuccess) throw CameraApiError("Cannot read existing string feature", result);
     const std::size_t end = text.find('\0');
     // Who knows what it was cut off from.
-    if (end == std::string::npos) fail("has no end within its " + std::to_string(length) + " bytes");
+    if (end == std::string::npos) {
+        throw CameraApiError("The text of the feature '" + std::string(name) + "' has no end within its " +
+                             std::to_string(length) + " bytes");
+    }
     text.resize(end);
     return text;
 }
