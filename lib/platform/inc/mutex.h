@@ -27,10 +27,22 @@ class ZELT_THREAD_ANNOTATION(capability("mutex")) Mutex {
     std::mutex m_mutex;
 };
 
+/// A mutex that its holder may lock again. For what code of others may call back while it was called with the
+/// mutex held, on the same thread.
+class ZELT_THREAD_ANNOTATION(capability("mutex")) ReentrantMutex {
+  public:
+    void lock() ZELT_THREAD_ANNOTATION(acquire_capability()) { m_mutex.lock(); }
+    void unlock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+
+  private:
+    std::recursive_mutex m_mutex;
+};
+
 /// Holds a mutex for a scope.
+template <class AnyMutex>
 class ZELT_THREAD_ANNOTATION(scoped_lockable) MutexLock {
   public:
-    explicit MutexLock(Mutex& mutex) ZELT_THREAD_ANNOTATION(acquire_capability(mutex)) : m_mutex(mutex) {
+    explicit MutexLock(AnyMutex& mutex) ZELT_THREAD_ANNOTATION(acquire_capability(mutex)) : m_mutex(mutex) {
         m_mutex.lock();
     }
     ~MutexLock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
@@ -38,7 +50,7 @@ class ZELT_THREAD_ANNOTATION(scoped_lockable) MutexLock {
     MutexLock& operator=(const MutexLock&) = delete;
 
   private:
-    Mutex& m_mutex;
+    AnyMutex& m_mutex;
 };
 
 }  // namespace platform

@@ -7,6 +7,9 @@ namespace zelt_gige_api {
 UnsupportedFeature::UnsupportedFeature(const std::string& feature, std::int32_t code)
     : CameraApiError("The feature '" + feature + "' is not supported", code) {}
 
+UnusableValue::UnusableValue(const std::string& feature, const std::string& value)
+    : CameraApiError("The feature '" + feature + "' reads " + value + ", which is no possible value") {}
+
 std::string errorText(std::int32_t code) {
     switch (code) {
         case 0:

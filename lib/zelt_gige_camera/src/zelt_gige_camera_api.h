@@ -30,6 +30,12 @@ class UnsupportedFeature : public CameraApiError {
     UnsupportedFeature(const std::string& feature, std::int32_t code);
 };
 
+/// The camera told a value that the feature cannot have.
+class UnusableValue : public CameraApiError {
+  public:
+    UnusableValue(const std::string& feature, const std::string& value);
+};
+
 /// Text of a vendor error code. Deliberately partial: codes outside the table read "Error code <code>".
 std::string errorText(std::int32_t code);
 

@@ -1,6 +1,10 @@
 /// One feature of a camera by its row.
 #pragma once
 
+#include <cmath>
+#include <limits>
+
+#include "config_items.h"
 #include "zelt_gige_camera_api.h"
 #include "zelt_gige_camera_channel_rows.h"
 
@@ -14,11 +18,24 @@ inline void select(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle ca
     if (row.selector != nullptr) api.setEnumFeature(camera, kSelector, row.selector);
 }
 
-/// Of a feature that was selected just before. Throws CameraApiError.
+/// Whether the feature's type can hold a value at all, whatever its range is.
+inline bool canHold(const NumberRow& row, double value) {
+    constexpr double kTwoToThe63rd = 9223372036854775808.0;
+    constexpr double kMostPixels = std::numeric_limits<std::uint32_t>::max();
+    if (isGeometry(row.setting)) return value >= 0.0 && value <= kMostPixels;
+    if (row.whole) return value >= -kTwoToThe63rd && value < kTwoToThe63rd;
+    return std::isfinite(value);
+}
+
+/// Of a feature that was selected just before. Throws CameraApiError, UnusableValue for what is no value of
+/// the feature's.
 inline double getSelected(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera,
                           const NumberRow& row) {
-    return row.whole ? static_cast<double>(api.getIntFeature(camera, row.feature))
-                     : api.getFloatFeature(camera, row.feature);
+    const double value = row.whole ? static_cast<double>(api.getIntFeature(camera, row.feature))
+                                   : api.getFloatFeature(camera, row.feature);
+    // The greatest 64-bit integers round to 2^63 as doubles, and are none of a setting's.
+    if (canHold(row, value)) return value;
+    throw zelt_gige_api::UnusableValue(row.feature, config_items::ScalarConfigItem(value, {}).toString());
 }
 
 /// Throws CameraApiError.

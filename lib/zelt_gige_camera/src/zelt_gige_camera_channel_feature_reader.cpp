@@ -19,6 +19,7 @@ using zelt_gige_api::CameraApiError;
 using zelt_gige_api::CameraHandle;
 using zelt_gige_api::FeatureType;
 using zelt_gige_api::UnsupportedFeature;
+using zelt_gige_api::UnusableValue;
 
 /// The trigger input that the host's pulses come in on.
 constexpr const char* kAuxLine = "Line1";
@@ -68,6 +69,9 @@ void Reading::number(const NumberRow& row) {
         cached.presence = presenceOf(row.feature);
         const bool needsSelector = row.selector != nullptr && cached.presence != Presence::Absent;
         if (needsSelector) cached.presence = presenceOf(kSelector);
+    } catch (const UnusableValue&) {
+        if (!row.optional) throw;
+        cached.presence = Presence::Unreadable;
     }
 }
 
@@ -176,6 +180,16 @@ double sensorExtent(CameraApi& api, CameraHandle camera, const char* feature, co
     }
 }
 
+/// All times of a recording follow from it, so that no camera is taken at a word that cannot be.
+std::int64_t readTickFrequency(ChannelWork& work) {
+    constexpr const char* kFeature = "GevTimestampTickFrequency";
+    // A tick of a picosecond: no camera is near it, and what is computed from it stays within 64 bits.
+    constexpr std::int64_t kGreatest = 1'000'000'000'000;
+    const std::int64_t frequency = work.api.getIntFeature(work.camera, kFeature);
+    if (frequency > 0 && frequency <= kGreatest) return frequency;
+    throw UnusableValue(kFeature, std::to_string(frequency));
+}
+
 void readModelKind(ChannelWork& work, const std::string& cameraName, ChannelState& state) {
     try {
         state.modelKind = zelt_gige_api::cameraModelKind(work.api.getDeviceModelName(work.camera));
@@ -250,7 +264,7 @@ void readDomainCache(ChannelWork& work) {
 void readConfiguration(ChannelWork& work, const std::string& cameraName) {
     Reading reading(work);
     ChannelState& fresh = reading.fresh();
-    fresh.tickFrequency = work.api.getIntFeature(work.camera, "GevTimestampTickFrequency");
+    fresh.tickFrequency = readTickFrequency(work);
     reading.pixelFormats();
     chooseFrameFormat(fresh);
     reading.numbers({Setting::FrameRate, Setting::Exposure});

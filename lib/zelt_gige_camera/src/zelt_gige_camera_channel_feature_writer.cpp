@@ -3,7 +3,6 @@
 #include <array>
 #include <cmath>
 #include <initializer_list>
-#include <limits>
 #include <stdexcept>
 
 #include "config_items.h"
@@ -22,15 +21,6 @@ struct Axis {
 
 constexpr std::array<Axis, 2> kAxes{
     {{Setting::FrameOffsetX, Setting::FrameWidth}, {Setting::FrameOffsetY, Setting::FrameHeight}}};
-
-/// Whether the feature's type can hold a value at all, whatever its range is.
-bool canHold(const NumberRow& row, double value) {
-    constexpr double kTwoToThe63rd = 9223372036854775808.0;
-    constexpr double kMostPixels = std::numeric_limits<std::uint32_t>::max();
-    if (isGeometry(row.setting)) return value >= 0.0 && value <= kMostPixels;
-    if (row.whole) return value >= -kTwoToThe63rd && value < kTwoToThe63rd;
-    return std::isfinite(value);
-}
 
 double heldBy(const NumberRow& row, double wanted) {
     const double value = row.whole ? std::round(wanted) : wanted;

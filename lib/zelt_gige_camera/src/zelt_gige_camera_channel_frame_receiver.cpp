@@ -9,6 +9,16 @@ namespace {
 /// A synchronization point loses this much quality per microsecond that its frame waited.
 constexpr double kQualityPerMicrosecond = 0.01;
 
+/// Truncated. Whole seconds by themselves: at the fastest clock the product of a few seconds would not fit 64
+/// bits with their millionths in it.
+std::uint64_t elapsedTicks(std::int64_t microseconds, const Rational& tickFrequency) {
+    const auto whole = [](const Rational& ticks) {
+        return static_cast<std::uint64_t>(boost::rational_cast<std::int64_t>(ticks));
+    };
+    return whole(microseconds / kMicrosecondsPerSecond * tickFrequency) +
+           whole(Rational(microseconds % kMicrosecondsPerSecond, kMicrosecondsPerSecond) * tickFrequency);
+}
+
 }  // namespace
 
 void FrameReceiver::begin(std::unique_ptr<ClockSyncBase> generator) {
@@ -55,10 +65,8 @@ std::int64_t FrameReceiver::timestampWithSyncPoint(const zelt_gige_api::CameraFr
     const std::uint64_t now = m_master_clock != nullptr ? m_master_clock->getTime() : 0;
     const std::int64_t microseconds =
         (m_counter.now() - arrived) * kMicrosecondsPerSecond / m_counter.frequency();
-    const Rational elapsedTicks =
-        Rational(microseconds, kMicrosecondsPerSecond) * m_timestamp_generator->getTickFrequency();
     const auto cameraTime = static_cast<std::int64_t>(
-        frame.timestamp + static_cast<std::uint64_t>(boost::rational_cast<std::int64_t>(elapsedTicks)));
+        frame.timestamp + elapsedTicks(microseconds, m_timestamp_generator->getTickFrequency()));
     const auto hostTime = static_cast<std::int64_t>(now);
     m_timestamp_generator->addSyncPoint(cameraTime, hostTime,
                                         static_cast<double>(microseconds) * kQualityPerMicrosecond);

@@ -125,9 +125,10 @@ struct ChannelState {
     double exposureMaximum() const;
 };
 
-/// A channel's state and the mutex that guards it.
+/// A channel's state and the mutex that guards it. Features are read and written with it held, and a vendor
+/// library may call back from within, so its holder may lock it again.
 struct GuardedState {
-    platform::Mutex mutex;
+    platform::ReentrantMutex mutex;
     ChannelState values ZELT_GUARDED_BY(mutex);
 };
 

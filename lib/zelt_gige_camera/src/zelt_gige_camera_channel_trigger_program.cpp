@@ -3,6 +3,8 @@
 #include <array>
 #include <span>
 
+#include "zelt_gige_camera_channel_feature_access.h"
+
 namespace zelt_gige_camera {
 namespace {
 
@@ -48,7 +50,7 @@ void programAux(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camer
 double programFixedRate(zelt_gige_api::CameraApi& api, zelt_gige_api::CameraHandle camera, double frameRate) {
     run(kFixedRate, api, camera);
     api.setFloatFeature(camera, "AcquisitionFrameRateAbs", frameRate);
-    return api.getFloatFeature(camera, "AcquisitionFrameRateAbs");
+    return getNumber(api, camera, numberRow(Setting::FrameRate));
 }
 
 }  // namespace zelt_gige_camera

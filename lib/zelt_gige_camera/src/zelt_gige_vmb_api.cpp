@@ -62,6 +62,8 @@ void VimbaCameraApi::shutdown() {
     if (!m_started) return;
     VmbShutdown();
     m_started = false;
+    const platform::MutexLock mapsLock(m_maps_mutex);
+    m_open_cameras.clear();
 }
 
 std::string VimbaCameraApi::getVersion() {
@@ -106,6 +108,7 @@ void VimbaCameraApi::unregisterDiscoveryCallback() {
 }
 
 void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name) {
+    if (name == nullptr) name = "";
     ZELT_ASSERT(boost::equals(name, "DiscoveryCameraEvent"));
     IfDiscoveryCallback* const callback = m_discovery_callback;
     if (callback == nullptr) return;
@@ -123,7 +126,7 @@ std::vector<CameraInfo> VimbaCameraApi::listCameras() {
     VmbUint32_t count = 0;
     check(VmbCamerasList(nullptr, 0, &count, sizeof(VmbCameraInfo_t)), kFailed);
     if (count == 0) return {};
-    std::vector<VmbCameraInfo_t> records(count);
+    auto records = makeRoom<VmbCameraInfo_t>(count, kFailed);
     const VmbError_t result = VmbCamerasList(records.data(), count, &count, sizeof(VmbCameraInfo_t));
     // A camera that came between the two calls is found the next time.
     if (result != VmbErrorMoreData) check(result, kFailed);

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <deque>
 #include <map>
 #include <memory>
 #include <set>
@@ -82,6 +83,7 @@ class VimbaCameraApi final : public CameraApi {
     Capture& captureOf(CameraHandle handle);
     VmbError_t releaseFrames(CameraHandle handle);
     void releaseFramesLogged(CameraHandle handle);
+    void keepReleased(std::shared_ptr<Capture> capture);
     IfCameraCallback* findCameraCallback(CameraHandle handle);
     void registerEvent(CameraHandle handle, const char* event, const char* failure);
     void unregisterEvent(CameraHandle handle, const char* event);
@@ -96,10 +98,11 @@ class VimbaCameraApi final : public CameraApi {
     std::condition_variable_any m_call_ended;
     std::map<CameraHandle, CameraCallback> m_camera_callbacks ZELT_GUARDED_BY(m_maps_mutex);
     std::map<CameraHandle, std::shared_ptr<Capture>> m_captures ZELT_GUARDED_BY(m_maps_mutex);
-    /// Captures without buffers whose frames the library did not revoke: it still knows their records.
-    std::multimap<CameraHandle, std::shared_ptr<Capture>> m_unrevoked ZELT_GUARDED_BY(m_maps_mutex);
     /// Events of cameras that the library has a handler of.
     std::set<std::pair<CameraHandle, std::string>> m_registered_events ZELT_GUARDED_BY(m_maps_mutex);
+    std::set<CameraHandle> m_open_cameras ZELT_GUARDED_BY(m_maps_mutex);
+    /// The latest ones, without their buffers: a callback that comes too late finds its frame released.
+    std::deque<std::shared_ptr<Capture>> m_released ZELT_GUARDED_BY(m_maps_mutex);
     DiscoveryFunction m_discovery_function;  ///< last, so that it goes before what its calls use
 };
 

@@ -14,6 +14,11 @@ namespace {
 constexpr const char* kStartEvent = "EventAcquisitionStart";
 constexpr const char* kEndEvent = "EventAcquisitionEnd";
 
+/// How often in a row a library may give a frame back within the call that queues it.
+constexpr unsigned kMostReturns = 100;
+/// How many captures that have ended keep their frames' records: some for each of the host's cameras.
+constexpr std::size_t kMostReleased = 64;
+
 void frameThunk(const VmbHandle_t handle, VmbFrame_t* frame) {
     atVendorBorder("frame", [=] { VimbaCameraApi::handleFrame(fromVmb(handle), frame); });
 }
@@ -25,17 +30,22 @@ void cameraEventThunk(const VmbHandle_t handle, const char* name, void* context)
 
 /// A frame as announced to the library, and what its callback needs besides.
 struct AnnouncedFrame : VmbFrame_t {
+    AnnouncedFrame() : VmbFrame_t{} {}
+
     std::atomic<unsigned>* runningCallbacks = nullptr;
+    // What was announced: the record itself is in the library's hands.
+    void* pages = nullptr;
+    VmbUint32_t size = 0;
+    std::atomic<bool> released{false};
+    std::atomic<std::thread::id> queuedBy{};  ///< the thread that is about to queue it
+    std::atomic<bool> cameBack{false};        ///< to that thread, before it was through
 };
 
 /// Counts a frame's callback while it runs. Nothing is touched after the count went down: whoever waits for
 /// it frees the memory next.
 class RunningFrameCall {
   public:
-    explicit RunningFrameCall(VmbFrame_t* frame)
-        : m_count(*static_cast<AnnouncedFrame*>(frame)->runningCallbacks) {
-        ++m_count;
-    }
+    explicit RunningFrameCall(AnnouncedFrame& frame) : m_count(*frame.runningCallbacks) { ++m_count; }
     ~RunningFrameCall() { --m_count; }
     RunningFrameCall(const RunningFrameCall&) = delete;
     RunningFrameCall& operator=(const RunningFrameCall&) = delete;
@@ -44,18 +54,53 @@ class RunningFrameCall {
     std::atomic<unsigned>& m_count;
 };
 
+void noteLeftOut(VmbUint64_t frameId) noexcept {
+    try {
+        GIGE_LOG(Error) << "The buffer of frame #" << frameId << " came back while it was queued, each of "
+                        << kMostReturns << " times, and is left out";
+    } catch (...) {
+        // A log sink that throws must not take the vendor's thread down.
+    }
+}
+
+/// Queues a frame, again when the library gives it back within that very call: a callback that queued it
+/// itself would call itself without end.
+void queueFrame(CameraHandle handle, AnnouncedFrame& frame) noexcept {
+    const std::thread::id self = std::this_thread::get_id();
+    if (frame.queuedBy == self) {
+        frame.cameBack = true;
+        return;
+    }
+    for (unsigned turn = 0; turn < kMostReturns; ++turn) {
+        frame.queuedBy = self;
+        VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
+        std::thread::id expected = self;
+        frame.queuedBy.compare_exchange_strong(expected, std::thread::id());
+        if (!frame.cameBack.exchange(false)) return;
+    }
+    noteLeftOut(frame.frameID);
+}
+
 /// Gives the buffer back to the camera however the scope is left; a lost buffer never comes back.
 class Requeue {
   public:
-    Requeue(CameraHandle handle, VmbFrame_t* frame) : m_handle(handle), m_frame(frame) {}
-    ~Requeue() { VmbCaptureFrameQueue(toVmb(m_handle), m_frame, &frameThunk); }
+    Requeue(CameraHandle handle, AnnouncedFrame& frame) : m_handle(handle), m_frame(frame) {}
+    ~Requeue() { queueFrame(m_handle, m_frame); }
     Requeue(const Requeue&) = delete;
     Requeue& operator=(const Requeue&) = delete;
 
   private:
     CameraHandle m_handle;
-    VmbFrame_t* m_frame;
+    AnnouncedFrame& m_frame;
 };
+
+/// Whether the picture lies within the buffer that was announced.
+bool isInItsBuffer(const AnnouncedFrame& frame) {
+    if (frame.buffer == frame.pages && frame.imageSize <= frame.size) return true;
+    GIGE_LOG(Error) << "Frame #" << frame.frameID << " was dropped: its picture of " << frame.imageSize
+                    << " bytes is not within its buffer of " << frame.size;
+    return false;
+}
 
 CameraFrame toCameraFrame(const VmbFrame_t& record) {
     CameraFrame frame;
@@ -155,7 +200,7 @@ void VimbaCameraApi::announceFrames(CameraHandle handle, unsigned frameCount) {
     dropForgottenFrames(handle);
     Capture& capture = captureOf(handle);
     std::vector<AnnouncedFrame>& frames = capture.frames;
-    frames.assign(frameCount, AnnouncedFrame{});
+    frames = std::vector<AnnouncedFrame>(frameCount);
     const bool fits = payload > 0 && payload <= std::numeric_limits<VmbUint32_t>::max();
     for (AnnouncedFrame& frame : frames) {
         frame.context[0] = this;
@@ -163,9 +208,10 @@ void VimbaCameraApi::announceFrames(CameraHandle handle, unsigned frameCount) {
     }
     for (AnnouncedFrame& frame : frames) {
         ZELT_ASSERT(frame.buffer == nullptr);
-        if (fits) frame.buffer = m_pages.allocate(static_cast<std::size_t>(payload));
-        if (frame.buffer == nullptr) throw CameraApiError("Could not allocate frame memory.");
-        frame.bufferSize = static_cast<VmbUint32_t>(payload);
+        if (fits) frame.pages = m_pages.allocate(static_cast<std::size_t>(payload));
+        if (frame.pages == nullptr) throw CameraApiError("Could not allocate frame memory.");
+        frame.buffer = frame.pages;
+        frame.bufferSize = frame.size = static_cast<VmbUint32_t>(payload);
         check(VmbFrameAnnounce(toVmb(handle), &frame, sizeof(VmbFrame_t)),
               "Could not announce frame buffer: ");
     }
@@ -184,7 +230,7 @@ void VimbaCameraApi::queueFrames(CameraHandle handle) {
     IfCameraCallback* const callback = findCameraCallback(handle);
     std::vector<AnnouncedFrame>& frames = captureOf(handle).frames;
     for (AnnouncedFrame& frame : frames) frame.context[1] = callback;
-    for (AnnouncedFrame& frame : frames) VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
+    for (AnnouncedFrame& frame : frames) queueFrame(handle, frame);
 }
 
 void VimbaCameraApi::endCapture(CameraHandle handle) {
@@ -210,28 +256,31 @@ VmbError_t VimbaCameraApi::releaseFrames(CameraHandle handle) {
     const VmbError_t result = VmbFrameRevokeAll(toVmb(handle));
     const auto released = [&] {
         const platform::MutexLock lock(m_maps_mutex);
-        if (result == VmbErrorSuccess) m_unrevoked.erase(handle);
         return m_captures.extract(handle);
     }();
     if (released.empty()) return result;
     Capture& capture = *released.mapped();
-    // The library does not promise that the end of capture waits for a callback that runs.
+    // The library promises neither that the end of capture waits for a callback that runs nor that none comes
+    // afterwards.
+    for (AnnouncedFrame& frame : capture.frames) frame.released = true;
     while (capture.runningCallbacks != 0) std::this_thread::yield();
     for (AnnouncedFrame& frame : capture.frames) {
-        if (frame.buffer != nullptr) m_pages.release(frame.buffer, frame.bufferSize);
-        frame.buffer = nullptr;
+        if (frame.pages != nullptr) m_pages.release(frame.pages, frame.size);
+        frame.buffer = frame.pages = nullptr;
     }
-    if (result == VmbErrorSuccess) return result;
-    // The memory goes all the same; the records stay, or the next capture's would be taken for them.
-    const platform::MutexLock lock(m_maps_mutex);
-    m_unrevoked.emplace(handle, released.mapped());
+    keepReleased(released.mapped());
     return result;
+}
+
+void VimbaCameraApi::keepReleased(std::shared_ptr<Capture> capture) {
+    const platform::MutexLock lock(m_maps_mutex);
+    m_released.push_back(std::move(capture));
+    if (m_released.size() > kMostReleased) m_released.pop_front();
 }
 
 /// The library gives its handles out again.
 void VimbaCameraApi::forgetClosed(CameraHandle handle) {
     const platform::MutexLock lock(m_maps_mutex);
-    m_unrevoked.erase(handle);
     std::erase_if(m_registered_events, [=](const auto& entry) { return entry.first == handle; });
 }
 
@@ -241,17 +290,20 @@ void VimbaCameraApi::releaseFramesLogged(CameraHandle handle) {
 
 void VimbaCameraApi::handleFrame(CameraHandle handle, VmbFrame_t* frame) {
     if (frame == nullptr) return;
-    const RunningFrameCall running(frame);
-    const Requeue requeue(handle, frame);
+    auto& announced = static_cast<AnnouncedFrame&>(*frame);
+    const RunningFrameCall running(announced);
+    if (announced.released) return;
+    const Requeue requeue(handle, announced);
     if (frame->receiveStatus != VmbFrameStatusComplete) return;
     ZELT_ASSERT(frame->receiveFlags & (VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp));
     auto* const callback = static_cast<IfCameraCallback*>(frame->context[1]);
-    if (callback != nullptr) callback->onFrameReceived(handle, toCameraFrame(*frame));
+    if (callback != nullptr && isInItsBuffer(announced))
+        callback->onFrameReceived(handle, toCameraFrame(*frame));
 }
 
 void VimbaCameraApi::handleCameraEvent(CameraHandle handle, const char* name) {
     const RunningEventCall call(*this, handle);
-    if (call.callback() == nullptr) return;
+    if (call.callback() == nullptr || name == nullptr) return;
     const std::string_view event(name);
     const auto value = [&](const char* feature) {
         return static_cast<std::uint64_t>(getIntFeature(handle, feature));

@@ -1,20 +1,37 @@
 // Opening and closing of cameras, their callbacks, and typed feature access.
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 #include "zelt_gige_vmb_api.h"
 #include "zelt_gige_vmb_call.h"
 
 namespace zelt_gige_api {
+namespace {
+
+/// Beyond any of a camera's; longer ones are not worth the memory that they claim.
+constexpr VmbUint32_t kLongestText = 1'048'576;
+
+}  // namespace
+
 CameraHandle VimbaCameraApi::openCamera(const std::string& cameraId) {
     VmbHandle_t handle = nullptr;
     check(VmbCameraOpen(cameraId.c_str(), VmbAccessModeFull, &handle), "Could not open camera: ");
-    return fromVmb(handle);
+    const CameraHandle camera = fromVmb(handle);
+    const platform::MutexLock lock(m_maps_mutex);
+    // Not closed: it would be somebody else's.
+    if (camera <= kSystemHandle || !m_open_cameras.insert(camera).second) {
+        throw CameraApiError("Could not open camera: the library gave the handle " + std::to_string(camera) +
+                             ", which is not this camera's");
+    }
+    return camera;
 }
 
 void VimbaCameraApi::closeCamera(CameraHandle handle) {
     releaseFrames(handle);
+    {
+        const platform::MutexLock lock(m_maps_mutex);
+        m_open_cameras.erase(handle);
+    }
     check(VmbCameraClose(toVmb(handle)), "Could not close camera: ");
     forgetClosed(handle);
 }
@@ -50,7 +67,7 @@ std::vector<FeatureInfo> VimbaCameraApi::listFeatures(CameraHandle handle) {
     constexpr const char* kFailed = "Could not enumerate features: ";
     VmbUint32_t count = 0;
     check(VmbFeaturesList(toVmb(handle), nullptr, 0, &count, sizeof(VmbFeatureInfo_t)), kFailed);
-    std::vector<VmbFeatureInfo_t> records(count);
+    auto records = makeRoom<VmbFeatureInfo_t>(count, kFailed);
     check(VmbFeaturesList(toVmb(handle), records.data(), count, &count, sizeof(VmbFeatureInfo_t)), kFailed);
     records.resize(std::min<std::size_t>(count, records.size()));
     std::vector<FeatureInfo> features;
@@ -85,7 +102,8 @@ void VimbaCameraApi::setEnumFeature(CameraHandle handle, const char* name, const
 
 std::vector<std::string> VimbaCameraApi::getEnumFeatureRange(CameraHandle handle, const char* name) {
     VmbUint32_t count = 0;
-    if (VmbFeatureEnumRangeQuery(toVmb(handle), name, nullptr, 0, &count) != VmbErrorSuccess || count == 0) {
+    if (VmbFeatureEnumRangeQuery(toVmb(handle), name, nullptr, 0, &count) != VmbErrorSuccess || count == 0 ||
+        count > kMostEntries) {
         return {};
     }
     std::vector<const char*> entries(count, nullptr);
@@ -148,11 +166,22 @@ std::string VimbaCameraApi::getStringFeature(CameraHandle handle, const char* na
     VmbUint32_t length = 0;  // counts the terminating zero
     checkFeature(VmbFeatureStringGet(toVmb(handle), name, nullptr, 0, &length), name);
     if (length <= 1) return {};
-    std::string text(length - 1, '\0');
-    const VmbError_t result = VmbFeatureStringGet(toVmb(handle), name, text.data(), length, &length);
+    if (length > kLongestText) {
+        throw CameraApiError("The text of the feature '" + std::string(name) + "' has " +
+                             std::to_string(length) + " bytes");
+    }
+    std::string text(length, '\0');
+    VmbUint32_t filled = length;
+    const VmbError_t result = VmbFeatureStringGet(toVmb(handle), name, text.data(), length, &filled);
     // Not UnsupportedFeature: the first call has found the feature.
     if (result != VmbErrorSuccess) throw CameraApiError("Cannot read existing string feature", result);
-    text.resize(std::strlen(text.c_str()));
+    const std::size_t end = text.find('\0');
+    // Who knows what it was cut off from.
+    if (end == std::string::npos) {
+        throw CameraApiError("The text of the feature '" + std::string(name) + "' has no end within its " +
+                             std::to_string(length) + " bytes");
+    }
+    text.resize(end);
     return text;
 }
 

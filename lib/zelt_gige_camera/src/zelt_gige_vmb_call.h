@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "vimba_c.h"
 #include "zelt_gige_camera_api.h"
@@ -48,6 +49,19 @@ inline void check(VmbError_t result, const char* prefix) {
 /// Throws UnsupportedFeature unless the call succeeded.
 inline void checkFeature(VmbError_t result, const char* feature) {
     if (result != VmbErrorSuccess) throw UnsupportedFeature(feature, result);
+}
+
+/// Of a list; no library has as many.
+inline constexpr VmbUint32_t kMostEntries = 65'536;
+
+/// Makes room for as many entries as the library counts in a list. Throws CameraApiError for a number that no
+/// library has: it is not worth all memory.
+template <class Entry>
+std::vector<Entry> makeRoom(VmbUint32_t count, const char* prefix) {
+    if (count > kMostEntries) {
+        throw CameraApiError(prefix + ("the library counts " + std::to_string(count)) + " entries");
+    }
+    return std::vector<Entry>(count);
 }
 
 /// Runs a callback's steps at the C border: logs what they throw and returns.

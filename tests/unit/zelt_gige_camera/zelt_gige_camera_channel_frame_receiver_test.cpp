@@ -219,4 +219,14 @@ TEST_F(Receiver, StoresTheTimeOfAFrameThatNoSinkTook) {
     EXPECT_THAT(sink.times, IsEmpty());
 }
 
+TEST_F(Receiver, DatesASyncPointRightAfterALongWaitAtTheFastestClock) {
+    begin(Rational(999'999'999'989));
+    script.needsSyncPoint = true;
+    counter.reading = 999'999'999;  // 99.9999999 s, of which the last tenth of a microsecond is dropped
+    receive(1, 10);
+    ASSERT_EQ(script.points.size(), 1u);
+    // 999'999'999'989 * 99.999999 s = 99'999'998'998'900.000011
+    EXPECT_EQ(script.points[0].cameraTime, 1'000'000 + 99'999'998'998'900);
+}
+
 }  // namespace
