@@ -3,6 +3,7 @@
 
 build_packages=(g++ cmake ninja-build libboost-log1.81-dev libpng-dev libpugixml-dev libcli11-dev
     nlohmann-json3-dev libgtest-dev libgmock-dev librapidcheck-dev)
+bench_packages=(libbenchmark-dev)
 check_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev doxygen python3 unzip)
 coverage_packages=(gcovr)
 windows_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev)
