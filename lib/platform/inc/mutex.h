@@ -22,6 +22,8 @@ class ZELT_THREAD_ANNOTATION(capability("mutex")) Mutex {
   public:
     void lock() ZELT_THREAD_ANNOTATION(acquire_capability()) { m_mutex.lock(); }
     void unlock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+    /// True when the mutex was free and is the caller's now.
+    bool tryLock() ZELT_THREAD_ANNOTATION(try_acquire_capability(true)) { return m_mutex.try_lock(); }
 
   private:
     std::mutex m_mutex;
@@ -33,6 +35,8 @@ class ZELT_THREAD_ANNOTATION(capability("mutex")) ReentrantMutex {
   public:
     void lock() ZELT_THREAD_ANNOTATION(acquire_capability()) { m_mutex.lock(); }
     void unlock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+    /// True when no other thread had it, and it is the caller's now.
+    bool tryLock() ZELT_THREAD_ANNOTATION(try_acquire_capability(true)) { return m_mutex.try_lock(); }
 
   private:
     std::recursive_mutex m_mutex;
@@ -43,6 +47,14 @@ template <class AnyMutex>
 class ZELT_THREAD_ANNOTATION(scoped_lockable) MutexLock {
   public:
     explicit MutexLock(AnyMutex& mutex) ZELT_THREAD_ANNOTATION(acquire_capability(mutex)) : m_mutex(mutex) {
+        m_mutex.lock();
+    }
+    /// Calls `beforeWaiting` first when the mutex is not free at once.
+    template <typename Action>
+    MutexLock(AnyMutex& mutex, const Action& beforeWaiting) ZELT_THREAD_ANNOTATION(acquire_capability(mutex))
+        : m_mutex(mutex) {
+        if (m_mutex.tryLock()) return;
+        beforeWaiting();
         m_mutex.lock();
     }
     ~MutexLock() ZELT_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }

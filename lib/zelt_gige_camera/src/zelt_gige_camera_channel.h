@@ -125,6 +125,9 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     bool set(Setting setting, const SettingValue& value);
     bool runOnce(Setting setting);
     void usedChanged();
+    /// Until a frame that waits has the channel's mutex. Without it, settings that follow each other at once
+    /// would keep the frame out: who has just let go of a mutex is the first to take it again.
+    void letFramePass() const;
     /// Does something that locks for itself and tells the host; what it throws is reported, and false then.
     bool change(const std::function<bool(ChannelNews&)>& what);
     bool apply(Setting setting, const SettingValue& value, ChannelNews& news) ZELT_REQUIRES(m_state.mutex);
@@ -171,6 +174,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     std::atomic<bool> m_acquisition_started{false};
     /// The camera may acquire although the host's acquisition has ended.
     std::atomic<bool> m_left_acquiring{false};
+    std::atomic<bool> m_frame_waits{false};
     std::atomic<std::uint64_t> m_required_bandwidth{0};
     std::shared_ptr<FrameCounters> m_frame_counters;  ///< set before the channel is shared
     CameraCapture m_capture;

@@ -28,6 +28,7 @@ constexpr const char* kOff = "Off";
 }  // namespace
 
 bool CameraChannel::change(const std::function<bool(ChannelNews&)>& what) {
+    letFramePass();
     ChannelNews news;
     bool accepted = false;
     try {

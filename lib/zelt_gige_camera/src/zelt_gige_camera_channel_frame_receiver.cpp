@@ -41,7 +41,7 @@ void FrameReceiver::setReference(std::uint64_t timestamp, std::uint64_t frameid)
     m_running = true;
 }
 
-void FrameReceiver::receive(const zelt_gige_api::CameraFrame& frame, std::int64_t arrived) {
+void FrameReceiver::receive(const zelt_gige_api::CameraFrame& frame, std::optional<std::int64_t> arrived) {
     if (m_timestamp_generator == nullptr) return;
     ZELT_ASSERT(frame.frameid >= m_timestamp_generator->getStartFrameId());
     if (!m_running) return;
@@ -61,10 +61,11 @@ void FrameReceiver::receive(const zelt_gige_api::CameraFrame& frame, std::int64_
 }
 
 std::int64_t FrameReceiver::timestampWithSyncPoint(const zelt_gige_api::CameraFrame& frame,
-                                                   std::int64_t arrived) {
+                                                   std::optional<std::int64_t> arrived) {
+    const std::int64_t begin = arrived ? *arrived : m_counter.now();
     const std::uint64_t now = m_master_clock != nullptr ? m_master_clock->getTime() : 0;
     const std::int64_t microseconds =
-        (m_counter.now() - arrived) * kMicrosecondsPerSecond / m_counter.frequency();
+        (m_counter.now() - begin) * kMicrosecondsPerSecond / m_counter.frequency();
     const auto cameraTime = static_cast<std::int64_t>(
         frame.timestamp + elapsedTicks(microseconds, m_timestamp_generator->getTickFrequency()));
     const auto hostTime = static_cast<std::int64_t>(now);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "clocks.h"
@@ -36,15 +37,16 @@ class FrameReceiver {
     /// The camera's acquisition-start event; without an acquisition nothing happens.
     void setReference(std::uint64_t timestamp, std::uint64_t frameid);
 
-    /// `arrived`: the counter's reading when the callback was entered. The path of every frame: allocates
-    /// nothing, but for the log library's one per record of an irregular frame, also of a record that no one
-    /// takes.
-    void receive(const zelt_gige_api::CameraFrame& frame, std::int64_t arrived);
+    /// `arrived`: the counter's reading when the callback was entered; empty for just now. The path of every
+    /// frame: allocates nothing, but for the log library's one per record of an irregular frame, also of a
+    /// record that no one takes.
+    void receive(const zelt_gige_api::CameraFrame& frame, std::optional<std::int64_t> arrived);
 
   private:
     static constexpr std::int64_t kNoTimestamp = std::numeric_limits<std::int64_t>::min();
 
-    std::int64_t timestampWithSyncPoint(const zelt_gige_api::CameraFrame& frame, std::int64_t arrived);
+    std::int64_t timestampWithSyncPoint(const zelt_gige_api::CameraFrame& frame,
+                                        std::optional<std::int64_t> arrived);
 
     platform::PerformanceCounter& m_counter;
     std::shared_ptr<zelt::IfMasterClock> m_master_clock;

@@ -1,5 +1,7 @@
 // Construction of a channel, its dealings with the host, and the camera's callbacks.
 #include <limits>
+#include <optional>
+#include <thread>
 #include <utility>
 
 #include "assertion.h"
@@ -124,9 +126,14 @@ void CameraChannel::onAcquisitionEnded(zelt_gige_api::CameraHandle, std::uint64_
 }
 
 void CameraChannel::onFrameReceived(zelt_gige_api::CameraHandle, const zelt_gige_api::CameraFrame& frame) {
-    const std::int64_t arrived = m_counter.now();
     try {
-        const platform::MutexLock lock(m_state.mutex);
+        std::optional<std::int64_t> arrived;
+        // A frame that does not wait needs no clock.
+        const platform::MutexLock lock(m_state.mutex, [&] {
+            m_frame_waits = true;
+            arrived = m_counter.now();
+        });
+        if (arrived) m_frame_waits = false;
         m_receiver.receive(frame, arrived);
     } catch (const std::exception& error) {
         GIGE_LOG(Error) << "Camera " << m_identity.name << " lost frame #" << frame.frameid << ": "
@@ -134,6 +141,10 @@ void CameraChannel::onFrameReceived(zelt_gige_api::CameraHandle, const zelt_gige
     } catch (...) {
         GIGE_LOG(Error) << "Camera " << m_identity.name << " lost frame #" << frame.frameid;
     }
+}
+
+void CameraChannel::letFramePass() const {
+    while (m_frame_waits) std::this_thread::yield();
 }
 
 bool CameraChannel::getLastMessage(exception_manager::Exception& out) {

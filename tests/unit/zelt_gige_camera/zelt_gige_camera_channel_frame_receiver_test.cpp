@@ -1,6 +1,8 @@
 #include "zelt_gige_camera_channel_frame_receiver.h"
 
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -20,8 +22,9 @@ using zelt_gige_camera::Rational;
 class FakeCounter final : public platform::PerformanceCounter {
   public:
     std::int64_t frequency() noexcept override { return 10'000'000; }
-    std::int64_t now() noexcept override { return reading; }
+    std::int64_t now() noexcept override { return std::exchange(reading, reading + step); }
     std::int64_t reading = 0;
+    std::int64_t step = 0;
 };
 
 class FakeClock final : public zelt::IfMasterClock {
@@ -85,13 +88,13 @@ class Receiver : public ::testing::Test {
     void begin(Rational ticks = Rational(1'000'000'000)) {
         receiver.begin(std::make_unique<ScriptedSync>(script, ticks));
     }
-    void receive(std::uint64_t id, std::int64_t time) {
+    void receive(std::uint64_t id, std::int64_t time, std::optional<std::int64_t> arrived = 0) {
         script.nextTime = time;
         CameraFrame frame;
         frame.frameid = id;
         frame.timestamp = 1'000'000;
         frame.imageSize = 77;
-        receiver.receive(frame, 0);
+        receiver.receive(frame, arrived);
     }
 
     FakeCounter counter;
@@ -227,6 +230,18 @@ TEST_F(Receiver, DatesASyncPointRightAfterALongWaitAtTheFastestClock) {
     ASSERT_EQ(script.points.size(), 1u);
     // 999'999'999'989 * 99.999999 s = 99'999'998'998'900.000011
     EXPECT_EQ(script.points[0].cameraTime, 1'000'000 + 99'999'998'998'900);
+}
+
+TEST_F(Receiver, AFrameThatDidNotWaitArrivedWhenItsSyncPointBegan) {
+    begin();
+    script.needsSyncPoint = true;
+    counter.reading = 5'000'000;
+    counter.step = 20;
+    receive(1, 10, std::nullopt);
+    ASSERT_EQ(script.points.size(), 1u);
+    // From one reading to the next: 2 us.
+    EXPECT_EQ(script.points[0].cameraTime, 1'002'000);
+    EXPECT_DOUBLE_EQ(script.points[0].quality, 0.02);
 }
 
 }  // namespace
