@@ -69,7 +69,21 @@ double skippedPulses(std::int64_t ticks, const Rational& tickFrequency, const Ra
 }  // namespace
 
 TriggeredClockSync::TriggeredClockSync(Rational tickFrequency, double rate, Rational auxClockFrequency)
-    : ClockSyncBase(tickFrequency, rate), m_aux_clock_frequency(auxClockFrequency) {}
+    : ClockSyncBase(tickFrequency, rate),
+      m_aux_clock_frequency(auxClockFrequency),
+      m_one_pulse(ticksOfOnePulse(tickFrequency, auxClockFrequency)) {}
+
+TriggeredClockSync::TickRange TriggeredClockSync::ticksOfOnePulse(const Rational& tickFrequency,
+                                                                  const Rational& auxClockFrequency) {
+    const double period =
+        boost::rational_cast<double>(tickFrequency) / boost::rational_cast<double>(auxClockFrequency);
+    constexpr double kLongest = 1e18;
+    if (!(period > 0.0 && period < kLongest)) return {};
+    // Far more than what doubles are off by; what lies between is worked out exactly.
+    constexpr double kMargin = 1e-9;
+    return {static_cast<std::int64_t>(std::ceil(0.5 * period * (1.0 + kMargin))),
+            static_cast<std::int64_t>(std::floor(1.5 * period * (1.0 - kMargin)))};
+}
 
 std::int64_t TriggeredClockSync::timestampFromSync(const zelt_gige_api::CameraFrame& frame) {
     checkPlausibility(frame);
@@ -94,12 +108,14 @@ void TriggeredClockSync::correctOffset(const zelt_gige_api::CameraFrame& frame) 
                    "m_last_frame_timestamp < frame.timestamp");
     ZELT_ASSERT_AS(m_last_frame_id < static_cast<std::int64_t>(frame.frameid),
                    "m_last_frame_id < frame.frameid");
-    const double skipped =
-        skippedPulses(signedDifference(frame.timestamp, static_cast<std::uint64_t>(m_last_frame_timestamp)),
-                      m_tick_frequency, m_aux_clock_frequency);
-    const std::int64_t wholeSkipped = truncateToTimestamp(std::round(skipped));
+    const std::int64_t ticks =
+        signedDifference(frame.timestamp, static_cast<std::uint64_t>(m_last_frame_timestamp));
     const std::int64_t dropped =
         signedDifference(frame.frameid, static_cast<std::uint64_t>(m_last_frame_id) + 1);
+    // No pulse without a frame: nothing to correct, and no need of fractions.
+    if (dropped >= 0 && ticks >= m_one_pulse.least && ticks <= m_one_pulse.most) return;
+    const double skipped = skippedPulses(ticks, m_tick_frequency, m_aux_clock_frequency);
+    const std::int64_t wholeSkipped = truncateToTimestamp(std::round(skipped));
     // Logged before corrected: when a log fails, the next frame meets the same gap again.
     if (wholeSkipped > dropped) {
         GIGE_LOG(Detail) << "Detected " << skipped << " skipped and " << dropped << " dropped frames at #"

@@ -24,7 +24,16 @@ class TriggeredClockSync final : public ClockSyncBase {
     void checkPlausibility(const zelt_gige_api::CameraFrame& frame) const;
     void correctOffset(const zelt_gige_api::CameraFrame& frame);
 
+    /// Camera ticks between two frames, from least to most; none when most is less.
+    struct TickRange {
+        std::int64_t least = 1;
+        std::int64_t most = 0;
+    };
+    static TickRange ticksOfOnePulse(const Rational& tickFrequency, const Rational& auxClockFrequency);
+
     const Rational m_aux_clock_frequency;
+    /// Ticks that are surely nearer to one period than to none or two.
+    const TickRange m_one_pulse;
     // Both -1 before the first frame.
     std::int64_t m_last_frame_timestamp = -1;
     std::int64_t m_last_frame_id = -1;

@@ -26,7 +26,7 @@ using zelt_gige_camera::Rational;
 using zelt_gige_camera::TriggeredClockSync;
 
 constexpr std::int64_t kGigahertz = 1'000'000'000;
-constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
 constexpr std::uint64_t kMillisecond = 1'000'000;
 constexpr const char* kSource = "lib/zelt_gige_camera/src/zelt_gige_triggered_clock_sync";
@@ -283,9 +283,9 @@ TEST_F(Triggered, LargeFractionsThatCancelAreExact) {
 }
 
 TEST(TriggeredWithoutALog, SurvivesWhateverNumbersItIsGiven) {
-    const Rational fractions[] = {Rational(1),       Rational(-1),       Rational(kMin),
-                                  Rational(kMin, 3), Rational(kMax),     Rational(-kMax),
-                                  Rational(1, kMax), Rational(-1, kMax), Rational(kMax, kMax - 1)};
+    const Rational fractions[] = {Rational(1),          Rational(-1),       Rational(kLowest),
+                                  Rational(kLowest, 3), Rational(kMax),     Rational(-kMax),
+                                  Rational(1, kMax),    Rational(-1, kMax), Rational(kMax, kMax - 1)};
     constexpr std::uint64_t kTop = std::uint64_t{1} << 63;
     const std::uint64_t numbers[] = {0,        1,    7,        1u << 31,          kTop - 2,
                                      kTop - 1, kTop, kTop + 1, 2 * (kTop - 1) + 1};
