@@ -103,6 +103,9 @@ class RecordingApi : public slot_check::EndOf<zelt_gige_api::CameraApi> {
     virtual std::string getStringFeature(CameraHandle handle, const char* name) {
         return answer("getStringFeature", std::string(arrived(handle, name) ? "text" : ""));
     }
+    virtual std::shared_ptr<const std::vector<CameraInfo>> currentCameras() {
+        return answer("currentCameras", std::make_shared<const std::vector<CameraInfo>>(29));
+    }
 
     static Operations operations() {
         using Self = RecordingApi;
@@ -133,7 +136,8 @@ class RecordingApi : public slot_check::EndOf<zelt_gige_api::CameraApi> {
                 {"getIntFeatureRange", entryOf(&Self::getIntFeatureRange)},
                 {"getBoolFeature", entryOf(&Self::getBoolFeature)},
                 {"setBoolFeature", entryOf(&Self::setBoolFeature)},
-                {"getStringFeature", entryOf(&Self::getStringFeature)}};
+                {"getStringFeature", entryOf(&Self::getStringFeature)},
+                {"currentCameras", entryOf(&Self::currentCameras)}};
     }
 
   private:
@@ -185,6 +189,8 @@ void callFeatures(Mirror& mirror) {
     EXPECT_TRUE(ofFeature<bool>(mirror, 26));
     setFeature<bool>(mirror, 27, true);
     EXPECT_EQ(ofFeature<std::string>(mirror, 28), "text");
+    using Cameras = std::shared_ptr<const std::vector<CameraInfo>>;
+    EXPECT_EQ(mirror.slot<Cameras()>(29)()->size(), 29u);
 }
 
 const MirrorOf cameraApi("zelt_gige_api::CameraApi", recorded<RecordingApi>, [](Mirror& mirror) {

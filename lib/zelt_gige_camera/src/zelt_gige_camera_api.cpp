@@ -38,4 +38,8 @@ std::uint64_t deviceIdOf(const std::string& cameraId) {
     return std::sscanf(cameraId.c_str(), "DEV_%llX", &number) == 1 ? number : 0;
 }
 
+std::shared_ptr<const std::vector<CameraInfo>> CameraApi::currentCameras() {
+    return std::make_shared<const std::vector<CameraInfo>>(listCameras());
+}
+
 }  // namespace zelt_gige_api

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -156,6 +157,9 @@ class CameraApi {
     virtual bool getBoolFeature(CameraHandle handle, const char* name) = 0;
     virtual void setBoolFeature(CameraHandle handle, const char* name, bool value) = 0;
     virtual std::string getStringFeature(CameraHandle handle, const char* name) = 0;
+    /// What listCameras gives now, for who asks again and again: never null, and as long as the library lists
+    /// the same, the same object. Another object may hold the same cameras, too.
+    virtual std::shared_ptr<const std::vector<CameraInfo>> currentCameras();
 
     void acquisitionStart(CameraHandle handle) { runCommand(handle, "AcquisitionStart"); }
     void acquisitionStop(CameraHandle handle) { runCommand(handle, "AcquisitionStop"); }

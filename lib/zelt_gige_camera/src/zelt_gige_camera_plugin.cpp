@@ -2,6 +2,7 @@
 #include "zelt_gige_camera_plugin.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <boost/uuid/string_generator.hpp>
 
@@ -149,11 +150,14 @@ void CameraPlugin::enumerateDevices() {
         const platform::MutexLock removedLock(m_removed_mutex);
         m_removed.clear();
     }
-    const std::vector<CameraInfo> cameras = m_api->listCameras();
+    const auto cameras = m_api->currentCameras();
+    const bool isNews = cameras != std::exchange(m_enumerated, nullptr);
     // Before any removal: an id is reused only when it was the largest at the enumeration before.
     const std::uint32_t nextId = nextChannelId(m_channels);
-    removeVanished(cameras);
-    addNew(cameras, nextId, wantsFrameCounters());
+    if (isNews) removeVanished(*cameras);
+    const bool withFrameCounters = wantsFrameCounters();
+    if (isNews) addNew(*cameras, nextId, withFrameCounters);
+    m_enumerated = cameras;
 }
 
 void CameraPlugin::removeVanished(const std::vector<CameraInfo>& cameras) {
@@ -213,6 +217,7 @@ void CameraPlugin::publish() {
 void CameraPlugin::retireChannels() noexcept {
     for (const auto& [id, channel] : m_channels) channel->retire();
     m_channels.clear();
+    m_enumerated.reset();
     m_published->clear();
 }
 

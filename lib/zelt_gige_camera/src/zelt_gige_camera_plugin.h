@@ -96,6 +96,8 @@ class CameraPlugin final : public zelt::plugin_util::DAQPluginBase,
     platform::WallClock& m_wall_clock;
     platform::Mutex m_mutex;
     ChannelMap m_channels ZELT_GUARDED_BY(m_mutex);
+    /// The cameras of which every one has its channel, and no other; empty while that is not known.
+    std::shared_ptr<const std::vector<zelt_gige_api::CameraInfo>> m_enumerated ZELT_GUARDED_BY(m_mutex);
     platform::Mutex m_removed_mutex;  ///< held over the publishing of a channel, and over no call
     /// Ids of cameras without a channel that vanished since the last enumeration began: one of them may be
     /// just being opened, and its channel not yet to be found.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -31,7 +32,32 @@ CameraInfo toCameraInfo(const VmbCameraInfo_t& record) {
     return info;
 }
 
+std::vector<VmbCameraInfo_t> askForCameras() {
+    constexpr const char* kFailed = "Could not retrieve the camera list: ";
+    VmbUint32_t count = 0;
+    check(VmbCamerasList(nullptr, 0, &count, sizeof(VmbCameraInfo_t)), kFailed);
+    if (count == 0) return {};
+    auto records = makeRoom<VmbCameraInfo_t>(count, kFailed);
+    const VmbError_t result = VmbCamerasList(records.data(), count, &count, sizeof(VmbCameraInfo_t));
+    // A camera that came between the two calls is found the next time.
+    if (result != VmbErrorMoreData) check(result, kFailed);
+    records.resize(std::min<std::size_t>(count, records.size()));
+    return records;
+}
+
+/// Whether a camera is described by the very texts as before. The library keeps a text that it handed out.
+bool haveSameTexts(const VmbCameraInfo_t& a, const VmbCameraInfo_t& b) {
+    return a.cameraIdString == b.cameraIdString && a.modelName == b.modelName &&
+           a.serialString == b.serialString;
+}
+
 }  // namespace
+
+struct VimbaCameraApi::ListedCameras {
+    std::vector<VmbCameraInfo_t> records;
+    std::uint64_t discoveryEvents = 0;  ///< that had come before the library was asked
+    std::vector<CameraInfo> cameras;
+};
 
 VimbaCameraApi::VimbaCameraApi(platform::PageAllocator& pages) : m_pages(pages) {}
 
@@ -62,8 +88,13 @@ void VimbaCameraApi::shutdown() {
     if (!m_started) return;
     VmbShutdown();
     m_started = false;
-    const platform::MutexLock mapsLock(m_maps_mutex);
-    m_open_cameras.clear();
+    {
+        const platform::MutexLock mapsLock(m_maps_mutex);
+        m_open_cameras.clear();
+    }
+    // The library's texts have gone.
+    const platform::MutexLock listLock(m_list_mutex);
+    m_listed.reset();
 }
 
 std::string VimbaCameraApi::getVersion() {
@@ -108,6 +139,7 @@ void VimbaCameraApi::unregisterDiscoveryCallback() {
 }
 
 void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name) {
+    ++m_discovery_events;
     if (name == nullptr) name = "";
     ZELT_ASSERT(boost::equals(name, "DiscoveryCameraEvent"));
     IfDiscoveryCallback* const callback = m_discovery_callback;
@@ -122,19 +154,30 @@ void VimbaCameraApi::handleDiscoveryEvent(CameraHandle handle, const char* name)
 }
 
 std::vector<CameraInfo> VimbaCameraApi::listCameras() {
-    constexpr const char* kFailed = "Could not retrieve the camera list: ";
-    VmbUint32_t count = 0;
-    check(VmbCamerasList(nullptr, 0, &count, sizeof(VmbCameraInfo_t)), kFailed);
-    if (count == 0) return {};
-    auto records = makeRoom<VmbCameraInfo_t>(count, kFailed);
-    const VmbError_t result = VmbCamerasList(records.data(), count, &count, sizeof(VmbCameraInfo_t));
-    // A camera that came between the two calls is found the next time.
-    if (result != VmbErrorMoreData) check(result, kFailed);
-    records.resize(std::min<std::size_t>(count, records.size()));
-    std::vector<CameraInfo> cameras;
-    cameras.reserve(records.size());
-    for (const VmbCameraInfo_t& record : records) cameras.push_back(toCameraInfo(record));
-    return cameras;
+    return *currentCameras();
+}
+
+std::shared_ptr<const std::vector<CameraInfo>> VimbaCameraApi::currentCameras() {
+    const std::uint64_t events = m_discovery_events;
+    const bool isToldOfChanges = m_discovery_callback != nullptr;
+    std::vector<VmbCameraInfo_t> records = askForCameras();
+    auto listed = [this] {
+        const platform::MutexLock lock(m_list_mutex);
+        return m_listed;
+    }();
+    const bool unchanged = isToldOfChanges && listed != nullptr && listed->discoveryEvents == events &&
+                           std::equal(records.begin(), records.end(), listed->records.begin(),
+                                      listed->records.end(), haveSameTexts);
+    if (!unchanged) {
+        std::vector<CameraInfo> cameras;
+        cameras.reserve(records.size());
+        for (const VmbCameraInfo_t& record : records) cameras.push_back(toCameraInfo(record));
+        listed = std::make_shared<const ListedCameras>(
+            ListedCameras{std::move(records), events, std::move(cameras)});
+        const platform::MutexLock lock(m_list_mutex);
+        m_listed = listed;
+    }
+    return {listed, &listed->cameras};
 }
 
 }  // namespace zelt_gige_api

@@ -60,6 +60,7 @@ class VimbaCameraApi final : public CameraApi {
     bool getBoolFeature(CameraHandle handle, const char* name) override;
     void setBoolFeature(CameraHandle handle, const char* name, bool value) override;
     std::string getStringFeature(CameraHandle handle, const char* name) override;
+    std::shared_ptr<const std::vector<CameraInfo>> currentCameras() override;
 
     /// What the library's callbacks do, step by step; they catch nothing. The functions registered with the
     /// library wrap them.
@@ -75,6 +76,7 @@ class VimbaCameraApi final : public CameraApi {
     };
     class RunningEventCall;
     struct Capture;
+    struct ListedCameras;
 
     void announceFrames(CameraHandle handle, unsigned frameCount);
     void dropForgottenFrames(CameraHandle handle);
@@ -93,6 +95,10 @@ class VimbaCameraApi final : public CameraApi {
     platform::Mutex m_session_mutex;  ///< held while the library is started or stopped
     std::atomic<bool> m_started{false};
     std::atomic<IfDiscoveryCallback*> m_discovery_callback{nullptr};
+    std::atomic<std::uint64_t> m_discovery_events{0};  ///< of cameras that came, went or changed
+
+    platform::Mutex m_list_mutex;  ///< leaf lock around the last list, held across no call
+    std::shared_ptr<const ListedCameras> m_listed ZELT_GUARDED_BY(m_list_mutex);
 
     platform::Mutex m_maps_mutex;  ///< leaf lock around the maps' own operations, held across no call
     std::condition_variable_any m_call_ended;

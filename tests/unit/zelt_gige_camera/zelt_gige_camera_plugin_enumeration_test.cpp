@@ -106,6 +106,29 @@ TEST_F(PluginTest, RefusesAFrameCounterSettingOfAnotherKindAfterTheRemovals) {
     EXPECT_THAT(plugin->getChannelIds(), ElementsAre(1u));
 }
 
+TEST_F(PluginTest, AddsWhatAFailedEnumerationLeftOutAlthoughTheListIsTheSame) {
+    VmbSimUnplugCamera(kMonochromeCamera);
+    enumerate();
+    ASSERT_THAT(plugin->getChannelIds(), ElementsAre(0u));
+    VmbSimPlugCamera(kMonochromeCamera);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    plugin->getPluginConfig()->setItem("FrameCounterChannels",
+                                       config_items::SingleValueConfigItem<std::string>("yes"));
+    EXPECT_THROW(plugin->enumerateDevices(), boost::bad_get);
+    wantFrameCounters(false);
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
+}
+
+TEST_F(PluginTest, RefusesAFrameCounterSettingOfAnotherKindAlsoWithoutANewCamera) {
+    enumerate();
+    plugin->enumerateDevices();
+    plugin->getPluginConfig()->setItem("FrameCounterChannels",
+                                       config_items::SingleValueConfigItem<std::string>("yes"));
+    EXPECT_THROW(plugin->enumerateDevices(), boost::bad_get);
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(0u, 1u));
+}
+
 class SomeOfSixteenCameras : public PluginTest {
   protected:
     SomeOfSixteenCameras() : PluginTest("sixteen-cameras") {

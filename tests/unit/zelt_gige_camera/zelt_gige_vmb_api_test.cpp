@@ -313,4 +313,50 @@ TEST_F(VmbApiTest, AcceptsThatACameraCameBetweenTheTwoCalls) {
     EXPECT_EQ(cameras[0].deviceId, 0u);
 }
 
+TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhileTheLibraryListsTheSame) {
+    find();
+    const auto first = api.currentCameras();
+    ASSERT_EQ(first->size(), 2u);
+    VmbSimJournalStart();
+    EXPECT_EQ(api.currentCameras(), first);
+    EXPECT_THAT(Simulator::journal(),
+                ElementsAre("VmbCamerasList(0, 48) = 0, 2", "VmbCamerasList(2, 48) = 0, 2"));
+    EXPECT_EQ(first->at(1).cameraId, kMonochromeCamera);
+}
+
+TEST_F(VmbApiTest, TheCurrentCamerasAreAnotherObjectWithoutOneThatWent) {
+    find();
+    const auto first = api.currentCameras();
+    VmbSimUnplugCamera(kColourCamera);
+    find();
+    const auto second = api.currentCameras();
+    ASSERT_EQ(second->size(), 1u);
+    EXPECT_EQ(second->front().cameraId, kMonochromeCamera);
+    EXPECT_EQ(first->size(), 2u);
+}
+
+// A library may use the text of a camera that went for one that came, and then only its events tell.
+TEST_F(VmbApiTest, TheCurrentCamerasAreReadAnewAfterADiscoveryEvent) {
+    find();
+    RecordingDiscovery discovery;
+    api.registerDiscoveryCallback(&discovery);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    const auto first = api.currentCameras();
+    VmbSimRaiseDiscoveryEvent("Detected", "DEV_1");
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    const auto second = api.currentCameras();
+    EXPECT_NE(second, first);
+    EXPECT_EQ(second->size(), 2u);
+    api.unregisterDiscoveryCallback();
+}
+
+TEST_F(VmbApiTest, TheCurrentCamerasAreReadAnewInANewSession) {
+    find();
+    const auto first = api.currentCameras();
+    api.shutdown();
+    EXPECT_TRUE(api.startup());
+    find();
+    EXPECT_NE(api.currentCameras(), first);
+}
+
 }  // namespace
