@@ -70,6 +70,7 @@ TEST_P(SoakWeek, LosesNeitherFramesNorMemoryOn) {
     const std::size_t before = s_held[kFirstDayToCompare - 1];
     if (day < kFirstDayToCompare || before == 0) return;
     EXPECT_LE(s_held[day], before + kRoom);
+    if (day + 1 < kDaysOfAWeek) return;
     EXPECT_GT(sums.cables, 0u);
     EXPECT_GT(sums.restarts, 0u);
 }

@@ -315,6 +315,9 @@ TEST_F(VmbApiTest, AcceptsThatACameraCameBetweenTheTwoCalls) {
 
 TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhileTheLibraryListsTheSame) {
     find();
+    RecordingDiscovery discovery;
+    api.registerDiscoveryCallback(&discovery);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
     const auto first = api.currentCameras();
     ASSERT_EQ(first->size(), 2u);
     VmbSimJournalStart();
@@ -322,6 +325,14 @@ TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhileTheLibraryListsTheSame
     EXPECT_THAT(Simulator::journal(),
                 ElementsAre("VmbCamerasList(0, 48) = 0, 2", "VmbCamerasList(2, 48) = 0, 2"));
     EXPECT_EQ(first->at(1).cameraId, kMonochromeCamera);
+    api.unregisterDiscoveryCallback();
+}
+
+// A camera may have come with the texts of one that went.
+TEST_F(VmbApiTest, TheCurrentCamerasAreReadAnewWhenNobodyTellsOfChanges) {
+    find();
+    const auto first = api.currentCameras();
+    EXPECT_NE(api.currentCameras(), first);
 }
 
 TEST_F(VmbApiTest, TheCurrentCamerasAreAnotherObjectWithoutOneThatWent) {
