@@ -42,7 +42,7 @@ TEST_P(EveryVendorCall, ThatFailsIsToldAndLeavesAPluginThatRecords) {
     World world;
     const Baseline baseline = faults::baselineOf(world, phase);
     const std::vector<Fault> all = faults::faultsOf(baseline, test_support::isFullRun());
-    ASSERT_GE(all.size(), kParts);
+    ASSERT_FALSE(all.empty());
     std::size_t examined = 0;
     std::size_t failures = 0;
     for (std::size_t i = part; i < all.size() && failures < kMostFailures; i += kParts) {
