@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kStartEvent = "EventAcquisitionStart";
 constexpr const char* kEndEvent = "EventAcquisitionEnd";
+constexpr std::size_t kCacheLine = 64;
 
 /// How often in a row a library may give a frame back within the call that queues it.
 constexpr unsigned kMostReturns = 100;
@@ -67,16 +68,19 @@ void noteLeftOut(VmbUint64_t frameId) noexcept {
 /// itself would call itself without end.
 void queueFrame(CameraHandle handle, AnnouncedFrame& frame) noexcept {
     const std::thread::id self = std::this_thread::get_id();
-    if (frame.queuedBy == self) {
-        frame.cameBack = true;
+    // Without order among threads: a thread only looks for what it wrote itself.
+    constexpr auto kOrder = std::memory_order_relaxed;
+    if (frame.queuedBy.load(kOrder) == self) {
+        frame.cameBack.store(true, kOrder);
         return;
     }
     for (unsigned turn = 0; turn < kMostReturns; ++turn) {
-        frame.queuedBy = self;
+        frame.queuedBy.store(self, kOrder);
         VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
         std::thread::id expected = self;
-        frame.queuedBy.compare_exchange_strong(expected, std::thread::id());
-        if (!frame.cameBack.exchange(false)) return;
+        frame.queuedBy.compare_exchange_strong(expected, std::thread::id(), kOrder);
+        if (!frame.cameBack.load(kOrder)) return;
+        frame.cameBack.store(false, kOrder);
     }
     noteLeftOut(frame.frameID);
 }
@@ -129,7 +133,8 @@ void logFailure(VmbError_t result, const char* prefix) noexcept {
 /// A camera's announced frames. Stays in place until they are released.
 struct VimbaCameraApi::Capture {
     std::vector<AnnouncedFrame> frames;
-    std::atomic<unsigned> runningCallbacks{0};
+    /// Written with every frame, on a cache line that no other camera writes.
+    alignas(kCacheLine) std::atomic<unsigned> runningCallbacks{0};
 };
 
 /// Finds the callback of a camera and holds off its removal while the call runs.
