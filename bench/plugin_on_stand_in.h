@@ -30,8 +30,8 @@ class FrameClock final : public zelt::IfMasterClock {
     static thread_local std::uint64_t t_now;
 };
 
-/// Counts samples and keeps the last time; looks at no byte of them. Like the next class on a cache line of its
-/// own, since neighbours belong to different threads.
+/// Counts samples and keeps the last time; looks at no byte of them. Like the next class on a cache line of
+/// its own, since neighbours belong to different threads.
 class alignas(64) CountingSink final : public zelt::IfChannelSink {
   public:
     void addSample(std::int64_t time, const void*, std::uint64_t) override {
