@@ -78,7 +78,8 @@ void queueFrame(CameraHandle handle, AnnouncedFrame& frame) noexcept {
         frame.queuedBy.store(self, kOrder);
         VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
         std::thread::id expected = self;
-        frame.queuedBy.compare_exchange_strong(expected, std::thread::id(), kOrder);
+        // Another thread has it by now, and what came back came back to that one.
+        if (!frame.queuedBy.compare_exchange_strong(expected, std::thread::id(), kOrder)) return;
         if (!frame.cameBack.load(kOrder)) return;
         frame.cameBack.store(false, kOrder);
     }
