@@ -12,11 +12,15 @@ macro(zelt_drop_other_systems list)
     list(FILTER ${list} EXCLUDE REGEX "_${ZELT_OTHER_SYSTEM}(_test)?\\.c(pp)?$")
 endmacro()
 
+# ctest hands out six parts of the machine (CMakePresets.json). Tests that compute take a half of them, those that
+# mostly wait one or two.
+set(ZELT_WHOLE 6)
+set(ZELT_HALF 3)
+
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
 # zelt_add_test(NAME fault_tests DIRECTORY trust PREFIX fault_ LIBRARIES zelt_base)
 # One program per folder, or per beginning of names in it, its sources found by glob; a test that skips itself
-# fails. SHARDS: it is run so many times, with a part of its tests each. They take both processors, since some
-# measure time, but not where sanitizers spoil it; those that need virtual time alone set PROCESSORS to 1.
+# fails. SHARDS: it is run so many times, with a part of its tests each.
 function(zelt_add_test)
     cmake_parse_arguments(ARG "" "NAME;DIRECTORY;PREFIX;SHARDS;MAIN" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/${ARG_PREFIX}*_test.cpp")
@@ -38,15 +42,11 @@ function(zelt_add_test)
             list(APPEND tests ${ARG_NAME}_${shard})
         endforeach()
     endif()
-    set(processors 2)
-    if(ZELT_SANITIZE)
-        set(processors 1)
-    endif()
     set(index 0)
     foreach(test IN LISTS tests)
         add_test(NAME ${test} COMMAND ${ARG_NAME})
         set_tests_properties(${test} PROPERTIES
-            FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${processors})
+            FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${ZELT_HALF})
         if(ARG_SHARDS)
             set_tests_properties(${test} PROPERTIES
                 ENVIRONMENT "GTEST_TOTAL_SHARDS=${ARG_SHARDS};GTEST_SHARD_INDEX=${index}")

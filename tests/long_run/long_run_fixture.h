@@ -1,6 +1,7 @@
 /// A plug-in with one camera of small pictures, recorded in virtual time.
 #pragma once
 
+#include "full_run.h"
 #include "plugin_fixture.h"
 
 namespace test_support {
@@ -10,11 +11,7 @@ inline constexpr std::uint64_t kSecond = 1'000'000'000;
 
 /// Recordings are shorter by this much in the presets that do not optimise, and under Wine, whose threads
 /// take several times as long to hand work to each other.
-#if defined(NDEBUG) && !defined(_WIN32)
-inline constexpr std::uint64_t kShorterBy = 1;
-#else
-inline constexpr std::uint64_t kShorterBy = 24;
-#endif
+inline constexpr std::uint64_t kShorterBy = kRunsFast ? 1 : 24;
 
 /// What one delivered frame says of itself, and the time stamp that it was given.
 struct StampedFrame {

@@ -3,4 +3,11 @@
 
 #include "logging.h"
 
-#define GIGE_LOG(severity) ZELT_LOG(diagnostics::unilogger_zelt_plugin_gige_camera(), severity)
+namespace zelt_gige_camera {
+
+/// Looked up once, when the library is loaded.
+inline diagnostics::Logger& s_gige_log = diagnostics::unilogger_zelt_plugin_gige_camera();
+
+}  // namespace zelt_gige_camera
+
+#define GIGE_LOG(severity) ZELT_LOG(zelt_gige_camera::s_gige_log, severity)
