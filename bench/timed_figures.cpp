@@ -1,5 +1,6 @@
 #include "timed_figures.h"
 
+#include <array>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -28,6 +29,37 @@ void framePath(benchmark::State& state, Mode mode) {
         state.SkipWithError("frames got lost");
 }
 
+/// Each thread delivers the frames of its own cameras in turn.
+template <class FramesOf>
+void deliverInTurn(benchmark::State& state, FramesOf framesOf) {
+    std::vector<FrameSource*> own;
+    for (auto camera = static_cast<unsigned>(state.thread_index()); camera < kManyCameras;
+         camera += static_cast<unsigned>(state.threads())) {
+        own.push_back(&framesOf(camera));
+    }
+    std::size_t next = 0;
+    for (auto _ : state) {
+        own[next]->deliver();
+        if (++next == own.size()) next = 0;
+    }
+}
+
+std::vector<std::unique_ptr<BareCamera>> s_manyBare;
+
+void startManyBare(const benchmark::State&) {
+    for (unsigned camera = 0; camera < kManyCameras; ++camera) {
+        s_manyBare.push_back(std::make_unique<BareCamera>(kManyCameras + camera));
+    }
+}
+
+void stopManyBare(const benchmark::State&) {
+    s_manyBare.clear();
+}
+
+void manyBareCallbacks(benchmark::State& state) {
+    deliverInTurn(state, [](unsigned camera) -> FrameSource& { return s_manyBare[camera]->frames(); });
+}
+
 std::unique_ptr<PluginOnStandIn> s_many;
 
 void startMany(const benchmark::State&) {
@@ -38,17 +70,22 @@ void stopMany(const benchmark::State&) {
     s_many.reset();
 }
 
-/// Each thread delivers the frames of its own cameras in turn.
 void manyCameras(benchmark::State& state) {
-    std::vector<FrameSource*> own;
-    for (auto camera = static_cast<unsigned>(state.thread_index()); camera < kManyCameras;
-         camera += static_cast<unsigned>(state.threads())) {
-        own.push_back(&s_many->frames(camera));
-    }
-    std::size_t next = 0;
+    deliverInTurn(state, [](unsigned camera) -> FrameSource& { return s_many->frames(camera); });
+}
+
+/// The compiler takes what it counts for needed and cannot add up ahead.
+void keep(std::uint64_t& sum) {
+    __asm__ volatile("" : "+r"(sum));
+}
+
+/// Additions that wait for nothing: as many at a time as a core can take.
+void additions(benchmark::State& state) {
+    std::array<std::uint64_t, 8> sums{};
     for (auto _ : state) {
-        own[next]->deliver();
-        if (++next == own.size()) next = 0;
+        for (int i = 0; i < 32; ++i) {
+            for (std::uint64_t& sum : sums) keep(++sum);
+        }
     }
 }
 
@@ -94,8 +131,15 @@ void registerAll() {
     benchmark::RegisterBenchmark("bare", &bareCallback);
     benchmark::RegisterBenchmark("fixed_rate", [](auto& state) { framePath(state, Mode::FixedRate); });
     benchmark::RegisterBenchmark("aux", [](auto& state) { framePath(state, Mode::Aux); });
+    const int cores = static_cast<int>(std::thread::hardware_concurrency());
+    benchmark::RegisterBenchmark("additions", &additions);
+    benchmark::RegisterBenchmark("many_additions", &additions)->Threads(cores);
+    benchmark::RegisterBenchmark("many_bare", &manyBareCallbacks)
+        ->Threads(cores)
+        ->Setup(&startManyBare)
+        ->Teardown(&stopManyBare);
     benchmark::RegisterBenchmark("many", &manyCameras)
-        ->Threads(static_cast<int>(std::thread::hardware_concurrency()))
+        ->Threads(cores)
         ->Setup(&startMany)
         ->Teardown(&stopMany);
     benchmark::RegisterBenchmark("enumerate_1", [](auto& state) { secondEnumeration(state, 1); });
@@ -138,6 +182,11 @@ Figures timedFigures() {
     Figure throughput =
         ratio("throughput of 16 cameras on all cores / 1 camera x cores", "fixed_rate", "many", 0.9);
     throughput.atLeast = true;
+    char machine[80];
+    std::snprintf(machine, sizeof machine, "; the machine: additions %.2f, bare callbacks %.2f",
+                  collector.ns("additions") / collector.ns("many_additions"),
+                  collector.ns("bare") / collector.ns("many_bare"));
+    throughput.explanation += machine;
     return {ratio("frame path at a fixed rate / bare callback", "fixed_rate", "bare", 3.0),
             ratio("frame path in AUX mode / bare callback", "aux", "bare", 5.0), throughput,
             ratio("log statement switched off / uncontended mutex pair", "log", "mutex", 0.3),

@@ -11,6 +11,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build/linux-coverage"
 DOCUMENT = ROOT / "docs/COVERAGE.md"
+CLOSURE = re.compile(r"\[[^\]]*\](\(.*\))? \{$")
 
 
 def measured():
@@ -19,6 +20,13 @@ def measured():
                "--exclude-unreachable-branches", "--json", "-", BUILD]
     text = subprocess.run(command, check=True, capture_output=True, text=True).stdout
     return sorted(json.loads(text)["files"], key=lambda each: each["file"])
+
+
+def count_closures(lines, source):
+    """The compiler counts no call on a line where a closure begins; its first line tells."""
+    for line, following in zip(lines, lines[1:]):
+        if line["count"] == 0 and CLOSURE.search(source[line["line_number"] - 1]):
+            line["count"] = following["count"]
 
 
 def rows(section):
@@ -34,13 +42,14 @@ def in_code(cell):
 
 def main():
     reasons = {(in_code(file), in_code(line)) for file, line, why in rows("Lines that no test runs") if why}
-    allowed = {in_code(file): int(count) for file, count in rows("Branches that no test takes")}
+    allowed = {in_code(file): int(count) for file, count, why in rows("Branches that no test takes") if why}
     wrong = []
     sums = [0, 0, 0, 0]
     print(f"{'file':<74} {'lines':>11} {'branches':>11}")
     for each in measured():
         source = (ROOT / each["file"]).read_text(encoding="utf-8").splitlines()
         lines = [line for line in each["lines"] if not line.get("gcovr/noncode")]
+        count_closures(lines, source)
         branches = [branch for line in lines for branch in line["branches"]]
         counts = [sum(line["count"] > 0 for line in lines), len(lines),
                   sum(branch["count"] > 0 for branch in branches), len(branches)]

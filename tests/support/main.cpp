@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "full_run.h"
 #include "hang_watch.h"
 #include "logging.h"
 
@@ -13,6 +14,6 @@ int main(int argc, char** argv) {
     diagnostics::unilogger_CONFIG_ITEMS();
     ::testing::InitGoogleMock(&argc, argv);
     // Far more than the longest takes under the slowest sanitizer.
-    test_support::limitEveryTest(240);
+    test_support::limitEveryTest(test_support::isFullRun() ? 3600 : 240);
     return RUN_ALL_TESTS();
 }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "log_capture.h"
+#include "throwing_log.h"
 
 namespace {
 
@@ -37,6 +38,16 @@ TEST(TraceScope, WritesItsExitWhenAnExceptionLeavesTheScope) {
     EXPECT_THROW(fail(), std::runtime_error);
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Trace),
                 ElementsAre("Entering work() ...", "... exiting work()."));
+}
+
+TEST(TraceScope, KeepsToItselfThatTheLogFails) {
+    const test_support::ThrowingLog log("work()");
+    bool worked = false;
+    {
+        const diagnostics::TraceScope trace(diagnostics::unilogger_zelt_plugin_gige_camera(), "work()");
+        worked = true;
+    }
+    EXPECT_TRUE(worked);
 }
 
 }  // namespace

@@ -194,6 +194,25 @@ TEST_F(Polled, EveryAutomaticValueIsReadMoreThanASecondAfterTheLastTime) {
     EXPECT_EQ(poll(), "");
 }
 
+TEST_F(Polled, AHostThatDoesNotTakeTheNewsIsAskedToTheNextTime) {
+    open();
+    automatic("CAMERA/GainAuto");
+    start();
+    int told = 0;
+    channel(0)->setChangeCallback([&](const std::string&) {
+        ++told;
+        throw std::runtime_error("the host failed");
+    });
+    for (const char* gain : {"5", "7"}) {
+        VmbSimForceFeature(kColourCamera, "Gain", gain);
+        wallClock.time += 2;
+        poll();
+    }
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(text(0, "CAMERA/Gain"), "7");
+    channel(0)->setChangeCallback({});
+}
+
 TEST_F(Polled, NothingIsReadBeforeTheStart) {
     open();
     automatic("CAMERA/GainAuto");

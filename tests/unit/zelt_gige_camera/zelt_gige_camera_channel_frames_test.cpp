@@ -251,6 +251,22 @@ TEST_F(FramesByHand, SurviveASinkThatThrows) {
     EXPECT_THAT(times(), SizeIs(1));
 }
 
+class SinkWithoutAReason final : public zelt::IfChannelSink {
+  public:
+    void addSample(std::int64_t, const void*, std::uint64_t) override { throw 42; }
+};
+
+TEST_F(FramesByHand, SurviveASinkThatThrowsWithoutAReason) {
+    SinkWithoutAReason throwing;
+    plugin->setChannelSink(0, &throwing);
+    const LogCapture log(UniLogSeverityLevel::Error);
+    deliver(7, 7000);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error), ElementsAre("Camera " + kName + " lost frame #7"));
+    plugin->setChannelSink(0, &sink);
+    deliver(8, 8000);
+    EXPECT_THAT(times(), SizeIs(1));
+}
+
 /// Copies as a real host's sink does, into memory of its own.
 class CopyingSink final : public zelt::IfChannelSink {
   public:

@@ -20,6 +20,7 @@ using test_support::Simulator;
 using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -157,6 +158,27 @@ TEST_F(PluginTest, AStartThatFailsBringsEveryChannelBack) {
     start();
     stop();
     EXPECT_THAT(assertions.failures(), IsEmpty());
+}
+
+TEST_F(PluginTest, AStartThatFailsIsWhatTheHostHearsAlthoughTheWayBackFailsToo) {
+    enumerate();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_TRUE(plugin->onAcquisitionPrepared());
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStart", 2, VmbErrorOther);
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStop", 1, VmbErrorOther);
+    VmbSimJournalStart();
+    try {
+        plugin->startAcquisition();
+        FAIL();
+    } catch (const exception_manager::Exception& error) {
+        EXPECT_THAT(exception_manager::fillPlaceholders(error), HasSubstr("Cannot start acquisition of"));
+    }
+    EXPECT_FALSE(plugin->isAcquiring());
+    const std::vector<std::string> calls = hostCalls();
+    EXPECT_THAT(calls, Contains(call("VmbCaptureEnd")));
+    EXPECT_THAT(calls, Contains(call("VmbCaptureEnd", "", kMonochromeCamera)));
+    start();
+    stop();
 }
 
 TEST_F(PluginTest, StopsEveryCameraBeforeItEndsTheFirstCapture) {

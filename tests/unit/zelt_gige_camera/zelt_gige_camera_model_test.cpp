@@ -23,7 +23,7 @@ TEST(CameraModel, IgnoresUpperAndLowerCase) {
 
 TEST(CameraModel, IsOtherForEveryOtherName) {
     for (const char* name :
-         {"", "MANTA G-032B", "MANTA_G-03", "MANTA_G-035", "XMANTA_G-031", "Mako G-319C"}) {
+         {"", "MANTA G-032B", "MANTA_G-03", "MANTA_G-035", "XMANTA_G-031", "{ANTA_G-031", "Mako G-319C"}) {
         EXPECT_EQ(cameraModelKind(name), CameraModelKind::Other) << name;
     }
 }

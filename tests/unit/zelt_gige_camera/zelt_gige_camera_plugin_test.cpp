@@ -1,10 +1,17 @@
 // Lifecycle of the plug-in: initialisation, enumeration, termination, discovery, destruction.
+#include "zelt_gige_camera_plugin.h"
+
+#include <algorithm>
 #include <cmath>
+#include <memory>
 #include <thread>
 
 #include "config_item_variant.h"
+#include "forwarding_camera_api.h"
 #include "plugin_fixture.h"
+#include "throwing_log.h"
 #include "zelt_gige_camera_api.h"
+#include "zelt_gige_vmb_api.h"
 
 namespace {
 
@@ -146,6 +153,46 @@ TEST_F(PluginTest, HasNoConfigurationForAnUnknownChannel) {
     EXPECT_EQ(plugin->getChannelConfig(2), nullptr);
     EXPECT_EQ(plugin->getChannel(2), nullptr);
     EXPECT_EQ(plugin->getChannel(1), plugin->getChannelConfig(1));
+}
+
+/// Undoes what it is told to, and throws all the same.
+class StubbornApi final : public test_support::ForwardingCameraApi {
+  public:
+    using ForwardingCameraApi::ForwardingCameraApi;
+
+    void unregisterDiscoveryCallback() override {
+        ForwardingCameraApi::unregisterDiscoveryCallback();
+        throw zelt_gige_api::CameraApiError("no");
+    }
+    void shutdown() override {
+        ForwardingCameraApi::shutdown();
+        throw zelt_gige_api::CameraApiError("no");
+    }
+};
+
+TEST_F(PluginTest, IsDestroyedToTheEndWhateverItsCameraApiThrows) {
+    destroy();
+    plugin = new zelt_gige_camera::CameraPlugin(
+        0, std::make_shared<StubbornApi>(std::make_shared<zelt_gige_api::VimbaCameraApi>()));
+    enumerate();
+    VmbSimJournalStart();
+    destroy();
+    const std::vector<std::string> calls = Simulator::calledFunctions();
+    EXPECT_EQ(std::ranges::count(calls, "VmbCameraClose"), 2);
+    EXPECT_EQ(calls.back(), "VmbShutdown");
+}
+
+TEST_F(PluginTest, ALogThatFailsWhileACameraGoesTakesNothingDown) {
+    enumerate();
+    {
+        const test_support::ThrowingLog log("no longer connected");
+        VmbSimUnplugCamera(kColourCamera);
+        VmbSimWaitForEvents(kPatienceMs);
+    }
+    plugin->enumerateDevices();
+    EXPECT_THAT(plugin->getChannelIds(), ElementsAre(1u));
+    start();
+    stop();
 }
 
 TEST_F(PluginTest, LogsCamerasThatComeAndGoAndTellsTheChannel) {

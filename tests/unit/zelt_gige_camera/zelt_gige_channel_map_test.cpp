@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +59,14 @@ TEST(PublishedChannelsTest, LeaveAnEarlierSnapshotAsItWas) {
     published.publish(withIds({4}));
     EXPECT_TRUE(before->empty());
     EXPECT_EQ(published.snapshot()->count(4), 1u);
+}
+
+TEST(PublishedChannelsTest, HaveNoTriggerFrequencyWithoutTheServiceThatKeepsIt) {
+    const PublishedChannels published(nullptr);
+    std::vector<zelt_gige_camera::AuxFrequency> told;
+    published.deliverAuxFrequency([&](const auto& frequency) { told.push_back(frequency); });
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_FALSE(told[0].has_value());
 }
 
 TEST(PublishedChannelsTest, AddUpTheBandwidthWhileAnotherThreadPublishes) {

@@ -60,7 +60,7 @@ TEST(FourCc, IgnoresUpperAndLowerCase) {
 }
 
 TEST(FourCc, RefusesTextsThatNameNoFormat) {
-    for (const char* text : {"", "Y80", "Y8000", "RGBX", "MJPG", "RGB "}) {
+    for (const char* text : {"", "Y80", "Y8000", "RGBX", "MJPG", "RGB ", "{800"}) {
         EXPECT_EQ(failureOf([&] { fourCcCode(text); }), "fourcc invalid") << text;
     }
 }

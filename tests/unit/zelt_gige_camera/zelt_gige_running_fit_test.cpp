@@ -121,6 +121,26 @@ TEST(RunningFit, ReadsTheLargestHostTimesAsUnsigned) {
     EXPECT_EQ(fit.estimate(10), 1.8446744073709552e19);
 }
 
+/// A line of slope 1 through these two times, that of the newest point.
+void addLine(RunningFit& fit, std::int64_t camera, std::uint64_t host) {
+    for (int point = 19; point >= 0; --point) {
+        fit.add(camera - 1000 * point, host - 1000 * static_cast<unsigned>(point), 0.0);
+    }
+}
+
+TEST(RunningFit, GoesOnBeforeTheHostsFirstTime) {
+    RunningFit fit(kHistory);
+    addLine(fit, 20'000, 20'000);
+    EXPECT_NEAR(fit.estimate(-5'000), -5'000.0, 1e-6);
+}
+
+TEST(RunningFit, GoesOnBehindTheHostsLastTime) {
+    RunningFit fit(kHistory);
+    addLine(fit, 20'000, std::numeric_limits<std::uint64_t>::max());
+    const double stepOfADouble = 4096.0;
+    EXPECT_NEAR(fit.estimate(1'020'000), 1.8446744073709552e19 + 1e6, stepOfADouble);
+}
+
 TEST(RunningFit, BridgesTheLargestDifferencesOfTimes) {
     RunningFit fit(kHistory);
     fit.add(std::numeric_limits<std::int64_t>::min(), 0, 0.0);

@@ -1,5 +1,6 @@
 // Frame buffers, capture, acquisition events.
 #include "capture_fixture.h"
+#include "throwing_log.h"
 
 namespace {
 
@@ -179,6 +180,14 @@ TEST_F(Capture, EndGoesOnThroughEveryFailureAndLogsThree) {
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Warning),
                 ElementsAre("Cannot end capture: Other error", "Cannot flush the capture queue: Other error",
                             "Cannot deallocate buffers: Other error"));
+    EXPECT_EQ(pages.held, 0);
+}
+
+TEST_F(Capture, EndGoesOnWhenTheLogDoesNotTakeItsFailure) {
+    api.startCapture(camera, 5);
+    VmbSimFailCall("VmbCaptureEnd", nullptr, 1, VmbErrorOther);
+    const test_support::ThrowingLog log("Cannot end capture");
+    api.endCapture(camera);
     EXPECT_EQ(pages.held, 0);
 }
 

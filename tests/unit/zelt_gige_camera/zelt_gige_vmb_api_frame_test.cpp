@@ -5,6 +5,7 @@
 
 #include "capture_fixture.h"
 #include "latch.h"
+#include "throwing_log.h"
 
 namespace {
 
@@ -85,6 +86,21 @@ TEST_F(FrameByHand, WhatItsCallbackThrowsIsLoggedAndGoesNoFurther) {
     EXPECT_EQ(queued(), 2u);
     EXPECT_THAT(log.texts(UniLogSeverityLevel::Error),
                 ElementsAre("Exception in the frame handler: host trouble"));
+}
+
+TEST_F(FrameByHand, WhatItsCallbackThrowsWithoutAReasonIsLoggedToo) {
+    const LogCapture log(UniLogSeverityLevel::Error);
+    callback.beforeReturn = [](const CameraCall&) { throw 42; };
+    registered(handle, frame);
+    EXPECT_EQ(queued(), 2u);
+    EXPECT_THAT(log.texts(UniLogSeverityLevel::Error), ElementsAre("Unknown exception in the frame handler"));
+}
+
+TEST_F(FrameByHand, IsQueuedAgainWhenNotEvenTheLogTakesWhatItsCallbackThrows) {
+    const test_support::ThrowingLog log("in the frame handler");
+    callback.beforeReturn = [](const CameraCall&) { throw std::runtime_error("host trouble"); };
+    registered(handle, frame);
+    EXPECT_EQ(queued(), 2u);
 }
 
 TEST_F(FrameByHand, KeepsItsMemoryWhileItsCallbackRunsAlthoughCaptureEnds) {
