@@ -1,6 +1,7 @@
 // Frames that are not what was announced, and calls at times and on threads that nobody promised.
 #include "allocation_counter.h"
 #include "hostile_fixture.h"
+#include "throwing_log.h"
 
 namespace {
 
@@ -60,6 +61,17 @@ class HostileFrames : public HostileRecording {
         std::uint32_t count = 0;
         EXPECT_EQ(VmbSimFrameCounts(kMonochromeCamera, &announced, &count), VmbErrorSuccess);
         return count;
+    }
+    /// From now on each frame comes back within the call that queues it.
+    void giveBackWithoutEnd(std::uint64_t& rounds) {
+        vendor.captureFrameQueue.instead = [&rounds](VmbHandle_t handle, const VmbFrame_t* frame,
+                                                     VmbFrameCallback callback) {
+            auto& given = const_cast<VmbFrame_t&>(*frame);
+            fill(given, 100 + ++rounds);
+            // A library without an end, but for this test.
+            if (rounds < 10'000) callback(handle, &given);
+            return VmbError_t{VmbErrorSuccess};
+        };
     }
     /// A run of the honest camera after all that.
     void expectHonestFrames() {
@@ -212,14 +224,7 @@ TEST_F(HostileFrames, FramesThatComeBackWithinTheCallThatQueuesThemAreAllDeliver
 TEST_F(HostileFrames, AFrameThatComesBackWithoutEndIsLeftOutByName) {
     std::uint64_t rounds = 0;
     start();
-    vendor.captureFrameQueue.instead = [&](VmbHandle_t handle, const VmbFrame_t* frame,
-                                           VmbFrameCallback callback) {
-        auto& given = const_cast<VmbFrame_t&>(*frame);
-        fill(given, 100 + ++rounds);
-        // A library without an end, but for this test.
-        if (rounds < 10'000) callback(handle, &given);
-        return VmbError_t{VmbErrorSuccess};
-    };
+    giveBackWithoutEnd(rounds);
     const LogCapture log(UniLogSeverityLevel::Error);
     const Taken taken = take(100);
     taken.callback(taken.handle, taken.frame);
@@ -228,6 +233,22 @@ TEST_F(HostileFrames, AFrameThatComesBackWithoutEndIsLeftOutByName) {
         log.texts(UniLogSeverityLevel::Error),
         ElementsAre("The buffer of frame #200 came back while it was queued, each of 100 times, and is left "
                     "out"));
+    EXPECT_EQ(queued(), kBuffers - 1);
+    vendor = HostileVendor();
+    stop();
+    expectHonestFrames();
+}
+
+TEST_F(HostileFrames, AFrameThatComesBackWithoutEndIsLeftOutAlthoughTheLogFails) {
+    std::uint64_t rounds = 0;
+    start();
+    giveBackWithoutEnd(rounds);
+    {
+        const test_support::ThrowingLog log("came back while it was queued");
+        const Taken taken = take(100);
+        taken.callback(taken.handle, taken.frame);
+    }
+    EXPECT_EQ(rounds, 100u);
     EXPECT_EQ(queued(), kBuffers - 1);
     vendor = HostileVendor();
     stop();

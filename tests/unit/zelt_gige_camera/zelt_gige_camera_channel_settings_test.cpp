@@ -121,6 +121,16 @@ TEST_F(Settings, ANumberThatTheCameraRoundsIsTakenOverAndTold) {
     EXPECT_THAT(changes.keys, ElementsAre("CAMERA/FrameSetting", "SampleRate", "Valid"));
 }
 
+TEST_F(Settings, AFrameRateWhoseExposureLimitIsRefusedIsTheCamerasAndToldAllTheSame) {
+    open();
+    const Changes changes(channel(0));
+    VmbSimFailCall("VmbFeatureIntSet", "ExposureAutoMax", 1, VmbErrorOther);
+    EXPECT_FALSE(setNumber("CAMERA/FrameSetting", 20));
+    EXPECT_EQ(lastMessage(0), refusal("The feature 'ExposureAutoMax' is not supported"));
+    EXPECT_EQ(text(0, "CAMERA/FrameSetting"), "20 fps");
+    EXPECT_THAT(changes.keys, Contains("CAMERA/FrameSetting"));
+}
+
 TEST_F(Settings, ANumberThatTheCameraRefusesIsReportedAndNotKept) {
     open();
     const LogCapture log(UniLogSeverityLevel::Error);

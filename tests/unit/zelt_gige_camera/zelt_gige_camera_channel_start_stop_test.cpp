@@ -132,6 +132,21 @@ TEST_F(OneCamera, ThatCouldNotBeStoppedIsAbortedBeforeItIsConfiguredAgain) {
     EXPECT_EQ(hostCalls().front(), call("VmbFeatureCommandRun", quoted("AcquisitionAbort")));
 }
 
+TEST_F(OneCamera, ThatCouldNotBeAbortedEitherIsAbortedTheNextTime) {
+    open();
+    start();
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionStop", 1, VmbErrorOther);
+    EXPECT_THROW(plugin->stopAcquisition(), zelt_gige_api::CameraApiError);
+    EXPECT_TRUE(plugin->onAcquisitionFinished());
+    VmbSimFailCall("VmbFeatureCommandRun", "AcquisitionAbort", 1, VmbErrorOther);
+    plugin->prepareAcquisition();
+    VmbSimJournalStart();
+    EXPECT_TRUE(plugin->prepareAcquisition());
+    EXPECT_EQ(hostCalls().front(), call("VmbFeatureCommandRun", quoted("AcquisitionAbort")));
+    EXPECT_TRUE(plugin->startAcquisition());
+    stop();
+}
+
 TEST_F(OneCamera, ThatWasNeverStartedIsNotAborted) {
     open();
     plugin->setSharedAcquisitionObject(nullptr);
