@@ -221,6 +221,36 @@ TEST_F(HostileFrames, FramesThatComeBackWithinTheCallThatQueuesThemAreAllDeliver
     expectHonestFrames();
 }
 
+/// Within the call that queues one of two frames the library gives the other one back, `kRounds` times in
+/// all.
+TEST_F(HostileFrames, TwoFramesThatBringEachOtherBackAreDeliveredWithoutGoingDeeper) {
+    constexpr std::uint64_t kRounds = 40;
+    std::uint64_t rounds = 0;
+    unsigned depth = 0;
+    unsigned deepest = 0;
+    start();
+    const Taken first = take(100);
+    const Taken second = take(100);
+    vendor.captureFrameQueue.instead = [&](VmbHandle_t handle, const VmbFrame_t* frame,
+                                           VmbFrameCallback callback) {
+        if (rounds == kRounds) return vendor.captureFrameQueue.honest(handle, frame, callback);
+        VmbFrame_t* const other = frame == first.frame ? second.frame : first.frame;
+        fill(*other, 100 + ++rounds);
+        deepest = std::max(deepest, ++depth);
+        callback(handle, other);
+        --depth;
+        return VmbError_t{VmbErrorSuccess};
+    };
+    first.callback(first.handle, first.frame);
+    EXPECT_THAT(sink.samples(), SizeIs(kRounds + 1));
+    EXPECT_EQ(deepest, 2u);
+    // The library keeps the second one, which it did not queue the last time.
+    EXPECT_EQ(queued(), kBuffers - 1);
+    vendor = HostileVendor();
+    stop();
+    expectHonestFrames();
+}
+
 TEST_F(HostileFrames, AFrameThatComesBackWithoutEndIsLeftOutByName) {
     std::uint64_t rounds = 0;
     start();

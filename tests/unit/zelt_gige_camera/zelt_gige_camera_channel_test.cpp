@@ -1,6 +1,10 @@
 // A channel through the plug-in: settings and opening.
+#include "zelt_gige_camera_channel.h"
+
 #include "channel_fixture.h"
 #include "config_item_variant.h"
+#include "zelt_gige_channel_map.h"
+#include "zelt_gige_vmb_api.h"
 
 namespace {
 
@@ -23,6 +27,29 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
+
+/// The name in the messages of a camera that tells this of itself.
+std::string nameOf(const zelt_gige_api::CameraInfo& info) {
+    zelt_gige_camera::CameraChannel camera({0, 0}, info,
+                                           std::make_shared<zelt_gige_camera::PublishedChannels>(nullptr),
+                                           std::make_shared<zelt_gige_api::VimbaCameraApi>(), 0);
+    camera.onDisconnected();
+    exception_manager::Exception message;
+    EXPECT_TRUE(camera.getLastMessage(message));
+    const std::string text = exception_manager::fillPlaceholders(message);
+    const std::size_t begin = std::string("Camera ").size();
+    return text.substr(begin, text.rfind(" is no longer connected") - begin);
+}
+
+TEST(CameraName, IsMadeOfModelAndSerialNumberOrOfWhatThereIs) {
+    zelt_gige_api::CameraInfo info;
+    info.cameraId = "DEV_000F31000001";
+    EXPECT_EQ(nameOf(info), "DEV_000F31000001");
+    info.modelName = "Manta_G-032B";
+    EXPECT_EQ(nameOf(info), "Manta_G-032B");
+    info.serialNumber = "50-0503200002";
+    EXPECT_EQ(nameOf(info), "Manta_G-032B (50-0503200002)");
+}
 
 TEST_F(OneCamera, ListsItsSettingsInOrder) {
     open();
