@@ -1,6 +1,7 @@
 #include "timed_figures.h"
 
 #include <array>
+#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -148,7 +149,24 @@ void registerAll() {
     benchmark::RegisterBenchmark("log", &logSwitchedOff);
 }
 
+/// Sleeps until this object goes. Libraries do without the processor's locks in a program with one thread, and
+/// no host is one.
+class SecondThread {
+  public:
+    SecondThread()
+        : m_thread([this](const std::stop_token& end) {
+              std::unique_lock lock(m_mutex);
+              m_never.wait(lock, end, [] { return false; });
+          }) {}
+
+  private:
+    std::mutex m_mutex;
+    std::condition_variable_any m_never;
+    std::jthread m_thread;
+};
+
 void runInterleaved(Collector& collector) {
+    const SecondThread second;
     std::string program = "bench";
     std::string interleaved = "--benchmark_enable_random_interleaving=true";
     std::string repetitions = "--benchmark_repetitions=25";
