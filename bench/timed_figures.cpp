@@ -149,8 +149,8 @@ void registerAll() {
     benchmark::RegisterBenchmark("log", &logSwitchedOff);
 }
 
-/// Sleeps until this object goes. Libraries do without the processor's locks in a program with one thread, and
-/// no host is one.
+/// Sleeps until this object goes. Libraries do without the processor's locks in a program with one thread,
+/// and no host is one.
 class SecondThread {
   public:
     SecondThread()
