@@ -170,7 +170,7 @@ void runInterleaved(Collector& collector) {
     std::string program = "bench";
     std::string interleaved = "--benchmark_enable_random_interleaving=true";
     std::string repetitions = "--benchmark_repetitions=25";
-    std::string time = "--benchmark_min_time=0.03";
+    std::string time = "--benchmark_min_time=0.1";
     char* arguments[] = {program.data(), interleaved.data(), repetitions.data(), time.data(), nullptr};
     int count = 4;
     benchmark::Initialize(&count, arguments);
