@@ -38,6 +38,8 @@ struct AnnouncedFrame : VmbFrame_t {
     void* pages = nullptr;
     VmbUint32_t size = 0;
     std::atomic<bool> released{false};
+    std::atomic<std::thread::id> queuedBy{};  ///< the thread that is about to queue it
+    std::atomic<bool> cameBack{false};        ///< to that thread, before it was through
 };
 
 /// Counts a frame's callback while it runs. Nothing is touched after the count went down: whoever waits for
@@ -62,34 +64,23 @@ void noteLeftOut(VmbUint64_t frameId) noexcept {
     }
 }
 
-/// A frame that this thread is about to queue. The library may give it back, or another one, within that
-/// call.
-struct Queueing {
-    const AnnouncedFrame& frame;
-    Queueing* const outer;
-    bool cameBack = false;
-};
-thread_local Queueing* t_queueing = nullptr;
-
-Queueing* findQueueing(const AnnouncedFrame& frame) {
-    Queueing* queueing = t_queueing;
-    while (queueing != nullptr && &queueing->frame != &frame) queueing = queueing->outer;
-    return queueing;
-}
-
 /// Queues a frame, again when the library gives it back within that very call: a callback that queued it
-/// itself would call itself without end. What came back to another thread is that one's to queue.
+/// itself would call itself without end.
 void queueFrame(CameraHandle handle, AnnouncedFrame& frame) noexcept {
-    if (Queueing* const queueing = findQueueing(frame)) {
-        queueing->cameBack = true;
+    const std::thread::id self = std::this_thread::get_id();
+    // Without order among threads: a thread only looks for its own mark. Should it wipe out the next one's,
+    // who has the frame by now, that one queues what comes back one call deeper.
+    constexpr auto kOrder = std::memory_order_relaxed;
+    if (frame.queuedBy.load(kOrder) == self) {
+        frame.cameBack.store(true, kOrder);
         return;
     }
     for (unsigned turn = 0; turn < kMostReturns; ++turn) {
-        Queueing queueing{frame, t_queueing};
-        t_queueing = &queueing;
+        frame.queuedBy.store(self, kOrder);
         VmbCaptureFrameQueue(toVmb(handle), &frame, &frameThunk);
-        t_queueing = queueing.outer;
-        if (!queueing.cameBack) return;
+        if (frame.queuedBy.load(kOrder) == self) frame.queuedBy.store({}, kOrder);
+        // Taken by one thread alone.
+        if (!frame.cameBack.load(kOrder) || !frame.cameBack.exchange(false)) return;
     }
     noteLeftOut(frame.frameID);
 }
