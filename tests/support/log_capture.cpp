@@ -50,8 +50,8 @@ LogCapture::~LogCapture() {
     core->set_logging_enabled(false);
     core->reset_filter();
     core->remove_sink(m_sink->frontend);
-    // Behind the last record, which the core may have been in the middle of.
-    const std::lock_guard lock(m_sink->backend->m_mutex);
+    // Behind the last record, which the core may have been in the middle of: it holds this lock to the end.
+    m_sink->frontend->locked_backend();
 }
 
 std::vector<LogLine> LogCapture::lines() const {

@@ -42,14 +42,17 @@ class HostileFrames : public HostileRecording {
         VmbFrameCallback callback = nullptr;
     };
     /// A queued buffer as a complete frame.
-    static Taken take(std::uint64_t id) {
+    Taken take(std::uint64_t id) {
         Taken taken;
         EXPECT_EQ(VmbSimTakeQueuedFrame(kMonochromeCamera, &taken.handle, &taken.frame, &taken.callback),
                   VmbErrorSuccess);
         fill(*taken.frame, id);
         return taken;
     }
-    static void fill(VmbFrame_t& frame, std::uint64_t id) {
+    /// The host's time goes on with the frames: one that took longer than its predecessor must not seem
+    /// earlier.
+    void fill(VmbFrame_t& frame, std::uint64_t id) {
+        clock->fixed = kSecond + id * kMillisecond;
         frame.receiveStatus = VmbFrameStatusComplete;
         frame.receiveFlags = VmbFrameFlagsFrameID | VmbFrameFlagsTimestamp;
         frame.frameID = id;
@@ -64,8 +67,8 @@ class HostileFrames : public HostileRecording {
     }
     /// From now on each frame comes back within the call that queues it.
     void giveBackWithoutEnd(std::uint64_t& rounds) {
-        vendor.captureFrameQueue.instead = [&rounds](VmbHandle_t handle, const VmbFrame_t* frame,
-                                                     VmbFrameCallback callback) {
+        vendor.captureFrameQueue.instead = [this, &rounds](VmbHandle_t handle, const VmbFrame_t* frame,
+                                                           VmbFrameCallback callback) {
             auto& given = const_cast<VmbFrame_t&>(*frame);
             fill(given, 100 + ++rounds);
             // A library without an end, but for this test.
@@ -76,6 +79,7 @@ class HostileFrames : public HostileRecording {
     /// A run of the honest camera after all that.
     void expectHonestFrames() {
         vendor = HostileVendor();
+        clock->fixed = 0;
         plugin->setChannelSink(0, &m_afterwards);
         VmbSimHoldSensor(kMonochromeCamera, false);
         set(config_keys::kCameraFrameSetting, 20);
