@@ -46,6 +46,8 @@ class Folder {
 struct Recorded {
     std::uint64_t bytes = 0;
     std::uint64_t lost = 0;
+    std::uint64_t underruns =
+        0;  ///< came when the plug-in had no buffer free, as on a machine that stood still
     double seconds = 0.0;
 };
 
@@ -70,9 +72,10 @@ Recorded record(const fs::path& programs, const fs::path& directory) {
     if (!json.is_object() || !json.contains("channels") || json["channels"].empty()) {
         throw std::runtime_error("zelt_host does not record: " + command);
     }
-    Recorded recorded{bytesIn(directory), 0, json["seconds"].get<double>()};
+    Recorded recorded{bytesIn(directory), 0, 0, json["seconds"].get<double>()};
     for (const auto& channel : json["channels"]) {
         recorded.lost += channel["lost"].get<std::uint64_t>() + channel["lost_in_host"].get<std::uint64_t>();
+        recorded.underruns += channel["underruns"].get<std::uint64_t>();
     }
     return recorded;
 }
@@ -101,6 +104,7 @@ Figure recordingRate(const fs::path& programs) {
     const Folder folder;
     std::vector<double> ratios;
     std::uint64_t lost = 0;
+    std::uint64_t underruns = 0;
     double rate = 0.0;
     for (int pair = 0; pair < kPairs; ++pair) {
         const fs::path directory = folder.path() / std::to_string(pair);
@@ -109,11 +113,14 @@ Figure recordingRate(const fs::path& programs) {
         rate = static_cast<double>(recorded.bytes) / recorded.seconds;
         ratios.push_back(rate / writingRate(folder.path() / "raw", recorded.bytes));
         lost += recorded.lost;
+        underruns += recorded.underruns;
     }
     Figure figure{"recording / writing the same bytes", medianOf(ratios), 0.9, true, "", false};
     figure.excused = lost == 0;
     figure.explanation = std::to_string(static_cast<int>(rate / 1e6)) + " MB/s, " + std::to_string(lost) +
-                         " frames lost" + (lost == 0 ? ": limited by the cameras" : "");
+                         " frames lost" +
+                         (lost == 0 ? ": limited by the cameras"
+                                    : ", " + std::to_string(underruns) + " came with no buffer free");
     return figure;
 }
 

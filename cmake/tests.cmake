@@ -20,9 +20,10 @@ set(ZELT_HALF 3)
 # zelt_add_test(NAME unit_diagnostics DIRECTORY unit/diagnostics LIBRARIES zelt_base)
 # zelt_add_test(NAME fault_tests DIRECTORY trust PREFIX fault_ LIBRARIES zelt_base)
 # One program per folder, or per beginning of names in it, its sources found by glob; a test that skips itself
-# fails. SHARDS: it is run so many times, with a part of its tests each.
+# fails. SHARDS: it is run so many times, with a part of its tests each. ALONE: the suite of that name is run by
+# itself, with nothing beside it.
 function(zelt_add_test)
-    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;PREFIX;SHARDS;MAIN" "LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "" "NAME;DIRECTORY;PREFIX;SHARDS;ALONE;MAIN" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${ARG_DIRECTORY}/${ARG_PREFIX}*_test.cpp")
     zelt_drop_other_systems(sources)
     add_executable(${ARG_NAME} ${sources})
@@ -42,9 +43,16 @@ function(zelt_add_test)
             list(APPEND tests ${ARG_NAME}_${shard})
         endforeach()
     endif()
+    set(filter)
+    if(ARG_ALONE)
+        set(filter --gtest_filter=-${ARG_ALONE}.*)
+        add_test(NAME ${ARG_NAME}_alone COMMAND ${ARG_NAME} --gtest_filter=${ARG_ALONE}.*)
+        set_tests_properties(${ARG_NAME}_alone PROPERTIES
+            FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${ZELT_WHOLE})
+    endif()
     set(index 0)
     foreach(test IN LISTS tests)
-        add_test(NAME ${test} COMMAND ${ARG_NAME})
+        add_test(NAME ${test} COMMAND ${ARG_NAME} ${filter})
         set_tests_properties(${test} PROPERTIES
             FAIL_REGULAR_EXPRESSION "SKIPPED;DISABLED" TIMEOUT 600 PROCESSORS ${ZELT_HALF})
         if(ARG_SHARDS)

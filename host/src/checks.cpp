@@ -60,6 +60,10 @@ void checkOrder(const ChannelReport& channel, std::vector<Check>& checks) {
     std::string lost = label(channel) + frameCount(channel.lost) + " lost" +
                        (lossesAreCertain(channel) ? "" : ", or their pulses skipped") + refusedText(channel);
     if (!channel.stamped && !channel.pulses) lost += ", told by gaps in time";
+    if (channel.lost != 0 && channel.underruns.value_or(0) != 0) {
+        lost += "; " + frameCount(*channel.underruns) +
+                " came when all buffers were in use, as on a machine that is too slow";
+    }
     if (channel.tooSmall) lost += " (the pictures are too small to carry a stamp)";
     checks.push_back({channel.lost == 0, lost});
     if (channel.stamped) {

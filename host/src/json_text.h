@@ -19,7 +19,8 @@ inline ordered_json orNull(const std::string& text) {
     return text.empty() ? ordered_json(nullptr) : ordered_json(text);
 }
 
-inline ordered_json orNull(const std::optional<double>& value) {
+template <class Number>
+ordered_json orNull(const std::optional<Number>& value) {
     return value ? ordered_json(*value) : ordered_json(nullptr);
 }
 

@@ -192,6 +192,9 @@ void Recording::finishReport(RecordingReport& report) {
     for (ChannelReport& channel : report.channels) {
         channel.settings = m_settings[channel.channel.id];
         channel.warnedTooFast = m_too_fast.contains(channel.channel.id);
+        if (const auto* reader = m_session.vendor().underrunReader(); reader != nullptr) {
+            channel.underruns = reader->underruns(channel.channel.shortId);
+        }
     }
     for (const ChannelMessage& message : m_messages.told()) report.messages.push_back(message.text());
     addPictures(report);

@@ -46,11 +46,12 @@ struct ChannelReport {
     std::uint64_t lostInHost = 0;  ///< of these: refused by the host's memory
     std::uint64_t tooLarge = 0;    ///< of the refused ones: larger than the picture that was set
     std::uint64_t lostBehindEnd =
-        0;                       ///< not of these: missing behind the end, before the frame that showed it
-    std::uint64_t doubled = 0;   ///< came with a number that was there already
-    std::uint64_t restarts = 0;  ///< how often the camera's frame numbers began anew
-    bool tooSmall = false;       ///< pictures have no room for a stamp
-    bool stamped = false;        ///< pictures carry stamps, so the three below hold
+        0;  ///< not of these: missing behind the end, before the frame that showed it
+    std::optional<std::uint64_t> underruns;  ///< came between start and stop when no buffer was queued
+    std::uint64_t doubled = 0;               ///< came with a number that was there already
+    std::uint64_t restarts = 0;              ///< how often the camera's frame numbers began anew
+    bool tooSmall = false;                   ///< pictures have no room for a stamp
+    bool stamped = false;                    ///< pictures carry stamps, so the three below hold
     std::uint64_t matches = 0;
     std::uint64_t mismatches = 0;
     std::optional<TimeError> timeError;

@@ -70,6 +70,7 @@ ordered_json recordedJson(const ChannelReport& channel, double seconds) {
     json["lost_is_certain"] = lossesAreCertain(channel);
     json["lost_in_host"] = channel.lostInHost;
     json["too_large"] = channel.tooLarge;
+    json["underruns"] = orNull(channel.underruns);
     json["silent"] = channel.silent;
     json["doubled"] = channel.stamped ? ordered_json(channel.doubled) : ordered_json(nullptr);
     json["restarts"] = channel.stamped ? ordered_json(channel.restarts) : ordered_json(nullptr);
@@ -127,7 +128,7 @@ std::string recordingJson(const RecordingReport& report, const std::vector<Check
                      {"seconds", report.seconds},
                      {"outcome", outcomeText(report.outcome)},
                      {"trusted", report.outcome == Outcome::Complete && allPassed(checks)},
-                     {"times_spread_ns", spread ? ordered_json(*spread) : ordered_json(nullptr)},
+                     {"times_spread_ns", orNull(spread)},
                      {"channels", channels},
                      {"checks", list},
                      {"assertion_failures", report.assertionFailures},

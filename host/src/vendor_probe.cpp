@@ -23,6 +23,21 @@ class SimulatorStampReader : public IfStampReader {
     Function* m_function;
 };
 
+class SimulatorUnderrunReader : public IfUnderrunReader {
+  public:
+    using Function = decltype(VmbSimCountUnderruns);
+    explicit SimulatorUnderrunReader(Function* function) : m_function(function) {}
+
+    std::optional<std::uint64_t> underruns(const std::string& shortId) const override {
+        VmbUint64_t frames = 0;
+        if (m_function(shortId.c_str(), &frames) != VmbErrorSuccess) return std::nullopt;
+        return frames;
+    }
+
+  private:
+    Function* m_function;
+};
+
 class SimulatorTriggerLine : public IfTriggerLine {
   public:
     using Drive = decltype(VmbSimDriveLine);
@@ -61,6 +76,10 @@ VendorProbe::VendorProbe(std::shared_ptr<platform::Library> library) : m_library
     m_scenario = scenarioOf(*m_library);
     if (auto* read = find<decltype(VmbSimReadStamp)>(*m_library, "VmbSimReadStamp"); read != nullptr) {
         m_reader = std::make_unique<SimulatorStampReader>(read);
+    }
+    if (auto* count = find<decltype(VmbSimCountUnderruns)>(*m_library, "VmbSimCountUnderruns");
+        count != nullptr) {
+        m_underruns = std::make_unique<SimulatorUnderrunReader>(count);
     }
     auto* drive = find<decltype(VmbSimDriveLine)>(*m_library, "VmbSimDriveLine");
     auto* silence = find<decltype(VmbSimSilenceLine)>(*m_library, "VmbSimSilenceLine");

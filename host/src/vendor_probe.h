@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host_platform.h"
@@ -17,6 +19,15 @@ class IfStampReader {
     virtual ~IfStampReader() = default;
     /// As VmbSimReadStamp.
     virtual VmbError_t read(const void* image, std::uint64_t size, VmbSimFrameStamp& stamp) const = 0;
+};
+
+/// Knows which frames a simulated camera sent in vain.
+class IfUnderrunReader {
+  public:
+    virtual ~IfUnderrunReader() = default;
+    /// Frames that came since the camera was started while no buffer was queued for them; of the camera with
+    /// this short id, as long as it is open.
+    virtual std::optional<std::uint64_t> underruns(const std::string& shortId) const = 0;
 };
 
 /// The input that triggers simulated cameras.
@@ -42,6 +53,8 @@ class VendorProbe {
     /// Null with the vendor's own library.
     const IfStampReader* stampReader() const { return m_reader.get(); }
     /// Null with the vendor's own library.
+    const IfUnderrunReader* underrunReader() const { return m_underruns.get(); }
+    /// Null with the vendor's own library.
     const IfTriggerLine* triggerLine() const { return m_line.get(); }
     /// "vendor library 1.9.1 (simulator: two-cameras)"
     std::string describe() const;
@@ -51,6 +64,7 @@ class VendorProbe {
     std::string m_version;
     std::string m_scenario;
     std::unique_ptr<IfStampReader> m_reader;
+    std::unique_ptr<IfUnderrunReader> m_underruns;
     std::unique_ptr<IfTriggerLine> m_line;
 };
 

@@ -222,6 +222,10 @@ IMEXPORTC VmbError_t VmbSimTakeQueuedFrame(const char* cameraId, VmbHandle_t* ha
 /// Counts of what the camera holds now: announced and queued frames.
 IMEXPORTC VmbError_t VmbSimFrameCounts(const char* cameraId, VmbUint32_t* announced, VmbUint32_t* queued);
 
+/// Counts the frames that an open camera lost since its last AcquisitionStart because none was queued when
+/// they came.
+IMEXPORTC VmbError_t VmbSimCountUnderruns(const char* cameraId, VmbUint64_t* frames);
+
 /// What the client has of the library and has to give back.
 typedef struct VmbSimHoldings {
     VmbUint32_t cameras;        ///< open

@@ -12,10 +12,14 @@ namespace {
 constexpr unsigned kCameras = 16;
 constexpr std::uint64_t kPictureBytes = 320ull * 216;
 
-std::int64_t timesIn(const std::string& text, const std::string& part) {
-    std::int64_t count = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-    return count;
+// 3 s at 100 Hz, a frame more or less where the ends fall between frames. Recorded times tell where the ends
+// are, and late threads move them: by as many frames as there are buffers, unless frames came in vain.
+void expectAllSent(const nlohmann::json& channel) {
+    constexpr std::int64_t kBuffers = 5;
+    if (scenario::underruns(channel) != 0) return;
+    const auto sent = channel["lost"].get<std::int64_t>() + channel["frames"].get<std::int64_t>();
+    EXPECT_GE(sent, 299 - kBuffers) << channel["id"];
+    EXPECT_LE(sent, 301 + kBuffers) << channel["id"];
 }
 
 // What a machine of few cores makes of the times of sixteen threads is told, and not asked for here.
@@ -31,7 +35,6 @@ TEST(SixteenCamerasAreRecorded, WithEveryFrameOfEveryCamera) {
     ASSERT_EQ(summary["channels"].size(), kCameras) << result.out << result.error;
     EXPECT_EQ(summary["outcome"], "complete");
     EXPECT_EQ(summary["assertion_failures"], 0);
-    std::int64_t lost = 0;
     for (unsigned id = 0; id < kCameras; ++id) {
         const auto& channel = summary["channels"][id];
         const std::size_t frames = scenario::checkChannelFiles(out, id, kPictureBytes);
@@ -40,16 +43,10 @@ TEST(SixteenCamerasAreRecorded, WithEveryFrameOfEveryCamera) {
         EXPECT_EQ(channel["doubled"], 0) << id;
         if (!kTimesHold) continue;
         EXPECT_EQ(channel["silent"], false) << id;
-        lost += channel["lost"].get<std::int64_t>();
-        // 3 s at 100 Hz, a frame more or less where the ends fall between frames, and another one where late
-        // threads move the ends.
-        const std::int64_t sent = channel["lost"].get<std::int64_t>() + static_cast<std::int64_t>(frames);
-        EXPECT_GE(sent, 298) << id;
-        EXPECT_LE(sent, 302) << id;
+        expectAllSent(channel);
     }
-    // On a busy machine the line through the clocks may turn back; the plug-in tells of every frame that it
-    // drops then. Nothing else may be missing.
-    EXPECT_LE(lost, timesIn(result.error, " was dropped (prev. timestamp: ")) << result.out;
+    if (!kTimesHold) return;
+    EXPECT_LE(scenario::lostFrames(summary), scenario::excusedFrames(summary, result.error)) << result.out;
 }
 
 }  // namespace

@@ -182,6 +182,15 @@ VmbError_t VmbSimFrameCounts(const char* cameraId, VmbUint32_t* announced, VmbUi
     });
 }
 
+VmbError_t VmbSimCountUnderruns(const char* cameraId, VmbUint64_t* frames) {
+    return withOpenCamera(cameraId, frames != nullptr, [=](CameraSession& session) {
+        FeatureValue count = std::int64_t{0};
+        const Result result = session.read("StatFrameUnderrun", FeatureType::Int, count);
+        if (result == Result::Success) *frames = static_cast<VmbUint64_t>(std::get<std::int64_t>(count));
+        return result;
+    });
+}
+
 VmbError_t VmbSimCountHoldings(VmbSimHoldings* holdings) {
     return guarded([=]() -> VmbError_t {
         if (holdings == nullptr) return VmbErrorBadParameter;

@@ -108,6 +108,18 @@ TEST(Checks, NameWhatIsLostAndWhere) {
               "was too slow; find the cause and record again.");
 }
 
+TEST(Checks, SayThatFramesFoundNoBufferWhenSomeAreLost) {
+    RecordingReport report = goodReport();
+    report.channels[0].underruns = 4;
+    EXPECT_THAT(failedSentences(report), testing::IsEmpty()) << "they came behind the end";
+    report.channels[0].lost = 3;
+    EXPECT_THAT(failedSentences(report),
+                testing::ElementsAre("channel 0: 3 frames lost; 4 frames came when all buffers were in use, "
+                                     "as on a machine that is too slow"));
+    report.channels[0].underruns = 0;
+    EXPECT_THAT(failedSentences(report), testing::ElementsAre("channel 0: 3 frames lost"));
+}
+
 TEST(Checks, SayWhyTheHostRefusedFrames) {
     RecordingReport report = goodReport();
     report.channels[0].lost = 3;

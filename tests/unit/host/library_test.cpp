@@ -161,6 +161,21 @@ TEST(VendorProbe, ReachesTheTriggerLineOfAllSimulatedCameras) {
     EXPECT_EQ(s_silenced, 1);
 }
 
+VmbError_t fakeUnderruns(const char* camera, VmbUint64_t* frames) {
+    *frames = 4;
+    return std::string(camera) == "DEV_1" ? VmbErrorSuccess : VmbErrorDeviceNotOpen;
+}
+
+TEST(VendorProbe, CountsWhatFoundNoBufferOfOpenCameras) {
+    host_test::Calls calls;
+    auto library = std::make_shared<host_test::FakeLibrary>(calls);
+    library->m_symbols = {{"VmbSimCountUnderruns", address(&fakeUnderruns)}};
+    const host::VendorProbe probe(library);
+    ASSERT_NE(probe.underrunReader(), nullptr);
+    EXPECT_EQ(probe.underrunReader()->underruns("DEV_1"), 4u);
+    EXPECT_EQ(probe.underrunReader()->underruns("DEV_2"), std::nullopt);
+}
+
 TEST(VendorProbe, KnowsTheVendorsOwnLibrary) {
     host_test::Calls calls;
     auto library = std::make_shared<host_test::FakeLibrary>(calls);
@@ -170,6 +185,7 @@ TEST(VendorProbe, KnowsTheVendorsOwnLibrary) {
     EXPECT_EQ(probe.scenario(), "");
     EXPECT_EQ(probe.stampReader(), nullptr);
     EXPECT_EQ(probe.triggerLine(), nullptr);
+    EXPECT_EQ(probe.underrunReader(), nullptr);
 }
 
 TEST(VendorProbe, SurvivesThatThereIsNone) {
@@ -177,6 +193,7 @@ TEST(VendorProbe, SurvivesThatThereIsNone) {
     EXPECT_EQ(probe.describe(), "vendor library of unknown version");
     EXPECT_EQ(probe.stampReader(), nullptr);
     EXPECT_EQ(probe.triggerLine(), nullptr);
+    EXPECT_EQ(probe.underrunReader(), nullptr);
 }
 
 }  // namespace

@@ -114,6 +114,10 @@ TEST_F(StreamTest, CountsWhatIsAnnouncedAndQueued) {
     EXPECT_EQ(VmbSimFrameCounts("DEV_1", &count, &count), VmbErrorNotFound);
     EXPECT_EQ(VmbSimFrameCounts(kMonochromeCamera, &count, &count), VmbErrorDeviceNotOpen);
     EXPECT_EQ(VmbSimFrameCounts(kColourCamera, nullptr, &count), VmbErrorBadParameter);
+    VmbUint64_t underruns = 0;
+    EXPECT_EQ(VmbSimCountUnderruns("DEV_1", &underruns), VmbErrorNotFound);
+    EXPECT_EQ(VmbSimCountUnderruns(kMonochromeCamera, &underruns), VmbErrorDeviceNotOpen);
+    EXPECT_EQ(VmbSimCountUnderruns(kColourCamera, nullptr), VmbErrorBadParameter);
 }
 
 /// Cameras, interfaces, registrations, announced frames.

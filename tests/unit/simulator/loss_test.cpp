@@ -36,6 +36,9 @@ TEST_F(Loss, NothingQueuedIsAGapInTheIdsAndCountsAsUnderrun) {
     advance(55 * kMillisecond);
     EXPECT_THAT(stream.ids(), ::testing::ElementsAre(1, 2));
     EXPECT_EQ(intOf(camera, "StatFrameUnderrun"), 4);
+    VmbUint64_t underruns = 0;
+    EXPECT_EQ(VmbSimCountUnderruns(kColourCamera, &underruns), VmbErrorSuccess);
+    EXPECT_EQ(underruns, 4u);
     EXPECT_EQ(intOf(camera, "StatFrameDelivered"), 2);
     stream.requeue = true;
     stream.queueAll();
