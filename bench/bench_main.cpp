@@ -8,6 +8,7 @@
 #include "probes.h"
 #include "recording.h"
 #include "report.h"
+#include "throughput.h"
 #include "timed_figures.h"
 
 namespace {
@@ -18,6 +19,7 @@ void append(bench::Figures& figures, const bench::Figures& more) {
 
 bench::Figures allFigures() {
     bench::Figures figures = bench::timedFigures();
+    figures.push_back(bench::throughputOfAllCores());
     append(figures, bench::figuresOfDisturbance());
     append(figures, bench::countedFigures());
     figures.push_back(bench::recordingRate(std::filesystem::read_symlink("/proc/self/exe").parent_path()));

@@ -30,9 +30,8 @@ class FrameClock final : public zelt::IfMasterClock {
     static thread_local std::uint64_t t_now;
 };
 
-/// Counts samples and keeps the last time; looks at no byte of them. Like the next class on a cache line of
-/// its own, since neighbours belong to different threads.
-class alignas(64) CountingSink final : public zelt::IfChannelSink {
+/// Counts samples and keeps the last time; looks at no byte of them.
+class alignas(vendor::kApart) CountingSink final : public zelt::IfChannelSink {
   public:
     void addSample(std::int64_t time, const void*, std::uint64_t) override {
         ++count;
@@ -43,7 +42,7 @@ class alignas(64) CountingSink final : public zelt::IfChannelSink {
 };
 
 /// The frames of one camera, `kFramesPerSecond` of them, numbered and dated without a gap.
-class alignas(64) FrameSource {
+class alignas(vendor::kApart) FrameSource {
   public:
     explicit FrameSource(unsigned camera) : m_camera(camera) {}
 

@@ -74,7 +74,7 @@ Recorded record(const fs::path& programs, const fs::path& directory) {
     }
     Recorded recorded{bytesIn(directory), 0, 0, json["seconds"].get<double>()};
     for (const auto& channel : json["channels"]) {
-        recorded.lost += channel["lost"].get<std::uint64_t>() + channel["lost_in_host"].get<std::uint64_t>();
+        recorded.lost += channel["lost"].get<std::uint64_t>();
         recorded.underruns += channel["underruns"].get<std::uint64_t>();
     }
     return recorded;

@@ -1,6 +1,5 @@
 #include "timed_figures.h"
 
-#include <array>
 #include <condition_variable>
 #include <map>
 #include <memory>
@@ -9,6 +8,7 @@
 #include <thread>
 
 #include <benchmark/benchmark.h>
+#include <boost/log/core.hpp>
 
 #include "plugin_on_stand_in.h"
 #include "zelt_gige_log.h"
@@ -30,66 +30,6 @@ void framePath(benchmark::State& state, Mode mode) {
         state.SkipWithError("frames got lost");
 }
 
-/// Each thread delivers the frames of its own cameras in turn.
-template <class FramesOf>
-void deliverInTurn(benchmark::State& state, FramesOf framesOf) {
-    std::vector<FrameSource*> own;
-    for (auto camera = static_cast<unsigned>(state.thread_index()); camera < kManyCameras;
-         camera += static_cast<unsigned>(state.threads())) {
-        own.push_back(&framesOf(camera));
-    }
-    std::size_t next = 0;
-    for (auto _ : state) {
-        own[next]->deliver();
-        if (++next == own.size()) next = 0;
-    }
-}
-
-std::vector<std::unique_ptr<BareCamera>> s_manyBare;
-
-void startManyBare(const benchmark::State&) {
-    for (unsigned camera = 0; camera < kManyCameras; ++camera) {
-        s_manyBare.push_back(std::make_unique<BareCamera>(kManyCameras + camera));
-    }
-}
-
-void stopManyBare(const benchmark::State&) {
-    s_manyBare.clear();
-}
-
-void manyBareCallbacks(benchmark::State& state) {
-    deliverInTurn(state, [](unsigned camera) -> FrameSource& { return s_manyBare[camera]->frames(); });
-}
-
-std::unique_ptr<PluginOnStandIn> s_many;
-
-void startMany(const benchmark::State&) {
-    s_many = std::make_unique<PluginOnStandIn>(PluginOnStandIn::Options{.cameras = kManyCameras});
-}
-
-void stopMany(const benchmark::State&) {
-    s_many.reset();
-}
-
-void manyCameras(benchmark::State& state) {
-    deliverInTurn(state, [](unsigned camera) -> FrameSource& { return s_many->frames(camera); });
-}
-
-/// The compiler takes what it counts for needed and cannot add up ahead.
-void keep(std::uint64_t& sum) {
-    __asm__ volatile("" : "+r"(sum));
-}
-
-/// Additions that wait for nothing: as many at a time as a core can take.
-void additions(benchmark::State& state) {
-    std::array<std::uint64_t, 8> sums{};
-    for (auto _ : state) {
-        for (int i = 0; i < 32; ++i) {
-            for (std::uint64_t& sum : sums) keep(++sum);
-        }
-    }
-}
-
 void secondEnumeration(benchmark::State& state, unsigned cameras) {
     PluginOnStandIn on({.cameras = cameras, .acquiring = false});
     for (auto _ : state) on.plugin().enumerateDevices();
@@ -107,6 +47,12 @@ void mutexPair(benchmark::State& state) {
 void logSwitchedOff(benchmark::State& state) {
     std::uint64_t frame = 0;
     for (auto _ : state) GIGE_LOG(Detail) << "Frame " << ++frame << " was dropped";
+}
+
+/// All that a statement has to ask, as only the library knows it.
+void logCall(benchmark::State& state) {
+    const boost::log::core* const core = boost::log::core::get().get();
+    for (auto _ : state) benchmark::DoNotOptimize(core->get_logging_enabled());
 }
 
 /// Keeps the processor time of an iteration in every repetition, by the benchmark's name.
@@ -132,21 +78,11 @@ void registerAll() {
     benchmark::RegisterBenchmark("bare", &bareCallback);
     benchmark::RegisterBenchmark("fixed_rate", [](auto& state) { framePath(state, Mode::FixedRate); });
     benchmark::RegisterBenchmark("aux", [](auto& state) { framePath(state, Mode::Aux); });
-    const int cores = static_cast<int>(std::thread::hardware_concurrency());
-    benchmark::RegisterBenchmark("additions", &additions);
-    benchmark::RegisterBenchmark("many_additions", &additions)->Threads(cores);
-    benchmark::RegisterBenchmark("many_bare", &manyBareCallbacks)
-        ->Threads(cores)
-        ->Setup(&startManyBare)
-        ->Teardown(&stopManyBare);
-    benchmark::RegisterBenchmark("many", &manyCameras)
-        ->Threads(cores)
-        ->Setup(&startMany)
-        ->Teardown(&stopMany);
     benchmark::RegisterBenchmark("enumerate_1", [](auto& state) { secondEnumeration(state, 1); });
     benchmark::RegisterBenchmark("enumerate_16", [](auto& state) { secondEnumeration(state, kManyCameras); });
     benchmark::RegisterBenchmark("mutex", &mutexPair);
     benchmark::RegisterBenchmark("log", &logSwitchedOff);
+    benchmark::RegisterBenchmark("log_call", &logCall);
 }
 
 /// Sleeps until this object goes. Libraries do without the processor's locks in a program with one thread,
@@ -197,17 +133,13 @@ Figures timedFigures() {
                       nanoseconds(collector.ns(of), collector.ns(over)),
                       false};
     };
-    Figure throughput =
-        ratio("throughput of 16 cameras on all cores / 1 camera x cores", "fixed_rate", "many", 0.9);
-    throughput.atLeast = true;
-    char machine[80];
-    std::snprintf(machine, sizeof machine, "; the machine: additions %.2f, bare callbacks %.2f",
-                  collector.ns("additions") / collector.ns("many_additions"),
-                  collector.ns("bare") / collector.ns("many_bare"));
-    throughput.explanation += machine;
+    Figure log = ratio("log statement switched off / uncontended mutex pair", "log", "mutex", 0.3);
+    char call[60];
+    std::snprintf(call, sizeof call, "; the call of the log library alone %.2f",
+                  collector.ns("log_call") / collector.ns("mutex"));
+    log.explanation += call;
     return {ratio("frame path at a fixed rate / bare callback", "fixed_rate", "bare", 3.0),
-            ratio("frame path in AUX mode / bare callback", "aux", "bare", 5.0), throughput,
-            ratio("log statement switched off / uncontended mutex pair", "log", "mutex", 0.3),
+            ratio("frame path in AUX mode / bare callback", "aux", "bare", 5.0), log,
             ratio("second enumeration of 16 cameras / of 1", "enumerate_16", "enumerate_1", 1.25)};
 }
 

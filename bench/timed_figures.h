@@ -5,8 +5,8 @@
 
 namespace bench {
 
-/// By Google Benchmark, whose repetitions are interleaved: the path of a frame, throughput, a log statement
-/// that is switched off, a second enumeration. The log must be switched off.
+/// By Google Benchmark, whose repetitions are interleaved: the path of a frame, a log statement that is
+/// switched off, a second enumeration. The log must be switched off.
 Figures timedFigures();
 
 }  // namespace bench

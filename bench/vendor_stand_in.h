@@ -12,6 +12,10 @@ namespace bench::vendor {
 
 inline constexpr unsigned kMostCameras = 64;
 
+/// Bytes between what different threads write, more than a processor fetches along with what it needs: in a
+/// host such things lie at random.
+inline constexpr std::size_t kApart = 512;
+
 /// From now on that many cameras are listed; those that are open stay open.
 void plug(unsigned cameras);
 /// The id under which a camera is listed; cameras are counted from 0. Valid for good.

@@ -23,8 +23,7 @@ struct Feature {
     std::vector<const char*> entries;
 };
 
-/// Neighbours share no cache line, as the threads of two cameras must not slow each other down.
-struct alignas(64) Camera {
+struct alignas(kApart) Camera {
     static constexpr unsigned kMostBuffers = 8;
 
     std::mutex queueMutex;

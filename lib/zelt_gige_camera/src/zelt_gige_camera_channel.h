@@ -9,6 +9,7 @@
 
 #include "clocks.h"
 #include "if_channel_messages.h"
+#include "interference.h"
 #include "zelt_gige_camera_api.h"
 #include "zelt_gige_camera_channel_capture.h"
 #include "zelt_gige_camera_channel_frame_receiver.h"
@@ -180,7 +181,7 @@ class CameraChannel final : public zelt::plugin_util::SimpleChannelConfig,
     CameraCapture m_capture;
     ChannelMessages m_messages;
 
-    GuardedState m_state;
+    alignas(platform::kInterferenceSize) GuardedState m_state;  ///< with what follows, written by frames
     zelt_gige_api::CameraHandle m_device_handle ZELT_GUARDED_BY(m_state.mutex) = 0;
     FrameReceiver m_receiver ZELT_GUARDED_BY(m_state.mutex);
     double m_last_poll ZELT_GUARDED_BY(m_state.mutex) = 0.0;  ///< wall clock, seconds

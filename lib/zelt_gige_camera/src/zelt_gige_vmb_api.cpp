@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -45,10 +46,20 @@ std::vector<VmbCameraInfo_t> askForCameras() {
     return records;
 }
 
-/// Whether a camera is described by the very texts as before. The library keeps a text that it handed out.
-bool haveSameTexts(const VmbCameraInfo_t& a, const VmbCameraInfo_t& b) {
-    return a.cameraIdString == b.cameraIdString && a.modelName == b.modelName &&
-           a.serialString == b.serialString;
+/// Whether cameras are described by the very texts as before. The library keeps a text that it handed out.
+bool haveSameTexts(const std::vector<VmbCameraInfo_t>& records, const std::vector<VmbCameraInfo_t>& others) {
+    if (records.size() != others.size()) return false;
+    if (records.empty()) return true;
+    // Records without any difference are the rule, and compared at once. What lies between their fields, and
+    // who has opened the camera, may differ.
+    const std::size_t bytes = records.size() * sizeof(VmbCameraInfo_t);
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
+    if (std::memcmp(records.data(), others.data(), bytes) == 0) return true;
+    return std::equal(records.begin(), records.end(), others.begin(),
+                      [](const VmbCameraInfo_t& a, const VmbCameraInfo_t& b) {
+                          return a.cameraIdString == b.cameraIdString && a.modelName == b.modelName &&
+                                 a.serialString == b.serialString;
+                      });
 }
 
 }  // namespace
@@ -166,8 +177,7 @@ std::shared_ptr<const std::vector<CameraInfo>> VimbaCameraApi::currentCameras() 
         return m_listed;
     }();
     const bool unchanged = isToldOfChanges && listed != nullptr && listed->discoveryEvents == events &&
-                           std::equal(records.begin(), records.end(), listed->records.begin(),
-                                      listed->records.end(), haveSameTexts);
+                           haveSameTexts(records, listed->records);
     if (!unchanged) {
         std::vector<CameraInfo> cameras;
         cameras.reserve(records.size());

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "assertion.h"
+#include "interference.h"
 #include "zelt_gige_vmb_api.h"
 #include "zelt_gige_vmb_call.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr const char* kStartEvent = "EventAcquisitionStart";
 constexpr const char* kEndEvent = "EventAcquisitionEnd";
-constexpr std::size_t kCacheLine = 64;
 
 /// How often in a row a library may give a frame back within the call that queues it.
 constexpr unsigned kMostReturns = 100;
@@ -30,7 +30,7 @@ void cameraEventThunk(const VmbHandle_t handle, const char* name, void* context)
 }
 
 /// A frame as announced to the library, and what its callback needs besides.
-struct AnnouncedFrame : VmbFrame_t {
+struct alignas(platform::kInterferenceSize) AnnouncedFrame : VmbFrame_t {
     AnnouncedFrame() : VmbFrame_t{} {}
 
     std::atomic<unsigned>* runningCallbacks = nullptr;
@@ -133,8 +133,8 @@ void logFailure(VmbError_t result, const char* prefix) noexcept {
 /// A camera's announced frames. Stays in place until they are released.
 struct VimbaCameraApi::Capture {
     std::vector<AnnouncedFrame> frames;
-    /// Written with every frame, on a cache line that no other camera writes.
-    alignas(kCacheLine) std::atomic<unsigned> runningCallbacks{0};
+    /// Written with every frame, where no other camera writes.
+    alignas(platform::kInterferenceSize) std::atomic<unsigned> runningCallbacks{0};
 };
 
 /// Finds the callback of a camera and holds off its removal while the call runs.

@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "assertion_capture.h"
+#include "interference.h"
 #include "zelt_gige_clock_sync_base.h"
 #include "zelt_gige_fixed_rate_clock_sync.h"
+#include "zelt_gige_triggered_clock_sync.h"
 
 namespace {
 
@@ -17,6 +19,7 @@ using zelt_gige_api::CameraFrame;
 using zelt_gige_camera::ClockSyncBase;
 using zelt_gige_camera::FixedRateClockSync;
 using zelt_gige_camera::Rational;
+using zelt_gige_camera::TriggeredClockSync;
 using zelt_gige_camera::truncateToTimestamp;
 
 constexpr std::int64_t kGigahertz = 1'000'000'000;
@@ -209,6 +212,12 @@ TEST(FixedRate, APointWithoutHostTimeAddsNothingButCountsAsTheLastPoint) {
     EXPECT_EQ(sync.estimate(5'000'000'000), before);
     EXPECT_FALSE(sync.needsSyncPoint(frameAt(4 * kGigahertz)));
     EXPECT_TRUE(sync.needsSyncPoint(frameAt(4 * kGigahertz + 1)));
+}
+
+// Cores that handle frames of different cameras would wait for each other.
+TEST(ClockSyncBaseTest, TwoGeneratorsShareNoMemoryThatAProcessorHandsOverAtOnce) {
+    EXPECT_EQ(alignof(FixedRateClockSync) % platform::kInterferenceSize, 0u);
+    EXPECT_EQ(alignof(TriggeredClockSync) % platform::kInterferenceSize, 0u);
 }
 
 }  // namespace

@@ -328,6 +328,26 @@ TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhileTheLibraryListsTheSame
     api.unregisterDiscoveryCallback();
 }
 
+TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhenOnlyTheAccessToOneChanges) {
+    find();
+    RecordingDiscovery discovery;
+    api.registerDiscoveryCallback(&discovery);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    const auto accessTo = [](const char* id) {
+        VmbCameraInfo_t info{};
+        EXPECT_EQ(VmbCameraInfoQuery(id, &info, sizeof info), VmbErrorSuccess);
+        return info.permittedAccess;
+    };
+    const auto first = api.currentCameras();
+    const auto before = accessTo(kColourCamera);
+    VmbHandle_t camera = nullptr;
+    EXPECT_EQ(VmbCameraOpen(kColourCamera, VmbAccessModeFull, &camera), VmbErrorSuccess);
+    ASSERT_NE(accessTo(kColourCamera), before);
+    EXPECT_EQ(api.currentCameras(), first);
+    EXPECT_EQ(VmbCameraClose(camera), VmbErrorSuccess);
+    api.unregisterDiscoveryCallback();
+}
+
 // A camera may have come with the texts of one that went.
 TEST_F(VmbApiTest, TheCurrentCamerasAreReadAnewWhenNobodyTellsOfChanges) {
     find();
