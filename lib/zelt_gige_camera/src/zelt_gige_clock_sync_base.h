@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "interference.h"
 #include "zelt_gige_camera_api.h"
 #include "zelt_gige_rational.h"
 #include "zelt_gige_running_fit.h"
@@ -15,7 +14,7 @@ namespace zelt_gige_camera {
 ///
 /// [frame] All operations but isSynchronized and estimate are called by one thread at a time, under the
 /// channel's mutex.
-class alignas(platform::kInterferenceSize) ClockSyncBase {
+class ClockSyncBase {
   public:
     /// `tickFrequency`: the camera clock's ticks per second. `rate`: host time units per second as far as the
     /// generator is concerned.

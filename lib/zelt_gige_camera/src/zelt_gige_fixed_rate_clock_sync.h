@@ -1,6 +1,7 @@
 /// Time stamps of a free-running camera.
 #pragma once
 
+#include "interference.h"
 #include "zelt_gige_clock_sync_base.h"
 
 namespace zelt_gige_camera {
@@ -8,7 +9,7 @@ namespace zelt_gige_camera {
 /// Before the 20th synchronization point a frame is dated back from the host time of its point by its age on
 /// the camera clock, or counted from the acquisition-start event; from then on the fit tells its time, and
 /// one point per second of camera time keeps the fit fresh.
-class FixedRateClockSync final : public ClockSyncBase {
+class alignas(platform::kInterferenceSize) FixedRateClockSync final : public ClockSyncBase {
   public:
     /// As the channel uses it, `rate` is the tick frequency as a double; then a tick counts as one unit of
     /// host time until the fit takes over.

@@ -1,6 +1,7 @@
 /// Time stamps of a camera that the host's trigger output exposes.
 #pragma once
 
+#include "interference.h"
 #include "zelt_gige_clock_sync_base.h"
 
 namespace zelt_gige_camera {
@@ -9,7 +10,7 @@ namespace zelt_gige_camera {
 /// by frame ids; where the camera's clock tells that pulses passed without a frame, or that a frame came
 /// sooner than a pulse could, the count is corrected and the log told. Ids that are missing while the clock
 /// agrees belong to frames lost on the way, and keep their pulses.
-class TriggeredClockSync final : public ClockSyncBase {
+class alignas(platform::kInterferenceSize) TriggeredClockSync final : public ClockSyncBase {
   public:
     /// `auxClockFrequency`: pulses per second. `rate` has no effect on this generator.
     TriggeredClockSync(Rational tickFrequency, double rate, Rational auxClockFrequency);
