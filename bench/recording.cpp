@@ -46,8 +46,7 @@ class Folder {
 struct Recorded {
     std::uint64_t bytes = 0;
     std::uint64_t lost = 0;
-    std::uint64_t underruns =
-        0;  ///< came when the plug-in had no buffer free, as on a machine that stood still
+    std::uint64_t underruns = 0;  ///< frames that came when no buffer was free
     double seconds = 0.0;
 };
 

@@ -3,6 +3,7 @@
 
 #include "channel_fixture.h"
 #include "config_item_variant.h"
+#include "interference.h"
 #include "zelt_gige_channel_map.h"
 #include "zelt_gige_vmb_api.h"
 
@@ -237,6 +238,11 @@ TEST_F(OneCamera, WithoutAFormatItCanUseAssertsAndHasNone) {
     plugin->enumerateDevices();
     EXPECT_EQ(assertions.failures().size(), 1u);
     EXPECT_EQ(text(0, "FrameFormat"), "");
+}
+
+// Cores that handle frames of different cameras would wait for each other.
+TEST(CameraChannelMemory, IsNotWhatAProcessorHandsOverWithAnothers) {
+    EXPECT_EQ(alignof(zelt_gige_camera::CameraChannel) % platform::kInterferenceSize, 0u);
 }
 
 }  // namespace
