@@ -348,6 +348,18 @@ TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhenOnlyTheAccessToOneChang
     api.unregisterDiscoveryCallback();
 }
 
+TEST_F(VmbApiTest, TheCurrentCamerasStayTheSameObjectWhileThereAreNone) {
+    RecordingDiscovery discovery;
+    api.registerDiscoveryCallback(&discovery);
+    VmbSimUnplugCamera(kColourCamera);
+    VmbSimUnplugCamera(kMonochromeCamera);
+    EXPECT_EQ(VmbSimWaitForEvents(kPatienceMs), VmbErrorSuccess);
+    const auto first = api.currentCameras();
+    EXPECT_TRUE(first->empty());
+    EXPECT_EQ(api.currentCameras(), first);
+    api.unregisterDiscoveryCallback();
+}
+
 // A camera may have come with the texts of one that went.
 TEST_F(VmbApiTest, TheCurrentCamerasAreReadAnewWhenNobodyTellsOfChanges) {
     find();
